@@ -1,0 +1,243 @@
+// The one read-access layer over the loaded store: every question about reference data is asked here.
+//
+// A query answers 0 and fills its output, or a code and leaves the output untouched (a list that fails
+// half-way keeps what it had got): 0xD002 unknown key, 0xD003 nothing at the date, 0xDF01 act being loaded,
+// 0xDFFE code too long for its key or entry that is no code, 0xDFFC out of memory, and the loader's codes for
+// an act or a deferred table read on first use. An existence question answers true or false: an unknown key,
+// or no line at the date, is false.
+#ifndef NOXLUX_REFERENT_LECTURE_DONNEES_H
+#define NOXLUX_REFERENT_LECTURE_DONNEES_H
+
+#include <cstdint>
+
+#include "basics/codes_retour.h"
+#include "referent/referentiel.h"
+#include "types/booleen.h"
+#include "types/date.h"
+#include "types/decimal.h"
+#include "types/liste_codes.h"
+
+namespace noxlux {
+
+class LectureDonnees {
+ public:
+  // `referentiel` is not owned; null stands for a store that is not loaded.
+  explicit LectureDonnees(Referentiel* referentiel) : referentiel_(referentiel) {}
+  virtual ~LectureDonnees() = default;
+
+  // Opens a read access: 0xDF00 no store, 0xDF01 a writer is at work.
+  CodeRetour verrouillerLecture();
+  // Closes it. REQUIRES: referentiel->compteurLecture>0
+  void libererAcces();
+
+  // Starts or stops counting the values read that a local modification covers; the count goes back to 0.
+  void activerVerificationModification(bool activer);
+  CodeRetour lireVerificationModification(Nombre& compteur) const;
+
+  // Header values of the reference.
+  CodeRetour lireCommentaireReferentiel(Texte& commentaire) const;
+  CodeRetour lireDateModification(Date& date) const;
+  CodeRetour lireVersionBaseCCAM(Code& version) const;
+  CodeRetour lireNumeroRevisionReferentiel(Nombre& numero) const;
+  CodeRetour lireVersionMinLogicielle(Code& version) const;
+  CodeRetour lireVersionReferentiel(Code& version) const;
+  CodeRetour lireVariante(Code& variante) const;
+
+  // The act as a whole.
+  CodeRetour rechercherExistenceActe(const Code& acte);
+  CodeRetour rechercherActivites(const Code& acte, ListeCodes& activites);
+  CodeRetour rechercherChargementActe(const Code& acte, Booleen& charge);
+  CodeRetour rechercherCodeMenu(const Code& acte, std::uint32_t& codeMenu);
+  CodeRetour rechercherCodeStructure(const Code& acte, Code& code);
+  CodeRetour rechercherConditionsGenerales(const Code& acte, Texte& conditions);
+  CodeRetour rechercherDateCreation(const Code& acte, Date& dateCreation);
+  CodeRetour rechercherDateFin(const Code& acte, Date& dateFin);
+  CodeRetour rechercherFraisDeplacement(const Code& acte, Code& frais);
+  CodeRetour rechercherLibelleCourt(const Code& acte, Texte& libelle);
+  CodeRetour rechercherLibelleLong(const Code& acte, Texte& libelle);
+  CodeRetour rechercherNaturesAssurance(const Code& acte, ListeCodes& natures);
+  CodeRetour rechercherNotesActe(const Code& acte, Texte& notes);
+  CodeRetour rechercherPositionActe(const Code& acte, std::uint32_t& position);
+  CodeRetour rechercherSexeCompatible(const Code& acte, Code& sexe);
+  CodeRetour rechercherTypeActe(const Code& acte, Code& type);
+
+  // The act at a date.
+  CodeRetour rechercherActesIncompatibles(const Code& acte, const Date& date, ListeCodes& actes);
+  CodeRetour rechercherAdmissionRemboursement(const Code& acte, const Date& date, Code& admission);
+  CodeRetour rechercherCodesExonerationTM(const Code& acte, const Date& date, ListeCodes& codes);
+  CodeRetour rechercherEntentePrealable(const Code& acte, const Date& date, Booleen& soumis);
+  CodeRetour rechercherProcedures(const Code& acte, const Date& date, ListeCodes& procedures);
+
+  // One activity of an act.
+  CodeRetour rechercherAgrementsRadio(const Code& acte, const Code& activite, ListeCodes& agrements);
+  CodeRetour rechercherCodesExtensionDocumentaire(const Code& acte, const Code& activite, ListeCodes& codes);
+  CodeRetour rechercherPhasesDeTraitement(const Code& acte, const Code& activite, ListeCodes& phases);
+  CodeRetour rechercherRMO(const Code& acte, const Code& activite, ListeCodes& rmo);
+
+  // One activity at a date.
+  CodeRetour rechercherActesCompatibles(const Code& acte, const Code& activite, const Date& date,
+                                        ListeCodes& actes);
+  CodeRetour rechercherCategorieMedicale(const Code& acte, const Code& activite, const Date& date,
+                                         Code& categorie);
+  CodeRetour rechercherClassesSpecialitesExecutant(const Code& acte, const Code& activite, const Date& date,
+                                                   ListeCodes& classes);
+  CodeRetour rechercherCodeRegroupement(const Code& acte, const Code& activite, const Date& date, Code& code);
+  CodeRetour rechercherModificateursApplicables(const Code& acte, const Code& activite, const Date& date,
+                                                ListeCodes& modificateurs);
+  CodeRetour rechercherRegleAssociation(const Code& acte, const Code& activite, const Code& acteAssocie,
+                                        const Date& date, Code& regle);
+
+  // One treatment phase. Ages are in years.
+  CodeRetour rechercherAgeMaximal(const Code& acte, const Code& activite, const Code& phase, Periode& age);
+  CodeRetour rechercherAgeMinimal(const Code& acte, const Code& activite, const Code& phase, Periode& age);
+  CodeRetour rechercherDentsIncompatibles(const Code& acte, const Code& activite, const Code& phase,
+                                          ListeCodes& dents);
+  CodeRetour rechercherNombreDents(const Code& acte, const Code& activite, const Code& phase, Code& nombre);
+
+  // Prices of a phase at a date, in euros; increases of the overseas departments (position 1 to 4) are
+  // ratios.
+  CodeRetour rechercherPrixUnitaire(const Code& acte, const Code& activite, const Code& phase,
+                                    const Date& date, Montant& prix);
+  CodeRetour rechercherSupplementCharges(const Code& acte, const Code& activite, const Code& phase,
+                                         const Date& date, Montant& supplement);
+  CodeRetour rechercherMajorationDOM(const Code& acte, const Code& activite, const Code& phase,
+                                     unsigned short positionDOM, const Date& date, Coefficient& majoration);
+
+  // Modifiers. Ages in years, months or days as the reference tells.
+  CodeRetour rechercherModificateurs(const Date& date, ListeCodes& modificateurs);
+  CodeRetour rechercherAgeMaximumModificateur(const Code& modificateur, const Date& date, Periode& age);
+  CodeRetour rechercherAgeMinimumModificateur(const Code& modificateur, const Date& date, Periode& age);
+  bool rechercherExistenceModificateur(const Code& modificateur, const Date& date);
+  CodeRetour rechercherForfaitModificateur(const Code& modificateur, const Date& date, Montant& forfait);
+  CodeRetour rechercherTauxModificateur(const Code& modificateur, const Date& date, Coefficient& taux);
+  CodeRetour rechercherModificateursCompatibles(const Code& modificateur, const Date& date,
+                                                ListeCodes& compatibles);
+  CodeRetour rechercherModificateurOC(const Code& modificateur, const Date& date, Code& modificateurOC);
+  CodeRetour rechercherTopControleCoherence(const Code& modificateur, const Date& date, Booleen& top);
+  CodeRetour rechercherTopPresenceMultiple(const Code& modificateur, const Date& date, Booleen& top);
+  CodeRetour rechercherNombreModificateursTarifants(const Date& date, Nombre& nombre);
+  CodeRetour rechercherNombreModificateursTransmissibles(const Date& date, Nombre& nombre);
+
+  // Associations.
+  CodeRetour rechercherCodesAssociationsNonPrevues(const Date& date, ListeCodes& codes);
+  CodeRetour rechercherCoefficientAssociationNonPrevue(const Code& association, const Date& date,
+                                                       Coefficient& coefficient);
+  bool rechercherExistenceAssociationNP(const Code& association, const Date& date);
+  CodeRetour rechercherCoefficientRegle(const Code& regle, const Date& date, Coefficient& coefficient);
+  CodeRetour rechercherNombreActeAssociation(const Date& date, Nombre& nombre);
+
+  // Specialities, grouping codes, natures of service.
+  CodeRetour rechercherRegroupementSpecialites(const Code& specialite, const Date& date, Code& classe);
+  CodeRetour rechercherSpecialitesDansClasse(const Code& classe, const Date& date, ListeCodes& specialites);
+  CodeRetour rechercherCodesRegroupement(const Date& date, ListeCodes& codes);
+  bool rechercherExistenceCodeRegroupement(const Code& code, const Date& date);
+  CodeRetour rechercherDateCreationCodeRegroupement(const Code& code, Date& dateCreation);
+  CodeRetour rechercherDateObligationCodage(const Code& prestation, const Code& specialite,
+                                            Date& dateObligation);
+  bool rechercherExistenceNaturePrestation(const Code& prestation);
+
+  // Thresholds (position 1 to 4), non-agreed professionals, holidays, concepts (numbered from 1), labels
+  // (code tables numbered from 1).
+  CodeRetour rechercherSeuilExoTM(unsigned short positionSeuil, const Date& date, Montant& seuil);
+  CodeRetour rechercherForfaitNonConventionnes(const Date& date, Montant& forfait);
+  CodeRetour rechercherTauxNonConventionnes(const Date& date, Coefficient& taux);
+  CodeRetour rechercherJoursFeriesCaisse(const Code& caisse, const Date& date, TypeListe<Date>& jours);
+  CodeRetour rechercherJoursFeriesNationaux(const Date& date, TypeListe<Date>& jours);
+  CodeRetour rechercherValeursConcept(unsigned short numero, const Date& date, ListeCodes& valeurs);
+  CodeRetour rechercherLibelleCode(unsigned short numero, const Code& code, Texte& libelle);
+
+  // Menus. The root is menu 1.
+  CodeRetour rechercherMenuPere(std::uint32_t menu, std::uint32_t& pere);
+  CodeRetour rechercherNotesMenu(std::uint32_t menu, Texte& notes);
+  CodeRetour rechercherTitreMenu(std::uint32_t menu, Texte& titre);
+
+  // Keywords and filters. `cadreRecherche` is the mask of search frames.
+  CodeRetour rechercherActesIndexes(const Texte& motCle, unsigned long cadreRecherche, ListeCodes& actes);
+  CodeRetour rechercherCodesActes(ListeCodes& actes, const char* filtre);
+  CodeRetour rechercherMotsCles(TypeListe<Texte>& motsCles);
+  CodeRetour rechercherSynonymes(const Texte& motCle, TypeListe<Texte>& synonymes);
+
+  // The rule catalogue.
+  CodeRetour rechercherInformationsRegle(const Code& identifiant, Texte& libellePrincipal,
+                                         Texte& libelleSecondaire, Code& type, Code& reference,
+                                         Code& indicateurForcage);
+  CodeRetour rechercherReferenceCdC(const Code& identifiant, Code& reference);
+  CodeRetour rechercherReglesEntrainantDebrayage(const Texte& service, ListeCodes& regles);
+  CodeRetour rechercherReglesNonVerifiables(const Code& reference, ListeCodes& regles);
+  CodeRetour rechercherPrioriteIndicateurForcage(const Code& indicateur, Nombre& priorite);
+  CodeRetour rechercherValeurCombinaisonIndicateurs(const Code& indicateur, const Code& present,
+                                                    Code& resultat);
+
+  // Zone descriptors, by position in their tables.
+  CodeRetour rechercherNombreGroupes(std::uint16_t& nombre);
+  CodeRetour rechercherNombreSuperGroupes(std::uint16_t& nombre);
+  CodeRetour rechercherDescriptifSuperGroupe(std::uint16_t position, std::uint16_t& numero, Texte& nom,
+                                             Code& codeFonction, std::uint16_t& nombreFils);
+  CodeRetour rechercherDescriptifGroupe(std::uint16_t position, std::uint16_t& numero,
+                                        std::uint16_t& nombreChamps);
+  CodeRetour rechercherDescriptifChamp(std::uint16_t groupe, std::uint16_t champ, char& format, char& type,
+                                       std::uint16_t& tailleMin, std::uint16_t& tailleMax,
+                                       ListeCodes& valeurs);
+  CodeRetour rechercherDescriptifFils(std::uint16_t superGroupe, std::uint16_t fils,
+                                      std::uint16_t& positionSuperGroupe, std::uint16_t& positionGroupe,
+                                      std::uint16_t& minimum, std::uint16_t& maximum);
+
+  // Dates of the last local modification on or before a date; the date is left untouched when there is none,
+  // which is no failure.
+  CodeRetour rechercherDateModificationCodeRegroupement(const Code& acte, const Code& activite,
+                                                        const Date& date, Date& modification);
+  CodeRetour rechercherDateModificationCoefficientAssociationNP(const Code& association, const Date& date,
+                                                                Date& modification);
+  CodeRetour rechercherDateModificationModificateur(const Code& modificateur, const Date& date,
+                                                    Date& modification);
+  CodeRetour rechercherDateModificationNonConventionnes(const Date& date, Date& modification);
+  CodeRetour rechercherDateModificationMajorationDOM(const Code& acte, const Code& activite,
+                                                     const Code& phase, unsigned short positionDOM,
+                                                     const Date& date, Date& modification);
+  CodeRetour rechercherDateModificationPrixUnitaire(const Code& acte, const Code& activite, const Code& phase,
+                                                    const Date& date, Date& modification);
+  CodeRetour rechercherDateModificationSeuilExoTM(unsigned short positionSeuil, const Date& date,
+                                                  Date& modification);
+  CodeRetour rechercherDateModificationSupplementCharges(const Code& acte, const Code& activite,
+                                                         const Code& phase, const Date& date,
+                                                         Date& modification);
+
+ protected:
+  // Look-ups shared with the modification layer.
+  CodeRetour chercherActeDansIndex(const Code& acte, std::uint32_t& rang);
+  // Loads the act on first use.
+  CodeRetour chercherActe(const Code& acte, NiveauActe*& niveau);
+  CodeRetour chercherActivite(const Code& acte, const Code& activite, NiveauActivite*& niveau);
+  CodeRetour chercherPhase(const Code& acte, const Code& activite, const Code& phase, NiveauPhase*& niveau);
+  CodeRetour chercherHistoActe(const Code& acte, const Date& date, const HistoriqueNiveauActe*& historique);
+  CodeRetour chercherHistoActivite(const Code& acte, const Code& activite, const Date& date,
+                                   const HistoriqueNiveauActivite*& historique);
+  CodeRetour chercherHistoPhase(const Code& acte, const Code& activite, const Code& phase, const Date& date,
+                                const HistoriqueNiveauPhase*& historique);
+
+  Referentiel* referentiel_;
+  bool verification_ = false;
+  std::uint32_t compteurModifications_ = 0;
+};
+
+// A read access held for the length of a scope.
+class AccesLecture {
+ public:
+  explicit AccesLecture(LectureDonnees& lecture) : lecture_(lecture), cr_(lecture.verrouillerLecture()) {}
+  ~AccesLecture() {
+    if (cr_ == NOX_CR_OK) {
+      lecture_.libererAcces();
+    }
+  }
+  AccesLecture(const AccesLecture&) = delete;
+  AccesLecture& operator=(const AccesLecture&) = delete;
+  CodeRetour code() const { return cr_; }
+
+ private:
+  LectureDonnees& lecture_;
+  CodeRetour cr_;
+};
+
+}  // namespace noxlux
+
+#endif

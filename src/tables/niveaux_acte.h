@@ -1,0 +1,132 @@
+// An act record: the act, its activities, their treatment phases, each with its dated histories.
+#ifndef NOXLUX_TABLES_NIVEAUX_ACTE_H
+#define NOXLUX_TABLES_NIVEAUX_ACTE_H
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "basics/codes_retour.h"
+#include "tables/valeurs_ligne.h"
+
+namespace noxlux {
+
+class Date;
+class Ecrivain;
+class Lecteur;
+
+using CodeNatureAssurance = CodeFixe<2>;
+using CodeAgrementRadio = CodeFixe<2>;
+using CodeRMO = CodeFixe<5>;
+using CodeClasseSpecialite = CodeFixe<2>;
+using CodeDent = CodeFixe<2>;
+
+// An act that may be associated, with the tariff rule of the pair.
+struct Association {
+  CodeActe acte;
+  char regleTarifaire = ' ';
+};
+
+struct HistoriqueNiveauActe {
+  DateBrute dateEffet;
+  char admissionRemboursement = ' ';
+  char ententePrealable = ' ';
+  ListeCompacte<char> exonerationsTM;
+  ListeCompacte<CodeActe> procedures;
+  ListeCompacte<CodeActe> incompatibilites;
+
+  CodeRetour lireHistorique(Lecteur& lecteur);
+  CodeRetour ecrireHistorique(Ecrivain& ecrivain) const;
+  void dump(unsigned short module) const;
+};
+
+struct HistoriqueNiveauActivite {
+  DateBrute dateEffet;
+  CodeFixe<2> categorieMedicale;
+  CodeFixe<3> codeRegroupement;
+  ListeCompacte<char> modificateurs;
+  ListeCompacte<CodeClasseSpecialite> classesSpecialites;
+  ListeCompacte<Association> associations;
+
+  CodeRetour lireHistorique(Lecteur& lecteur);
+  CodeRetour ecrireHistorique(Ecrivain& ecrivain) const;
+  void dump(unsigned short module) const;
+};
+
+// Prices in euros; increases are ratios (1.0 is none).
+struct HistoriqueNiveauPhase {
+  DateBrute dateEffet;
+  double prixUnitaire = 0.0;
+  double supplementCharges = 0.0;
+  std::array<double, 4> majorationsDOM{};
+
+  CodeRetour lireHistorique(Lecteur& lecteur);
+  CodeRetour ecrireHistorique(Ecrivain& ecrivain) const;
+  void dump(unsigned short module) const;
+};
+
+// The histories of a level, newest first.
+template <class H>
+using ChaineHistoriques = std::vector<H>;
+
+struct NiveauPhase {
+  char codePhase = ' ';
+  CodeFixe<2> nombreDents;
+  std::uint16_t ageMinimum = 0;  // years; 0: none
+  std::uint16_t ageMaximum = 0;  // years; 0: none
+  ListeCompacte<CodeDent> dentsIncompatibles;
+  ChaineHistoriques<HistoriqueNiveauPhase> historiques;
+
+  CodeRetour lireNiveauPhase(Lecteur& lecteur);
+  CodeRetour ecrireNiveauPhase(Ecrivain& ecrivain) const;
+  CodeRetour chercherHistorique(const HistoriqueNiveauPhase*& historique, const Date& date) const;
+  std::uint16_t nombreHistoriques() const { return static_cast<std::uint16_t>(historiques.size()); }
+  void dump(unsigned short module) const;
+};
+
+struct NiveauActivite {
+  char codeActivite = ' ';
+  ListeCompacte<CodeAgrementRadio> agrementsRadio;
+  ListeCompacte<CodeRMO> rmo;
+  ListeCompacte<char> extensionsDocumentaires;
+  ChaineHistoriques<HistoriqueNiveauActivite> historiques;
+  std::vector<NiveauPhase> phases;
+
+  CodeRetour lireNiveauActivite(Lecteur& lecteur);
+  CodeRetour ecrireNiveauActivite(Ecrivain& ecrivain) const;
+  // Not found: 0xD002, `phase` untouched.
+  CodeRetour chercherNiveauPhase(char code, NiveauPhase*& phase);
+  CodeRetour chercherHistorique(const HistoriqueNiveauActivite*& historique, const Date& date) const;
+  std::uint16_t nombreHistoriques() const { return static_cast<std::uint16_t>(historiques.size()); }
+  void dump(unsigned short module) const;
+};
+
+struct NiveauActe {
+  CodeActe codeStructure;
+  TexteVariable libelleCourt;
+  TexteVariable libelleLong;
+  char typeActe = ' ';
+  TexteVariable conditionsGenerales;
+  TexteVariable notes;
+  char sexeCompatible = ' ';
+  std::uint32_t codeMenu = 0;
+  DateBrute dateCreation;
+  DateBrute dateFin;
+  char fraisDeplacement = ' ';
+  ListeCompacte<CodeNatureAssurance> naturesAssurance;
+  ChaineHistoriques<HistoriqueNiveauActe> historiques;
+  std::vector<NiveauActivite> activites;
+
+  CodeRetour lireNiveauActe(Lecteur& lecteur);
+  CodeRetour ecrireNiveauActe(Ecrivain& ecrivain) const;
+  // Not found: 0xD002, `activite` untouched.
+  CodeRetour chercherActivite(char code, NiveauActivite*& activite);
+  // No history at the date: 0xD003, `historique` untouched.
+  CodeRetour chercherHistorique(const HistoriqueNiveauActe*& historique, const Date& date) const;
+  std::uint16_t nombreHistoriques() const { return static_cast<std::uint16_t>(historiques.size()); }
+  void dump(unsigned short module) const;
+};
+
+}  // namespace noxlux
+
+#endif

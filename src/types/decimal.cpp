@@ -1,0 +1,131 @@
+#include "types/decimal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <string>
+
+#include "basics/assertion.h"
+#include "basics/trace.h"
+
+namespace noxlux {
+
+namespace {
+
+double puissanceDeDix(std::size_t n) { return std::pow(10.0, static_cast<double>(n)); }
+
+bool sontDesChiffres(const byte* champ, std::size_t longueur) {
+  return std::all_of(champ, champ + longueur, [](byte b) { return b >= '0' && b <= '9'; });
+}
+
+}  // namespace
+
+Flottant::Flottant(const byte* champ, std::size_t longueur, std::size_t decimales) {
+  exiger(champ != nullptr, "champ != __null");
+  if (longueur == 0) {
+    return;
+  }
+  if (!estValide(champ, longueur)) {
+    valeur_ = std::numeric_limits<double>::quiet_NaN();
+    return;
+  }
+  long entier = 0;
+  for (std::size_t i = 0; i < longueur; ++i) {
+    entier = entier * 10 + (champ[i] - '0');
+  }
+  valeur_ = static_cast<double>(entier) / puissanceDeDix(decimales);
+}
+
+void Flottant::afficher(std::FILE* sortie) const { std::fprintf(sortie, "%f", valeur_); }
+
+void Flottant::dump(unsigned short module) const { Trace::ecrire(module, "  flottant = %f", valeur_); }
+
+bool Flottant::estRenseigne() const { return std::fabs(valeur_) > PRECISION; }
+
+bool Flottant::ok() const { return !std::isnan(valeur_); }
+
+std::unique_ptr<byte[]> Flottant::lireBytes(std::size_t& longueur, std::size_t decimales) const {
+  exiger(valeur_ >= 0, "valeur >= 0");
+  const double unites = std::floor(valeur_ * puissanceDeDix(decimales) + PRECISION);
+  char chiffres[std::numeric_limits<double>::max_exponent10 + 32];
+  const auto ecrits = static_cast<std::size_t>(std::snprintf(chiffres, sizeof chiffres, "%.0f", unites));
+  const std::size_t zeros = ecrits < decimales + 1 ? decimales + 1 - ecrits : 0;
+  longueur = zeros + ecrits;
+  std::unique_ptr<byte[]> octets(new byte[longueur]);
+  std::fill_n(octets.get(), zeros, static_cast<byte>('0'));
+  std::copy_n(chiffres, ecrits, octets.get() + zeros);
+  return octets;
+}
+
+bool Flottant::estValide(const byte* champ, std::size_t longueur) {
+  return longueur >= 1 && longueur <= 9 && sontDesChiffres(champ, longueur);
+}
+
+double Flottant::tronquer(int n) const {
+  exiger(n >= 0, "n >= 0");
+  const double facteur = puissanceDeDix(static_cast<std::size_t>(n));
+  return std::trunc(valeur_ * facteur) / facteur;
+}
+
+double Flottant::arrondir(int n) const {
+  exiger(n >= 0, "n >= 0");
+  const double facteur = puissanceDeDix(static_cast<std::size_t>(n));
+  const double dessous = std::floor(valeur_ * facteur) / facteur;
+  const double dessus = std::ceil(valeur_ * facteur) / facteur;
+  const double ecartDessous = valeur_ - dessous;
+  const double ecartDessus = dessus - valeur_;
+  // Half steps, which binary values only approach, go away from zero.
+  const bool milieu = std::fabs(ecartDessus - ecartDessous) <= PRECISION;
+  if (milieu && dessus != dessous) {
+    return valeur_ >= 0 ? dessus : dessous;
+  }
+  return ecartDessus < ecartDessous ? dessus : dessous;
+}
+
+bool Flottant::operator==(const Flottant& autre) const {
+  return std::fabs(valeur_ - autre.valeur_) <= PRECISION;
+}
+
+Nombre::Nombre(const byte* champ, std::size_t longueur) {
+  std::int64_t valeur = 0;
+  valide_ = sontDesChiffres(champ, longueur);
+  for (std::size_t i = 0; valide_ && i < longueur; ++i) {
+    valeur = valeur * 10 + (champ[i] - '0');
+    valide_ = valeur <= std::numeric_limits<std::int32_t>::max();
+  }
+  valeur_ = valide_ ? static_cast<std::int32_t>(valeur) : 0;
+}
+
+void Nombre::afficher(std::FILE* sortie) const { std::fprintf(sortie, "%ld", static_cast<long>(valeur_)); }
+
+void Nombre::dump(unsigned short module) const {
+  Trace::ecrire(module, "  nombre = %ld", static_cast<long>(valeur_));
+}
+
+std::unique_ptr<byte[]> Nombre::lireBytes(std::size_t& longueur) const {
+  char texte[16];
+  longueur =
+      static_cast<std::size_t>(std::snprintf(texte, sizeof texte, "%05ld", static_cast<long>(valeur_)));
+  return copierBytes(texte, longueur);
+}
+
+Coefficient::Coefficient(double valeur) : Flottant(valeur) { exiger(valeur >= 0, "valeur >= 0"); }
+
+void Coefficient::dump(unsigned short module) const { Trace::ecrire(module, "  coefficient = %f", valeur_); }
+
+Coefficient Coefficient::operator-(const Coefficient& droite) const {
+  exiger(valeur_ >= droite.valeur_, "valeur >= right.valeur");
+  return Coefficient(valeur_ - droite.valeur_);
+}
+
+void Montant::afficher(std::FILE* sortie) const { std::fprintf(sortie, "%#.2fE", valeur_); }
+
+void Montant::dump(unsigned short module) const { Trace::ecrire(module, "  montant = %#.2fE", valeur_); }
+
+Montant Montant::operator/(const Nombre& droite) const {
+  exiger(droite.estRenseigne(), "right.estRenseigne()");
+  return Montant(valeur_ / droite.lireValeur());
+}
+
+}  // namespace noxlux
