@@ -1,22 +1,22 @@
-# Compiler options shared by every target.
+# Compiler options shared by every target, the tests' own framework included.
 
-# What the language is: the same for all, because it decides what the bytes are.
-add_library(noxlux_langage INTERFACE)
-target_compile_options(noxlux_langage INTERFACE
-  $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-fexec-charset=ISO-8859-1>)
-if(NOXLUX_32)
-  # SSE2 arithmetic, so that both word sizes compute the same cents.
-  target_compile_options(noxlux_langage INTERFACE -m32 -msse2 -mfpmath=sse -D_FILE_OFFSET_BITS=64)
-  target_link_options(noxlux_langage INTERFACE -m32)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # Messages reach the host as ISO-8859-1.
+  add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fexec-charset=ISO-8859-1>)
 endif()
-# No fused or reordered arithmetic on any target.
-target_compile_options(noxlux_langage INTERFACE -ffp-contract=off)
+# No fused arithmetic: every build computes the same cents.
+add_compile_options(-ffp-contract=off)
+if(NOXLUX_32)
+  add_compile_options(-m32 -msse2 -mfpmath=sse)
+  add_compile_definitions(_FILE_OFFSET_BITS=64)
+  add_link_options(-m32)
+endif()
 if(NOXLUX_ASSAINIR)
-  target_compile_options(noxlux_langage INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_link_options(noxlux_langage INTERFACE -fsanitize=address,undefined)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  add_link_options(-fsanitize=address,undefined)
 endif()
 
 add_library(noxlux_avertissements INTERFACE)
 target_compile_options(noxlux_avertissements INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Woverloaded-virtual -Werror)
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror
+  $<$<COMPILE_LANGUAGE:CXX>:-Wsign-conversion -Woverloaded-virtual>)

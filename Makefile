@@ -1,0 +1,50 @@
+# Thin front of CMake. `make demo` and `make test` do everything on a fresh Debian machine.
+TACHES ?= $(shell nproc)
+CMAKE_OPTIONS ?=
+CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
+
+.PHONY: all demo test test-release test-release32 test-assaini bench format propre paquets release release32
+
+all: release release32
+
+paquets:
+	@packaging/installer-paquets
+
+release: paquets
+	@$(call CONFIGURER,release) -DNOXLUX_TESTS=OFF
+	@cmake --build build/release -j $(TACHES)
+
+release32: paquets
+	@$(call CONFIGURER,release32) -DNOXLUX_TESTS=OFF
+	@cmake --build build/release32 -j $(TACHES)
+
+demo: release
+	@packaging/demo build/release
+
+test: test-release test-release32 test-assaini
+
+test-release: paquets
+	@$(call CONFIGURER,release) -DNOXLUX_TESTS=ON
+	@cmake --build build/release -j $(TACHES)
+	@cd build/release && ctest --output-on-failure -j $(TACHES)
+
+test-release32: test-release
+	@$(call CONFIGURER,release32) -DNOXLUX_TESTS=ON -DNOXLUX_REFERENCE_EXEMPLE=$(CURDIR)/build/release/exemple/
+	@cmake --build build/release32 -j $(TACHES)
+	@cd build/release32 && ctest --output-on-failure -j $(TACHES)
+
+test-assaini: paquets
+	@$(call CONFIGURER,debug)
+	@cmake --build build/debug -j $(TACHES)
+	@cd build/debug && ctest --output-on-failure -j $(TACHES)
+
+bench: paquets
+	@$(call CONFIGURER,bench)
+	@cmake --build build/bench -j $(TACHES)
+	@bench/lancer build/bench
+
+format:
+	@git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format -i
+
+propre:
+	@rm -rf build
