@@ -1,0 +1,68 @@
+// What regulation and tariff rules share: the rule catalogue, verifiability, forcing indicators.
+#ifndef NOXLUX_REGLES_REGLES_H
+#define NOXLUX_REGLES_REGLES_H
+
+#include "referent/lecture_donnees.h"
+#include "regles/erreur.h"
+#include "regles/libelle_regle.h"
+
+namespace noxlux {
+
+struct AssociationCCAM;
+struct LigneActe;
+struct Seance;
+
+class Regles {
+ public:
+  explicit Regles(LectureDonnees& lecture) : lecture_(lecture) {}
+  Regles(const Regles&) = delete;
+  Regles& operator=(const Regles&) = delete;
+
+  // Fills the error with what the catalogue says of the rule ("PROD580"), and with its secondary label:
+  //   return copierValeurErreur(erreur, "PROD550", {modificateur, acte, activite});
+  // 0xDFFE when the catalogue lacks the rule or its label does not fit the arguments; the error is then
+  // untouched.
+  CodeRetour copierValeurErreur(Erreur& erreur, const char* regle, ArgumentsLibelle arguments = {});
+  // The same, with the numbers of the lines concerned.
+  CodeRetour copierValeurErreur(Erreur& erreur, const TypeListe<Nombre>& prestations, const char* regle,
+                                ArgumentsLibelle arguments = {});
+
+  // Whether the rule may still be checked: its reference is not in the list; in the list of no line of the
+  // association or of the séance.
+  CodeRetour estVerifiable(const Code& regle, const ListeCodes& reglesNonVerifiables, bool& verifiable);
+  CodeRetour estVerifiable(const Code& regle, const LigneActe& ligne, bool& verifiable);
+  CodeRetour estVerifiable(const Code& regle, const AssociationCCAM& association, bool& verifiable);
+  CodeRetour estVerifiable(const Code& regle, const Seance& seance, bool& verifiable);
+
+  CodeRetour rechercherReglesNonVerifiables(const Code& reference, ListeCodes& regles) {
+    return lecture_.rechercherReglesNonVerifiables(reference, regles);
+  }
+  // What a line that bears the indicator `present` bears once `indicateur` is imposed on it. A tie of
+  // priorities keeps the present one.
+  CodeRetour rechercherValeurCombinaisonIndicateurs(const Code& indicateur, const Code& present,
+                                                    Code& resultat) {
+    return lecture_.rechercherValeurCombinaisonIndicateurs(indicateur, present, resultat);
+  }
+  // Whether a's priority is at least b's: a tie favours a.
+  CodeRetour estIndicateurPrioritaire(const Code& a, const Code& b, bool& resultat);
+
+  // Counting of the values read that a local modification covers.
+  void activerVerificationModification(bool activer) { lecture_.activerVerificationModification(activer); }
+  CodeRetour lireCompteurModification(Nombre& compteur) const {
+    return lecture_.lireVerificationModification(compteur);
+  }
+
+ protected:
+  ~Regles() = default;
+  LectureDonnees& lecture() { return lecture_; }
+
+ private:
+  template <class Lignes>
+  CodeRetour estVerifiableParTous(const Code& regle, const Lignes& lignes, bool& verifiable);
+
+  LectureDonnees& lecture_;
+};
+
+}  // namespace noxlux
+
+#endif

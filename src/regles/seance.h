@@ -1,0 +1,33 @@
+// The CCAM lines of an invoice carried out on one date.
+#ifndef NOXLUX_REGLES_SEANCE_H
+#define NOXLUX_REGLES_SEANCE_H
+
+#include <vector>
+
+#include "regles/ligne_ccam.h"
+
+namespace noxlux {
+
+struct Seance {
+  // REQUIRES: dateSeance != null, which must outlive the séance
+  Seance(const Nombre& numeroSeance, const Date* dateSeance);
+
+  bool accepte(const LigneCCAM& ligne) const { return estEffectueeMemeDate(&ligne); }
+  bool estEffectueeMemeDate(const LigneCCAM* ligne) const { return ligne->date == *date; }
+  // REQUIRES: less than MAX_LIGNES lines, ligne != null
+  void ajouterLigne(LigneCCAM* ligne);
+  // Exemption by the threshold. `factureExoneree` becomes "2" when the séance reaches it, "4" when that may
+  // not be checked.
+  CodeRetour controlerExoFacture(Tarification& tarification, Code& factureExoneree);
+  void dump() const;
+
+  Nombre numero;
+  const Date* date;
+  std::vector<LigneCCAM*> lignes;  // not owned
+  bool topDebrayage = false;
+  ListeCodes referencesPropagees;  // references whose dependent rules every line already holds
+};
+
+}  // namespace noxlux
+
+#endif
