@@ -1,0 +1,53 @@
+// Reads an input zone field by field, in order, against its description.
+#ifndef NOXLUX_CTRL_IN_CONTROLEUR_ZONE_H
+#define NOXLUX_CTRL_IN_CONTROLEUR_ZONE_H
+
+#include <cstdint>
+
+#include "basics/codes_retour.h"
+#include "ctrl_in/controleur_super_groupe.h"
+#include "manip/zone.h"
+#include "types/valeur_champ.h"
+
+namespace noxlux {
+
+// Codes tell the place of the fault: 0x9000 + f (f-th field of the zone), 0xA000 + n and 0xA800 + n (n-th
+// group), 0xB000 + identifier; a malformed zone is 0xF810, reading past its end 0xF805.
+class ControleurZone {
+ public:
+  // Neither is owned. Exhaustive: every group of the zone must be described; otherwise the others are
+  // skipped. REQUIRES: both not null, zone->ok()
+  ControleurZone(Zone* zone, const SuperGroupe* superGroupe, bool exhaustif = true);
+
+  void modifierExhaustif(bool exhaustif) { exhaustif_ = exhaustif; }
+  bool lireExhaustif() const { return exhaustif_; }
+  const Zone& lireZone() const { return *zone_; }
+
+  // The identifier of the current group, the next expected one when none is current.
+  CodeRetour positionnerGroupeSuivant(std::uint16_t& identifiant);
+  // The next field, checked: its group's identifier, its number in the group, and its bytes or its value.
+  CodeRetour extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees);
+  CodeRetour extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, ValeurChamp& valeur);
+  // Once the last field is read: 0xA001 + number of groups read when the zone holds more.
+  CodeRetour verifierFinDonnees() const;
+
+ private:
+  CodeRetour rechercherGroupe();
+  CodeRetour rechercherGroupeExhaustif(const Groupe*& groupe);
+  CodeRetour rechercherGroupeTolerant(const Groupe*& groupe);
+  CodeRetour rechercherChamp(const Champ*& champ);
+  CodeRetour lireChampSuivant(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees,
+                              const Champ*& champ);
+  CodeRetour verifierMinima();
+  CodeRetour situerFaute(CodeRetour cr) const;
+
+  Zone* zone_;
+  ControleurSuperGroupe racine_;
+  bool exhaustif_;
+  const Groupe* groupe_ = nullptr;
+  std::uint16_t numeroChamp_ = 0;
+};
+
+}  // namespace noxlux
+
+#endif
