@@ -1,0 +1,448 @@
+#include "compilateur/lecteur_toml.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <type_traits>
+
+#define TOML_EXCEPTIONS 0
+#define TOML_HEADER_ONLY 1
+#include <toml++/toml.h>
+
+#include "compilateur/cles_toml.h"
+#include "compilateur/transcodage.h"
+#include "referent/lecteur.h"
+
+namespace noxlux::compilateur {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double PLAFOND_DECIMAL = 1000000.0;
+constexpr std::size_t PLAFOND_LISTE = 65535;
+
+// What is being read: the source, and the path of keys down to the current node.
+struct Contexte {
+  Rapport& rapport;
+  std::uint32_t source;
+  std::vector<std::string_view> chemin;
+
+  Lieu lieu(const toml::source_region& region) const { return {source, region.begin.line}; }
+  std::string nomChemin() const {
+    std::string nom;
+    for (const std::string_view cle : chemin) {
+      nom += (nom.empty() ? "" : ".") + std::string(cle);
+    }
+    return nom;
+  }
+  template <class... T>
+  void refuser(const toml::node& noeud, const T&... morceaux) {
+    rapport.signaler(lieu(noeud.source()), phrase("« ", nomChemin(), " » : ", morceaux...));
+  }
+};
+
+class Etape {
+ public:
+  Etape(Contexte& contexte, std::string_view cle) : contexte_(contexte) { contexte.chemin.push_back(cle); }
+  ~Etape() { contexte_.chemin.pop_back(); }
+  Etape(const Etape&) = delete;
+  Etape& operator=(const Etape&) = delete;
+
+ private:
+  Contexte& contexte_;
+};
+
+const char* nomType(const toml::node& noeud) {
+  switch (noeud.type()) {
+    case toml::node_type::table:
+      return "une table";
+    case toml::node_type::array:
+      return "une liste";
+    case toml::node_type::string:
+      return "un texte";
+    case toml::node_type::integer:
+      return "un nombre entier";
+    case toml::node_type::floating_point:
+      return "un nombre décimal";
+    case toml::node_type::boolean:
+      return "un booléen";
+    case toml::node_type::date:
+      return "une date";
+    default:
+      return "une heure";
+  }
+}
+
+void refuserType(Contexte& contexte, const toml::node& noeud, const char* attendu) {
+  contexte.refuser(noeud, attendu, " est attendu, ", nomType(noeud), " est donné");
+}
+
+// The text in ISO-8859-1. False when there is no text, or a character that it cannot hold.
+bool convertirTexte(Contexte& contexte, const toml::node& noeud, std::string& texte) {
+  const auto* const valeur = noeud.as_string();
+  if (valeur == nullptr) {
+    refuserType(contexte, noeud, "un texte");
+    return false;
+  }
+  TexteLatin1 latin1 = versLatin1(valeur->get());
+  for (const std::string& caractere : latin1.translitteres) {
+    contexte.refuser(noeud, "le caractère « ", caractere, " » n'existe pas en ISO-8859-1, écrire « ",
+                     versUtf8(equivalentLatin1(caractere)), " »");
+  }
+  for (const std::string& caractere : latin1.sansEquivalent) {
+    contexte.refuser(noeud, "le caractère « ", caractere, " » n'existe pas en ISO-8859-1");
+  }
+  const auto interdit = [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; };
+  const bool commande = std::any_of(latin1.texte.begin(), latin1.texte.end(), interdit);
+  if (commande) {
+    contexte.refuser(noeud, "le texte contient un caractère de commande");
+  }
+  texte = std::move(latin1.texte);
+  return latin1.translitteres.empty() && latin1.sansEquivalent.empty() && !commande;
+}
+
+// The text of a code of at most `largeur` characters.
+bool convertirCode(Contexte& contexte, const toml::node& noeud, std::size_t largeur, std::string& texte) {
+  if (!convertirTexte(contexte, noeud, texte)) {
+    return false;
+  }
+  if (texte.size() > largeur) {
+    contexte.refuser(noeud, "le code « ", versUtf8(texte), " » dépasse ", std::to_string(largeur),
+                     largeur == 1 ? " caractère" : " caractères");
+    return false;
+  }
+  if (!Lecteur::controlerCode(texte) || texte.find(' ') != std::string::npos) {
+    contexte.refuser(noeud, "le code « ", versUtf8(texte),
+                     " » n'est pas fait de lettres capitales et de chiffres");
+    return false;
+  }
+  return true;
+}
+
+template <class T>
+bool convertirEntier(Contexte& contexte, const toml::node& noeud, T& cible) {
+  const auto* const valeur = noeud.as_integer();
+  if (valeur == nullptr) {
+    refuserType(contexte, noeud, "un nombre entier");
+    return false;
+  }
+  if (valeur->get() < 0 || valeur->get() > static_cast<std::int64_t>(std::numeric_limits<T>::max())) {
+    contexte.refuser(noeud, "le nombre ", std::to_string(valeur->get()), " n'est pas entre 0 et ",
+                     std::to_string(std::numeric_limits<T>::max()));
+    return false;
+  }
+  cible = static_cast<T>(valeur->get());
+  return true;
+}
+
+template <class T>
+struct EstListe : std::false_type {};
+template <class T>
+struct EstListe<std::vector<T>> : std::true_type {};
+
+template <class E>
+void lireTable(Contexte& contexte, const toml::table& table, E& element);
+
+// One conversion a type of member. Each answers false, the fault being told, when the value is refused.
+bool lireValeur(Contexte& contexte, const toml::node& noeud, std::string& cible) {
+  return convertirTexte(contexte, noeud, cible);
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, char& cible) {
+  std::string texte;
+  if (!convertirCode(contexte, noeud, 1, texte)) {
+    return false;
+  }
+  cible = texte.empty() ? ' ' : texte[0];
+  return true;
+}
+
+template <std::size_t N>
+bool lireValeur(Contexte& contexte, const toml::node& noeud, CodeFixe<N>& cible) {
+  std::string texte;
+  if (!convertirCode(contexte, noeud, N, texte)) {
+    return false;
+  }
+  cible = CodeFixe<N>(texte);
+  return true;
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, bool& cible) {
+  const auto* const valeur = noeud.as_boolean();
+  if (valeur == nullptr) {
+    refuserType(contexte, noeud, "un booléen (true ou false)");
+    return false;
+  }
+  cible = valeur->get();
+  return true;
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, std::uint16_t& cible) {
+  return convertirEntier(contexte, noeud, cible);
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, std::uint32_t& cible) {
+  return convertirEntier(contexte, noeud, cible);
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, double& cible) {
+  const std::optional<double> valeur = noeud.is_number() ? noeud.value<double>() : std::nullopt;
+  if (!valeur) {
+    refuserType(contexte, noeud, "un nombre");
+    return false;
+  }
+  if (!std::isfinite(*valeur) || *valeur < 0.0 || *valeur >= PLAFOND_DECIMAL) {
+    contexte.refuser(noeud, "la valeur n'est pas entre 0 et 999999");
+    return false;
+  }
+  cible = *valeur;
+  return true;
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, DateBrute& cible) {
+  const auto* const valeur = noeud.as_date();
+  if (valeur == nullptr) {
+    refuserType(contexte, noeud, "une date (AAAA-MM-JJ)");
+    return false;
+  }
+  cible = {valeur->get().year, valeur->get().month, valeur->get().day};
+  if (!cible.estValide()) {
+    contexte.refuser(noeud, "la date n'est pas un jour du calendrier");
+    return false;
+  }
+  return true;
+}
+
+// Whether a value read without fault is left blank.
+bool estVide(const std::string& valeur) { return valeur.empty(); }
+bool estVide(char valeur) { return valeur == ' '; }
+template <std::size_t N>
+bool estVide(const CodeFixe<N>& valeur) {
+  return valeur.vue().empty();
+}
+template <class T>
+bool estVide(const std::vector<T>& valeur) {
+  return valeur.empty();
+}
+template <class T>
+bool estVide(const T&) {
+  return false;
+}
+
+bool lireValeur(Contexte& contexte, const toml::node& noeud, std::array<double, 4>& cible) {
+  const auto* const liste = noeud.as_array();
+  if (liste == nullptr || liste->size() != cible.size()) {
+    contexte.refuser(noeud, "une liste de quatre nombres est attendue");
+    return false;
+  }
+  bool lue = true;
+  for (std::size_t i = 0; i < cible.size(); ++i) {
+    lue = lireValeur(contexte, *liste->get(i), cible[i]) && lue;
+  }
+  return lue;
+}
+
+template <class T>
+bool lireValeur(Contexte& contexte, const toml::node& noeud, std::vector<T>& cible) {
+  const auto* const liste = noeud.as_array();
+  if (liste == nullptr) {
+    refuserType(contexte, noeud, "une liste");
+    return false;
+  }
+  if (liste->size() > PLAFOND_LISTE) {
+    contexte.refuser(noeud, "la liste dépasse ", std::to_string(PLAFOND_LISTE), " éléments");
+    return false;
+  }
+  cible.reserve(cible.size() + liste->size());
+  for (const toml::node& membre : *liste) {
+    if constexpr (std::is_base_of_v<Element, T>) {
+      if (const auto* const table = membre.as_table()) {
+        lireTable(contexte, *table, cible.emplace_back());
+      } else {
+        refuserType(contexte, membre, "une table");
+      }
+    } else {
+      T valeur{};
+      if (!lireValeur(contexte, membre, valeur)) {
+        continue;
+      }
+      if (estVide(valeur)) {
+        contexte.refuser(membre, "valeur vide dans la liste");
+      } else {
+        cible.push_back(std::move(valeur));
+      }
+    }
+  }
+  return true;
+}
+
+// Number of insertions, deletions and replacements from a key to another.
+std::size_t ecart(std::string_view gauche, std::string_view droite) {
+  std::vector<std::size_t> ligne(droite.size() + 1);
+  for (std::size_t j = 0; j <= droite.size(); ++j) {
+    ligne[j] = j;
+  }
+  for (std::size_t i = 1; i <= gauche.size(); ++i) {
+    std::size_t diagonale = ligne[0];
+    ligne[0] = i;
+    for (std::size_t j = 1; j <= droite.size(); ++j) {
+      const std::size_t remplacement = diagonale + (gauche[i - 1] == droite[j - 1] ? 0 : 1);
+      diagonale = ligne[j];
+      ligne[j] = std::min({ligne[j] + 1, ligne[j - 1] + 1, remplacement});
+    }
+  }
+  return ligne[droite.size()];
+}
+
+template <class E>
+void refuserClesInconnues(Contexte& contexte, const toml::table& table) {
+  for (auto&& [cle, noeud] : table) {
+    const std::string_view nom = cle.str();
+    std::string_view proche;
+    bool connue = false;
+    const auto comparer = [&](std::string_view candidate) {
+      connue = connue || nom == candidate;
+      if (ecart(nom, candidate) <= 2 && (proche.empty() || ecart(nom, candidate) < ecart(nom, proche))) {
+        proche = candidate;
+      }
+    };
+    std::apply([&](const auto&... c) { (comparer(c.nom), ...); }, CLES<E>);
+    if (!connue) {
+      const std::string dans = contexte.chemin.empty() ? "" : " dans « " + contexte.nomChemin() + " »";
+      contexte.rapport.signaler(
+          contexte.lieu(cle.source()),
+          phrase("clé inconnue « ", nom, " »", dans, proche.empty() ? "" : " ; vouliez-vous « ", proche,
+                 proche.empty() ? "" : " » ?"));
+    }
+  }
+}
+
+template <class E, class C, class T>
+void lireCle(Contexte& contexte, const toml::table& table, const Cle<C, T>& cle, E& element) {
+  const Etape etape(contexte, cle.nom);
+  const toml::node* const noeud = table.get(cle.nom);
+  if (noeud == nullptr) {
+    if (cle.obligatoire) {
+      contexte.refuser(table, "clé absente");
+    }
+    return;
+  }
+  T& cible = element.*(cle.membre);
+  if (lireValeur(contexte, *noeud, cible) && cle.obligatoire && estVide(cible)) {
+    contexte.refuser(*noeud, "valeur vide");
+  }
+}
+
+template <class E>
+void lireTable(Contexte& contexte, const toml::table& table, E& element) {
+  element.lieu = contexte.lieu(table.source());
+  refuserClesInconnues<E>(contexte, table);
+  std::apply([&](const auto&... cle) { (lireCle(contexte, table, cle, element), ...); }, CLES<E>);
+}
+
+// `[entete]` and `[recherche]` stand alone; the other kinds of items are arrays of tables.
+void lireModele(Contexte& contexte, const toml::table& table, Modele& modele) {
+  refuserClesInconnues<Modele>(contexte, table);
+  const auto lire = [&](const auto& cle) {
+    const toml::node* const noeud = table.get(cle.nom);
+    if (noeud == nullptr) {
+      return;
+    }
+    auto& elements = modele.*(cle.membre);
+    using E = typename std::remove_reference_t<decltype(elements)>::value_type;
+    constexpr bool SEULE = std::is_same_v<E, Entete> || std::is_same_v<E, Recherche>;
+    const Etape etape(contexte, cle.nom);
+    if constexpr (SEULE) {
+      if (const auto* const seule = noeud->as_table()) {
+        lireTable(contexte, *seule, elements.emplace_back());
+      } else {
+        refuserType(contexte, *noeud, "une table");
+      }
+    } else {
+      lireValeur(contexte, *noeud, elements);
+    }
+  };
+  std::apply([&](const auto&... cle) { (lire(cle), ...); }, CLES<Modele>);
+}
+
+void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rapport& rapport) {
+  const std::size_t invalide = premierOctetInvalide(texte);
+  if (invalide != std::string_view::npos) {
+    const auto lignes =
+        std::count(texte.begin(), texte.begin() + static_cast<std::ptrdiff_t>(invalide), '\n');
+    rapport.signaler({source, static_cast<std::uint32_t>(lignes + 1)}, "le fichier n'est pas en UTF-8");
+    return;
+  }
+  const toml::parse_result resultat = toml::parse(texte);
+  if (!resultat) {
+    rapport.signaler({source, resultat.error().source().begin.line},
+                     phrase("TOML mal formé (", resultat.error().description(), ")"));
+    return;
+  }
+  Contexte contexte{rapport, source, {}};
+  lireModele(contexte, resultat.table(), modele);
+}
+
+void lireFichier(const fs::path& chemin, Modele& modele, Rapport& rapport) {
+  const std::uint32_t source = rapport.declarerSource(chemin.string());
+  std::ifstream flux(chemin, std::ios::binary);
+  std::string texte{std::istreambuf_iterator<char>(flux), std::istreambuf_iterator<char>()};
+  if (!flux.good() && !flux.eof()) {
+    rapport.signaler({source, 0}, "le fichier ne peut pas être lu");
+    return;
+  }
+  lireTexte(texte, source, modele, rapport);
+}
+
+// The files that a path stands for.
+std::vector<fs::path> fichiersDe(const fs::path& chemin, Rapport& rapport) {
+  std::vector<fs::path> fichiers;
+  std::error_code erreur;
+  const fs::file_status etat = fs::status(chemin, erreur);
+  const auto refuser = [&](const char* raison) {
+    rapport.signaler({rapport.declarerSource(chemin.string()), 0}, raison);
+  };
+  if (!fs::exists(etat)) {
+    refuser("ce fichier ou ce répertoire n'existe pas");
+  } else if (!fs::is_directory(etat)) {
+    fichiers.push_back(chemin);
+  } else {
+    for (fs::directory_iterator it(chemin, erreur), fin; !erreur && it != fin; it.increment(erreur)) {
+      if (it->path().extension() == ".toml") {
+        fichiers.push_back(it->path());
+      }
+    }
+    std::sort(fichiers.begin(), fichiers.end());
+    if (erreur) {
+      refuser("le répertoire ne peut pas être lu");
+    } else if (fichiers.empty()) {
+      refuser("le répertoire ne contient aucun fichier .toml");
+    }
+  }
+  return fichiers;
+}
+
+}  // namespace
+
+void lireTexteToml(std::string_view texte, std::string nom, Modele& modele, Rapport& rapport) {
+  lireTexte(texte, rapport.declarerSource(std::move(nom)), modele, rapport);
+}
+
+void lireSourcesToml(const std::vector<std::string>& chemins, Modele& modele, Rapport& rapport) {
+  std::set<fs::path> lus;
+  for (const std::string& chemin : chemins) {
+    for (const fs::path& fichier : fichiersDe(chemin, rapport)) {
+      std::error_code erreur;
+      const fs::path reel = fs::canonical(fichier, erreur);
+      if (lus.insert(erreur ? fichier : reel).second) {
+        lireFichier(fichier, modele, rapport);
+      }
+    }
+  }
+}
+
+}  // namespace noxlux::compilateur

@@ -1,0 +1,340 @@
+// A nomenclature and the socle it is compiled with, in memory, whatever the source they were read from.
+//
+// Texts are ISO-8859-1. Codes are valid (capital letters and digits) or empty: the readers see to it, and the
+// types to their width. Everything else is for the checks to find: duplicates, unknown codes, overlapping
+// dates. Each item keeps its place in the sources.
+#ifndef NOXLUX_COMPILATEUR_MODELE_H
+#define NOXLUX_COMPILATEUR_MODELE_H
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "compilateur/rapport.h"
+#include "tables/valeurs_ligne.h"
+#include "types/date.h"
+
+namespace noxlux::compilateur {
+
+struct Element {
+  Lieu lieu;
+};
+
+// What holds from a day to another; a null end is open.
+struct ElementDate : Element {
+  DateBrute debut;
+  DateBrute fin;
+};
+
+struct Entete : Element {
+  CodeFixe<4> version;
+  CodeFixe<5> versionBaseCCAM;
+  DateBrute date;
+  CodeFixe<4> versionMinimum;
+  std::uint16_t revision = 0;
+  CodeFixe<10> variante;
+  std::string commentaire;
+};
+
+// Acts.
+struct AssociationActe : Element {
+  CodeActe acte;
+  char regle = ' ';
+};
+
+struct HistoriquePhase : Element {
+  DateBrute effet;
+  double prix = 0.0;
+  double supplement = 0.0;
+  std::array<double, 4> dom{1.0, 1.0, 1.0, 1.0};
+};
+
+struct Phase : Element {
+  char code = ' ';
+  CodeFixe<2> nombreDents;
+  std::uint16_t ageMinimum = 0;
+  std::uint16_t ageMaximum = 0;
+  std::vector<CodeFixe<2>> dentsIncompatibles;
+  std::vector<HistoriquePhase> historiques;
+};
+
+struct HistoriqueActivite : Element {
+  DateBrute effet;
+  CodeFixe<2> categorieMedicale;
+  CodeFixe<3> regroupement;
+  std::vector<char> modificateurs;
+  std::vector<CodeFixe<2>> classesSpecialite;
+  std::vector<AssociationActe> associations;
+};
+
+struct Activite : Element {
+  char code = ' ';
+  std::vector<CodeFixe<2>> agrementsRadio;
+  std::vector<CodeFixe<5>> rmo;
+  std::vector<char> extensions;
+  std::vector<HistoriqueActivite> historiques;
+  std::vector<Phase> phases;
+};
+
+struct HistoriqueActe : Element {
+  DateBrute effet;
+  char admission = ' ';
+  bool ententePrealable = false;
+  std::vector<char> exonerations;
+  std::vector<CodeActe> procedures;
+  std::vector<CodeActe> incompatibles;
+};
+
+struct Acte : Element {
+  CodeActe code;
+  std::string libelleCourt;
+  std::string libelleLong;
+  char type = ' ';
+  std::string conditions;
+  std::string notes;
+  char sexe = ' ';
+  std::uint32_t menu = 0;
+  DateBrute creation;
+  DateBrute fin;
+  char fraisDeplacement = ' ';
+  std::vector<CodeFixe<2>> naturesAssurance;
+  std::vector<HistoriqueActe> historiques;
+  std::vector<Activite> activites;
+};
+
+struct Menu : Element {
+  std::uint32_t code = 0;
+  std::string libelle;
+  std::uint32_t pere = 0;
+  std::string notes;
+};
+
+// Modifiers.
+struct AgeModificateur : ElementDate {
+  std::uint16_t minimum = 0;
+  char uniteMinimum = 'A';
+  std::uint16_t maximum = 0;
+  char uniteMaximum = 'A';
+};
+
+struct CodeModificateurDate : ElementDate {
+  char code = ' ';
+};
+
+struct CoherenceModificateur : ElementDate {
+  bool controle = false;
+  bool presenceMultiple = false;
+};
+
+struct ForfaitEtTaux : ElementDate {
+  double forfait = 0.0;
+  double coefficient = 1.0;
+};
+
+struct ModificateurActe : Element {
+  char code = ' ';
+  std::string libelle;
+  std::vector<AgeModificateur> ages;
+  std::vector<CodeModificateurDate> compatibles;
+  std::vector<CoherenceModificateur> coherences;
+  std::vector<ForfaitEtTaux> valeurs;
+  std::vector<CodeModificateurDate> oc;
+};
+
+// The other subjects.
+struct ClasseDate : ElementDate {
+  CodeFixe<2> classe;
+};
+
+struct SpecialitePS : Element {
+  CodeFixe<2> code;
+  std::string libelle;
+  std::vector<ClasseDate> historiques;
+};
+
+struct CoefficientDate : ElementDate {
+  double coefficient = 0.0;
+};
+
+// An unforeseen association, or a tariff rule.
+struct CodeACoefficients : Element {
+  char code = ' ';
+  std::string libelle;
+  std::vector<CoefficientDate> historiques;
+};
+
+struct SeuilDate : ElementDate {
+  double metropole = 0.0;
+  double antilles = 0.0;
+  double reunion = 0.0;
+  double guyane = 0.0;
+};
+
+struct JourFerie : ElementDate {
+  DateBrute jour;
+  char type = 'F';
+};
+
+struct Caisse : Element {
+  CodeFixe<3> code;
+  std::string libelle;
+  std::vector<JourFerie> jours;
+};
+
+struct Regroupement : ElementDate {
+  CodeFixe<3> code;
+  std::string libelle;
+};
+
+struct NombreDate : ElementDate {
+  std::uint16_t nombre = 0;
+};
+
+struct SpecialiteObligee : Element {
+  CodeFixe<2> code;
+  DateBrute date;
+};
+
+struct Obligation : Element {
+  CodeFixe<3> prestation;
+  std::vector<SpecialiteObligee> specialites;
+};
+
+struct Recherche : Element {
+  std::vector<std::string> motsVides;
+  std::uint16_t longueurMinimale = 2;
+};
+
+struct SynonymesDeMot : Element {
+  std::string mot;
+  std::vector<std::string> synonymes;
+};
+
+// Labels of codes, concepts.
+struct ValeurDeCode : Element {
+  std::string code;
+  std::string libelle;
+};
+
+struct TableDeCodes : Element {
+  std::uint16_t numero = 0;
+  std::string nom;
+  std::vector<ValeurDeCode> valeurs;
+};
+
+struct ValeursDate : ElementDate {
+  std::vector<std::string> valeurs;
+};
+
+struct Concept : Element {
+  std::uint16_t numero = 0;
+  std::string libelle;
+  std::vector<ValeursDate> historiques;
+};
+
+// The rule catalogue.
+struct Regle : Element {
+  CodeFixe<9> identifiant;
+  CodeFixe<10> reference;
+  std::string libelle;
+  std::string detail;
+  std::vector<std::string> arguments;
+  char niveau = 'N';
+  char forcage = ' ';
+  std::vector<CodeFixe<9>> nonVerifiables;
+};
+
+struct PrioriteForcage : Element {
+  char indicateur = ' ';
+  std::uint16_t priorite = 0;
+};
+
+struct ExceptionForcage : Element {
+  char indicateur = ' ';
+  char present = ' ';
+  char resultat = ' ';
+};
+
+struct Service : Element {
+  std::string identifiant;
+  std::vector<CodeFixe<9>> regles;
+};
+
+// The zones.
+struct ChampZone : Element {
+  std::string nom;
+  char format = 'I';
+  char type = 'A';
+  std::uint16_t min = 0;
+  std::uint16_t max = 0;
+  std::vector<std::string> valeurs;
+  std::string libelle;
+  bool repete = false;
+};
+
+struct GroupeZone : Element {
+  std::uint16_t numero = 0;
+  std::string nom;
+  std::string libelle;
+  std::vector<ChampZone> champs;
+};
+
+// A child names a group, or a super-group.
+struct FilsZone : Element {
+  std::uint16_t groupe = 0;
+  std::string superGroupe;
+  std::uint16_t min = 0;
+  std::uint16_t max = 0;
+};
+
+struct SuperGroupeZone : Element {
+  std::string nom;
+  std::vector<FilsZone> fils;
+};
+
+struct FonctionZone : Element {
+  std::string famille;
+  std::string nom;
+  std::uint16_t numero = 0;
+  std::string libelle;
+  std::vector<FilsZone> fils;
+  std::vector<FilsZone> reponse;
+};
+
+// Everything that a reference is compiled from.
+struct Modele {
+  std::vector<Entete> entetes;  // one is wanted
+  std::vector<Acte> actes;
+  std::vector<Menu> menus;
+  std::vector<ModificateurActe> modificateurs;
+  std::vector<SpecialitePS> specialites;
+  std::vector<CodeACoefficients> associationsNonPrevues;
+  std::vector<CodeACoefficients> reglesTarifaires;
+  std::vector<SeuilDate> seuils;
+  std::vector<Caisse> caisses;
+  std::vector<Regroupement> regroupements;
+  std::vector<ForfaitEtTaux> reductionsNonConventionne;
+  std::vector<NombreDate> nombresModificateursTarifants;
+  std::vector<NombreDate> nombresModificateursTransmissibles;
+  std::vector<NombreDate> nombresActesAssociation;
+  std::vector<Obligation> obligations;
+  std::vector<Recherche> recherches;  // at most one
+  std::vector<SynonymesDeMot> synonymes;
+
+  std::vector<TableDeCodes> tablesDeCodes;
+  std::vector<Concept> concepts;
+  std::vector<Regle> regles;
+  std::vector<PrioriteForcage> prioritesForcage;
+  std::vector<ExceptionForcage> exceptionsForcage;
+  std::vector<Service> services;
+  std::vector<GroupeZone> groupes;
+  std::vector<GroupeZone> groupesReponse;
+  std::vector<SuperGroupeZone> superGroupes;
+  std::vector<FonctionZone> fonctions;
+};
+
+}  // namespace noxlux::compilateur
+
+#endif
