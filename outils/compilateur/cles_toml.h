@@ -226,7 +226,7 @@ inline constexpr auto CLES<Service> =
 
 template <>
 inline constexpr auto CLES<ChampZone> =
-    std::tuple{requis("nom", &ChampZone::nom),         requis("format", &ChampZone::format),
+    std::tuple{requis("nom", &ChampZone::nom),         option("format", &ChampZone::format),
                requis("type", &ChampZone::type),       option("min", &ChampZone::min),
                option("max", &ChampZone::max),         option("valeurs", &ChampZone::valeurs),
                option("libelle", &ChampZone::libelle), option("repete", &ChampZone::repete)};
@@ -248,7 +248,7 @@ inline constexpr auto CLES<SuperGroupeZone> =
 template <>
 inline constexpr auto CLES<FonctionZone> =
     std::tuple{requis("famille", &FonctionZone::famille), requis("nom", &FonctionZone::nom),
-               requis("numero", &FonctionZone::numero),   option("libelle", &FonctionZone::libelle),
+               requis("numero", &FonctionZone::numero),   option("libelle", &FonctionZone::libelle), option("note", &FonctionZone::note),
                option("fils", &FonctionZone::fils),       option("reponse", &FonctionZone::reponse)};
 
 // The tables of a file.

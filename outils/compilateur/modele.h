@@ -265,8 +265,8 @@ struct Service : Element {
 // The zones.
 struct ChampZone : Element {
   std::string nom;
-  char format = 'I';
-  char type = 'A';
+  char format = ' ';  // blank in answers
+  char type = ' ';
   std::uint16_t min = 0;
   std::uint16_t max = 0;
   std::vector<std::string> valeurs;
@@ -299,6 +299,7 @@ struct FonctionZone : Element {
   std::string nom;
   std::uint16_t numero = 0;
   std::string libelle;
+  std::string note;
   std::vector<FilsZone> fils;
   std::vector<FilsZone> reponse;
 };

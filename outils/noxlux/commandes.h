@@ -1,0 +1,17 @@
+// The subcommands. Each registers itself on the application; when it is the one called, it does its work and
+// leaves its exit status, or throws ErreurUsage or ErreurBibliotheque.
+#ifndef NOXLUX_COMMANDE_COMMANDES_H
+#define NOXLUX_COMMANDE_COMMANDES_H
+
+namespace CLI {
+class App;
+}
+
+namespace noxlux::commande {
+
+void enregistrerCompiler(CLI::App& application, int& statut);
+void enregistrerLister(CLI::App& application, int& statut);
+
+}  // namespace noxlux::commande
+
+#endif
