@@ -5,13 +5,13 @@
 #include <optional>
 
 #include "regles/erreur.h"
+#include "regles/regles.h"
 #include "types/date.h"
 #include "types/decimal.h"
 #include "types/liste_codes.h"
 
 namespace noxlux {
 
-class Regles;
 class Reglementation;
 class Tarification;
 struct Facture;
@@ -83,6 +83,24 @@ struct LigneActe {
  protected:
   LigneActe(const LigneActe&) = default;
   LigneActe& operator=(const LigneActe&) = default;
+
+  // What a step imposes on a line that read reference data changed by a local modification.
+  static constexpr char FORCAGE_REGLEMENTATION = 'G';
+  static constexpr char FORCAGE_PRIX = 'R';
+  static constexpr char FORCAGE_BASE = 'R';
+  static constexpr char FORCAGE_EXONERATION = 'S';
+
+  // Runs a step while those reads are counted, then draws the consequence.
+  template <class Etape>
+  CodeRetour compterModifications(Regles& regles, char indicateur, Etape etape) {
+    regles.activerVerificationModification(true);
+    const CodeRetour cr = etape();
+    if (cr != NOX_CR_OK) {
+      regles.activerVerificationModification(false);
+      return cr;
+    }
+    return verifierModificationReferentiel(regles, indicateur);
+  }
 };
 
 }  // namespace noxlux

@@ -41,6 +41,15 @@ struct LigneCCAM final : LigneActe {
   std::optional<Booleen> topReduction;     // the association coefficient applies
 };
 
+// The line as a CCAM line; null when it is of another type, or null.
+inline LigneCCAM* enLigneCCAM(LigneActe* ligne) {
+  return ligne != nullptr && ligne->type == LigneActe::Type::CCAM ? static_cast<LigneCCAM*>(ligne) : nullptr;
+}
+inline const LigneCCAM* enLigneCCAM(const LigneActe* ligne) {
+  return ligne != nullptr && ligne->type == LigneActe::Type::CCAM ? static_cast<const LigneCCAM*>(ligne)
+                                                                  : nullptr;
+}
+
 }  // namespace noxlux
 
 #endif

@@ -57,8 +57,9 @@ class Regles {
   LectureDonnees& lecture() { return lecture_; }
 
  private:
-  template <class Lignes>
-  CodeRetour estVerifiableParTous(const Code& regle, const Lignes& lignes, bool& verifiable);
+  // `exclut` tells whether the element excludes a reference.
+  template <class Exclut>
+  CodeRetour demanderVerifiable(const Code& regle, bool& verifiable, Exclut exclut);
 
   LectureDonnees& lecture_;
 };

@@ -1,0 +1,121 @@
+#include "regles/association_ccam.h"
+
+#include "basics/trace.h"
+#include "regles/depot_erreur.h"
+#include "regles/deroulement.h"
+#include "regles/dump_regles.h"
+#include "regles/reglementation.h"
+#include "regles/tarification.h"
+
+namespace noxlux {
+
+namespace {
+
+// Each runs only while the ones before raised nothing.
+constexpr EtapeRegle<Reglementation, const AssociationCCAM> REGLES_ASSOCIATION[] = {
+    {"PROD648", &Reglementation::appliquerProd648}, {"PROD649", &Reglementation::appliquerProd649},
+    {"PROD650", &Reglementation::appliquerProd650}, {"PROD653", &Reglementation::appliquerProd653},
+    {"PROD654", &Reglementation::appliquerProd654},
+};
+
+}  // namespace
+
+AssociationCCAM::AssociationCCAM(const Nombre& numeroAssociation, const Date* dateAssociation,
+                                 const Code* codeActivite, const Code* numeroExecutant)
+    : numero(numeroAssociation), date(dateAssociation), activite(codeActivite), numeroPS(numeroExecutant) {
+  exiger(date != nullptr, "date != __null");
+  exiger(activite != nullptr, "activite != __null");
+  exiger(numeroPS != nullptr, "numeroPS != __null");
+}
+
+bool AssociationCCAM::estAssociee(const LigneCCAM* ligne) const {
+  return ligne->date == *date && ligne->activite == *activite && ligne->numeroPS == *numeroPS;
+}
+
+void AssociationCCAM::ajouterLigne(LigneCCAM* ligne) {
+  exiger(lignes.size() < MAX_LIGNES, "nbLignes < MAX_LIGNES");
+  exiger(ligne != nullptr, "ligne != __null");
+  lignes.push_back(ligne);
+  ligne->association = this;
+  topDebrayage = topDebrayage || ligne->topDebrayage;
+}
+
+CodeRetour AssociationCCAM::controlerReglementation(Reglementation& reglementation, ListeErreurs& erreurs) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Association::controlerReglementation");
+  const auto deposer = [this](ListeErreurs& liste, Erreur& erreur, Regles& regles) {
+    return traiterErreur(liste, erreur, regles);
+  };
+  Deroulement<Reglementation, AssociationCCAM, decltype(deposer)> deroulement(reglementation, *this, erreurs,
+                                                                              deposer);
+  deroulement.regle("PROD590",
+                    [&](Erreur& erreur) { return reglementation.appliquerProd590(*this, erreur); });
+  cr = deroulement.code();
+  for (LigneCCAM* ligne : lignes) {
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    auto surLigne = deroulerSurLigne(reglementation, *ligne, *ligne, erreurs);
+    surLigne.regle("PROD137",
+                   [&](Erreur& erreur) { return reglementation.appliquerProd137(*ligne, erreur); });
+    cr = surLigne.code();
+  }
+  for (const auto& etape : REGLES_ASSOCIATION) {
+    if (cr != NOX_CR_OK || !deroulement.regle(etape.identifiant, [&](Erreur& erreur) {
+          return (reglementation.*etape.appliquer)(*this, erreur);
+        })) {
+      break;
+    }
+  }
+  cr = cr != NOX_CR_OK ? cr : deroulement.code();
+  return cr;
+}
+
+CodeRetour AssociationCCAM::rechercherActePu(Tarification& tarification) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Association::rechercheActePu");
+  bool verifiable = false;
+  cr = tarification.estVerifiable(Code("PROD656A"), *this, verifiable);
+  if (cr == NOX_CR_OK && verifiable) {
+    cr = tarification.appliquerProd656A(*this);
+  }
+  return cr;
+}
+
+CodeRetour AssociationCCAM::traiterErreur(ListeErreurs& erreurs, Erreur& erreur, Regles& regles) {
+  if (!erreur.estRenseigne()) {
+    return NOX_CR_OK;
+  }
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Association::traiterErreur");
+  const ViderErreur videur(erreur);
+  erreur.dump(TRACE_CONTROLE);
+  cr = erreurs.ajouterElement(erreur);
+  if (cr == NOX_CR_OK) {
+    cr = deposerSurGroupe(*this, erreur, regles, [](const LigneCCAM& ligne) {
+      Trace::ecrire(TRACE_CONTROLE, "Le nouveau code forcage de l'acte %s de l'association est %s",
+                    ligne.acte.lireTexte(), ligne.forcage->lireTexte());
+    });
+  }
+  return cr;
+}
+
+void AssociationCCAM::dump() const {
+  if (Trace::niveau(TRACE_CONTROLE) == 0) {
+    return;
+  }
+  Trace::debut(TRACE_CONTROLE, "Association n° %d::dump", numero.lireValeur());
+  Trace::ecrire(TRACE_CONTROLE, "date            = %s", date->lireValeur());
+  Trace::ecrire(TRACE_CONTROLE, "activite        = %s", activite->lireTexte());
+  Trace::ecrire(TRACE_CONTROLE, "numeroPS        = %s", numeroPS->lireTexte());
+  tracer("actePlusFort    = %s", actePlusFort);
+  tracer("typeAssociation = %s", typeAssociation);
+  Trace::ecrire(TRACE_CONTROLE, "topDebrayage    = %s", vraiFaux(topDebrayage));
+  for (std::size_t i = 0; i < lignes.size(); ++i) {
+    Trace::ecrire(TRACE_CONTROLE, "acte[%d]         = %s (ligne %d)", static_cast<int>(i),
+                  lignes[i]->acte.lireTexte(), lignes[i]->numero.lireValeur());
+  }
+  Trace::fin(TRACE_CONTROLE, "");
+}
+
+}  // namespace noxlux

@@ -1,0 +1,32 @@
+#include "regles/depot_erreur.h"
+
+#include "basics/trace.h"
+
+namespace noxlux {
+
+CodeRetour CombinaisonForcage::combiner(LigneActe& ligne) {
+  Trace::ecrire(TRACE_CONTROLE, "L'ancien code forcage de l'acte est %s", ligne.forcage->lireTexte());
+  Trace::ecrire(TRACE_CONTROLE, "L'indicateur de forcage lié à l'erreur est %s", indicateur_.lireTexte());
+  if (present_ != ligne.forcage) {
+    Code resultat;
+    const CodeRetour cr =
+        regles_.rechercherValeurCombinaisonIndicateurs(indicateur_, *ligne.forcage, resultat);
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    present_ = ligne.forcage;
+    resultat_ = resultat;
+  }
+  ligne.forcage = resultat_;
+  Trace::ecrire(TRACE_CONTROLE, "Le nouveau code forcage de l'acte est %s", resultat_.lireTexte());
+  return NOX_CR_OK;
+}
+
+CodeRetour exclureRegles(LigneActe& ligne, const ListeCodes& regles) {
+  if (!ligne.reglesNonVerifiables.has_value()) {
+    ligne.reglesNonVerifiables.emplace();
+  }
+  return ligne.reglesNonVerifiables->unionListe(regles);
+}
+
+}  // namespace noxlux

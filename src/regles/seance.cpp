@@ -1,0 +1,51 @@
+#include "regles/seance.h"
+
+#include "basics/trace.h"
+#include "regles/facture.h"
+#include "regles/tarification.h"
+
+namespace noxlux {
+
+Seance::Seance(const Nombre& numeroSeance, const Date* dateSeance) : numero(numeroSeance), date(dateSeance) {
+  exiger(date != nullptr, "date != __null");
+}
+
+void Seance::ajouterLigne(LigneCCAM* ligne) {
+  exiger(lignes.size() < MAX_LIGNES, "nbLignes < MAX_LIGNES");
+  exiger(ligne != nullptr, "ligne != __null");
+  lignes.push_back(ligne);
+  ligne->seance = this;
+  topDebrayage = topDebrayage || ligne->topDebrayage;
+}
+
+CodeRetour Seance::controlerExoFacture(Tarification& tarification, Code& factureExoneree) {
+  bool verifiable = false;
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Seance::controlerExoFacture");
+  cr = tarification.estVerifiable(Code("PROD790B"), *this, verifiable);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  if (verifiable) {
+    cr = tarification.appliquerProd790B(*this, lignes.front()->factureParent->caissePS, factureExoneree);
+  } else if (factureExoneree.vue() != Facture::EXONEREE) {
+    factureExoneree = Code(Facture::NON_VERIFIABLE);
+  }
+  return cr;
+}
+
+void Seance::dump() const {
+  if (Trace::niveau(TRACE_CONTROLE) == 0) {
+    return;
+  }
+  Trace::debut(TRACE_CONTROLE, "Seance n° %d::dump", numero.lireValeur());
+  Trace::ecrire(TRACE_CONTROLE, "date         = %s", date->lireValeur());
+  Trace::ecrire(TRACE_CONTROLE, "topDebrayage = %s", vraiFaux(topDebrayage));
+  for (std::size_t i = 0; i < lignes.size(); ++i) {
+    Trace::ecrire(TRACE_CONTROLE, "acte[%d] = %s (ligne = %d)", static_cast<int>(i),
+                  lignes[i]->acte.lireTexte(), lignes[i]->numero.lireValeur());
+  }
+  Trace::fin(TRACE_CONTROLE, "");
+}
+
+}  // namespace noxlux
