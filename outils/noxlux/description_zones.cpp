@@ -32,10 +32,16 @@ void pourChaque(const toml::table& table, std::string_view cle, F f) {
   }
 }
 
-ChampDecrit lireChamp(const toml::table& t) {
-  ChampDecrit champ{texte(t, "nom"),     texte(t, "libelle"), lettre(t, "format", 'E'),
-                    lettre(t, "type", 'T'), nombre(t, "min"),    nombre(t, "max"),
-                    {},                  t["repete"].value_or(false)};
+ChampDecrit lireChamp(const toml::table& t, bool reponse) {
+  ChampDecrit champ{texte(t, "nom"),
+                    texte(t, "libelle"),
+                    lettre(t, "format", 'E'),
+                    lettre(t, "type", 'T'),
+                    nombre(t, "min"),
+                    nombre(t, "max"),
+                    {},
+                    t["repete"].value_or(false),
+                    reponse};
   if (const toml::array* valeurs = t["valeurs"].as_array()) {
     for (const toml::node& valeur : *valeurs) {
       champ.valeurs.push_back(valeur.value_or(std::string()));
@@ -66,7 +72,7 @@ DescriptionZones::DescriptionZones(std::string_view source) {
   for (const bool reponse : {false, true}) {
     pourChaque(racine, reponse ? "groupe_reponse" : "groupe", [&](const toml::table& t) {
       GroupeDecrit groupe{nombre(t, "numero"), texte(t, "nom"), texte(t, "libelle"), reponse, {}};
-      pourChaque(t, "champs", [&](const toml::table& c) { groupe.champs.push_back(lireChamp(c)); });
+      pourChaque(t, "champs", [&](const toml::table& c) { groupe.champs.push_back(lireChamp(c, reponse)); });
       groupes_.push_back(std::move(groupe));
     });
   }
@@ -103,7 +109,8 @@ const GroupeDecrit* DescriptionZones::groupeNomme(std::string_view nom) const {
   return nullptr;
 }
 
-const FonctionDecrite* DescriptionZones::fonction(std::string_view famille, std::string_view identifiant) const {
+const FonctionDecrite* DescriptionZones::fonction(std::string_view famille,
+                                                  std::string_view identifiant) const {
   const std::string cherche(identifiant);
   for (const FonctionDecrite& fonction : fonctions_) {
     if (fonction.famille == famille && strcasecmp(fonction.nom.c_str(), cherche.c_str()) == 0) {

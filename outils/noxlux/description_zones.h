@@ -16,7 +16,8 @@ struct ChampDecrit {
   unsigned min = 0;
   unsigned max = 0;
   std::vector<std::string> valeurs;
-  bool repete = false;  // any number of them, at the end of a group
+  bool repete = false;   // any number of them, at the end of a group
+  bool reponse = false;  // a field of an answer
 };
 
 struct GroupeDecrit {

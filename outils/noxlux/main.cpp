@@ -42,6 +42,10 @@ int main(int argc, char** argv) {
   int statut = STATUT_REPONDU;
   enregistrerCompiler(application, statut);
   enregistrerLister(application, statut);
+  enregistrerVersion(application);
+  enregistrerConsulter(application);
+  enregistrerRechercher(application);
+  enregistrerZone(application);
   try {
     application.parse(argc, argv);
   } catch (const CLI::ParseError& erreur) {

@@ -94,17 +94,23 @@ bool estNumerique(char type) { return type == 'N' || type == 'M' || type == 'F' 
   throw ErreurUsage(chemin + " : " + raison);
 }
 
-std::string encoderNombre(char type, const Json& valeur, const std::string& chemin) {
-  const double unites = std::round(valeur.get<double>() * std::pow(10.0, decimales(type)));
+// Whole numbers of answers have at least five digits.
+constexpr int CHIFFRES_NOMBRE_REPONSE = 5;
+
+std::string encoderNombre(const ChampDecrit& champ, const Json& valeur, const std::string& chemin) {
+  const unsigned apresVirgule = decimales(champ.type);
+  const double exactes = valeur.get<double>() * std::pow(10.0, apresVirgule);
+  const double unites = std::round(exactes);
   if (!(unites >= 0) || unites > 999999999.0) {
     refuser(chemin, "un nombre de 0 à 9 chiffres est attendu");
   }
-  if (std::fabs(valeur.get<double>() * std::pow(10.0, decimales(type)) - unites) > 1e-4) {
-    refuser(chemin, "trop de décimales (" + std::to_string(decimales(type)) + " au plus)");
+  if (std::fabs(exactes - unites) > 1e-4) {
+    refuser(chemin, "trop de décimales (" + std::to_string(apresVirgule) + " au plus)");
   }
+  const int largeur =
+      champ.type == 'N' && champ.reponse ? CHIFFRES_NOMBRE_REPONSE : static_cast<int>(apresVirgule) + 1;
   char texte[24];
-  std::snprintf(texte, sizeof texte, "%0*lld", static_cast<int>(decimales(type)) + 1,
-                static_cast<long long>(unites));
+  std::snprintf(texte, sizeof texte, "%0*lld", largeur, static_cast<long long>(unites));
   return texte;
 }
 
@@ -129,8 +135,7 @@ Json valeurTypee(char type, const std::string& octets) {
       !octets.empty() && octets.size() <= 9 && octets.find_first_not_of("0123456789") == std::string::npos;
   if (estNumerique(type) && chiffres) {
     const long long entier = std::stoll(octets);
-    return type == 'N' ? Json(entier)
-                       : Json(static_cast<double>(entier) / std::pow(10.0, decimales(type)));
+    return type == 'N' ? Json(entier) : Json(static_cast<double>(entier) / std::pow(10.0, decimales(type)));
   }
   if (type == 'B' && (octets == "O" || octets == "N")) {
     return octets == "O";
@@ -155,10 +160,7 @@ std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const std
     if (!estNumerique(champ.type)) {
       refuser(chemin, "un texte est attendu, pas un nombre");
     }
-    std::string texte = encoderNombre(champ.type, valeur, chemin);
-    // Answers hold whole numbers on five digits; requests may be shorter.
-    return champ.type == 'N' && champ.min == 5 ? std::string(5 - std::min<std::size_t>(5, texte.size()), '0') + texte
-                                               : texte;
+    return encoderNombre(champ, valeur, chemin);
   }
   if (!valeur.is_string()) {
     refuser(chemin, "un texte, un nombre ou un booléen est attendu");
@@ -166,7 +168,7 @@ std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const std
   const std::string texte = valeur.get<std::string>();
   if (champ.type == 'D') {
     if (const auto date = dateCompacte(texte)) {
-      return *date;
+      return *date + (champ.reponse ? "0000" : "");
     }
   }
   return texteLatin1(texte, chemin);
@@ -192,7 +194,7 @@ std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const 
   for (const ChampDecrit& champ : groupe.champs) {
     const auto trouve = champs.find(champ.nom);
     const std::string place = chemin + "." + champ.nom;
-    pris += trouve == champs.end() ? 0 : 1;
+    pris += trouve == champs.end() ? 0U : 1U;
     if (champ.repete) {
       if (trouve != champs.end() && trouve->is_array()) {
         for (std::size_t i = 0; i < trouve->size(); ++i) {
@@ -210,7 +212,8 @@ std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const 
       const bool connu = std::any_of(groupe.champs.begin(), groupe.champs.end(),
                                      [&](const ChampDecrit& champ) { return champ.nom == nom; });
       if (!connu) {
-        refuser(chemin + "." + nom, "le groupe " + std::to_string(groupe.numero) + " n'a pas de champ de ce nom");
+        refuser(chemin + "." + nom,
+                "le groupe " + std::to_string(groupe.numero) + " n'a pas de champ de ce nom");
       }
     }
   }

@@ -1,0 +1,71 @@
+// The library, loaded for the length of a command.
+#ifndef NOXLUX_COMMANDE_BIBLIOTHEQUE_H
+#define NOXLUX_COMMANDE_BIBLIOTHEQUE_H
+
+#include <filesystem>
+#include <string>
+
+#include "noxlux/erreurs.h"
+#include "noxlux/noxlux.h"
+#include "noxlux/zone_json.h"
+
+namespace CLI {
+class App;
+}
+
+namespace noxlux::commande {
+
+// Where the reference is: a directory of its own, or the one that an orvan.ini tells.
+struct OptionsReference {
+  std::string reference;     // directory of tablebin.nox
+  std::string modification;  // directory of modifref.nox; empty: as the reference
+  std::string config;        // directory of orvan.ini
+  void declarer(CLI::App& commande);
+};
+
+class Bibliotheque {
+ public:
+  // Throws ErreurBibliotheque when it does not load.
+  explicit Bibliotheque(const OptionsReference& options);
+  ~Bibliotheque();
+  Bibliotheque(const Bibliotheque&) = delete;
+  Bibliotheque& operator=(const Bibliotheque&) = delete;
+
+ private:
+  std::string repertoireIni_;            // what REPERTOIRE_SYSTEME points at
+  std::filesystem::path iniTemporaire_;  // removed at the end; empty when none was made
+};
+
+// An answer: its code, and its zone when there is one.
+struct Reponse {
+  unsigned short code = 0;
+  std::string zone;
+};
+
+// Calls an exported function that answers a zone, and takes the zone over.
+template <class F>
+Reponse appeler(F fonction) {
+  void* zone = nullptr;
+  unsigned int taille = 0;
+  Reponse reponse;
+  reponse.code = fonction(&zone, &taille);
+  if (zone != nullptr) {
+    reponse.zone.assign(static_cast<const char*>(zone), taille);
+    NOX_LibererZoneMem(zone);
+  }
+  return reponse;
+}
+
+// The same for a function whose only good answer is 0. Throws ErreurBibliotheque otherwise.
+template <class F>
+std::string appelerOuEchouer(const std::string& nom, F fonction) {
+  Reponse reponse = appeler(fonction);
+  if (reponse.code != 0) {
+    throw ErreurBibliotheque(nom, reponse.code);
+  }
+  return std::move(reponse.zone);
+}
+
+}  // namespace noxlux::commande
+
+#endif
