@@ -127,7 +127,10 @@ class Zone {
   CodeRetour avancerFinGroupe();
   void positionnerAvantChamps();
   void decalerFin(std::uint32_t position, std::uint32_t decalage);
-  std::uint32_t ecrireLongueur(std::uint32_t position, std::uint32_t longueur);
+  void ecrireLongueur(std::uint32_t position, std::uint32_t taillePrefixe, std::uint32_t longueur);
+  CodeRetour insererChamp(Octets donnees);
+  CodeRetour refuserBufferPlein() const;
+  void dumpGroupes();
 
   std::uint16_t identifiant_ = 0;
   std::uint32_t positionGroupe_ = 0;

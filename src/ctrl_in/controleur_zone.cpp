@@ -1,0 +1,189 @@
+#include "ctrl_in/controleur_zone.h"
+
+#include <utility>
+#include <variant>
+
+#include "basics/assertion.h"
+#include "basics/trace.h"
+
+namespace noxlux {
+
+namespace {
+
+// The value, or that there is none, in the trace.
+void dumpValeur(const ValeurChamp& valeur) {
+  std::visit(
+      [](const auto& v) {
+        if constexpr (!std::is_same_v<std::decay_t<decltype(v)>, std::monostate>) {
+          v.dump(TRACE_PARAMETRES);
+        }
+      },
+      valeur);
+}
+
+}  // namespace
+
+ControleurZone::ControleurZone(Zone* zone, const SuperGroupe* superGroupe, bool exhaustif)
+    : zone_(zone), racine_(superGroupe), exhaustif_(exhaustif) {
+  exiger(zone != nullptr, "zone != __null");
+  exiger(zone->ok(), "zone->ok()");
+}
+
+// --- Groups ---
+
+CodeRetour ControleurZone::positionnerGroupeSuivant(std::uint16_t& identifiant) {
+  CodeRetour cr = NOX_CR_OK;
+  if (groupe_ == nullptr) {
+    cr = rechercherGroupe();
+  }
+  if (cr == NOX_CR_OK) {
+    identifiant = zone_->lireIdentifiant();
+  }
+  return cr;
+}
+
+CodeRetour ControleurZone::rechercherGroupe() {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_PARAMETRES, cr, "ControleurZone::rechercherGroupe");
+  const Groupe* groupe = nullptr;
+  cr = exhaustif_ ? rechercherGroupeExhaustif(groupe) : rechercherGroupeTolerant(groupe);
+  if (cr == NOX_CR_OK) {
+    groupe_ = groupe;
+    numeroChamp_ = 0;
+  }
+  return cr;
+}
+
+CodeRetour ControleurZone::rechercherGroupeExhaustif(const Groupe*& groupe) {
+  std::uint16_t identifiant = 0;
+  CodeRetour cr = zone_->avancerGroupeSuivant(identifiant, 1, true);
+  if (cr == NOX_CR_OK) {
+    cr = racine_.rechercherGroupe(identifiant, groupe, true);
+  }
+  if (cr == NOX_CR_OK && groupe == nullptr) {
+    Trace::erreur(TRACE_PARAMETRES, "ERREUR: %uème groupe (%u) non attendu dans la zone d'entrée",
+                  zone_->lireNombreGroupes(), identifiant);
+    cr = codeAvecPosition(NOX_CR_GROUPE_INATTENDU, zone_->lireNombreGroupes());
+  }
+  return cr;
+}
+
+CodeRetour ControleurZone::rechercherGroupeTolerant(const Groupe*& groupe) {
+  CodeRetour cr = NOX_CR_OK;
+  while (cr == NOX_CR_OK && groupe == nullptr) {
+    std::uint16_t identifiant = 0;
+    cr = zone_->avancerGroupeSuivant(identifiant, 1, true);
+    if (cr != NOX_CR_OK) {
+      break;
+    }
+    ControleurSuperGroupe avant(racine_);
+    cr = racine_.rechercherGroupe(identifiant, groupe, false);
+    if (cr == NOX_CR_OK && groupe == nullptr) {
+      Trace::ecrire(TRACE_PARAMETRES, "%uème groupe (%u) ignoré", zone_->lireNombreGroupes(), identifiant);
+      racine_ = std::move(avant);
+    }
+    if (cr == NOX_CR_OK && zone_->finZone()) {
+      cr = verifierMinima();
+    }
+  }
+  return cr;
+}
+
+CodeRetour ControleurZone::verifierMinima() {
+  const Groupe* aucun = nullptr;
+  return racine_.rechercherGroupe(0, aucun, true);
+}
+
+// --- Fields ---
+
+// The description of the field just read; leaves the group once it is its last one.
+CodeRetour ControleurZone::rechercherChamp(const Champ*& champ) {
+  exiger(groupe_ != nullptr, "groupe != __null");
+  const std::uint16_t attendus = groupe_->lireNbChamps();
+  const bool decrit = numeroChamp_ < attendus;
+  if (decrit) {
+    champ = &groupe_->lireChamp(numeroChamp_);
+    if (++numeroChamp_ < attendus) {
+      return NOX_CR_OK;
+    }
+  }
+  if (!decrit || (exhaustif_ && !zone_->finGroupe())) {
+    Trace::erreur(TRACE_PARAMETRES, "ERREUR: trop de champs dans le %uème groupe (%u) (%u champs attendus)",
+                  zone_->lireNombreGroupes(), zone_->lireIdentifiant(), attendus);
+    return codeAvecPosition(NOX_CR_NOMBRE_CHAMPS, zone_->lireNombreGroupes());
+  }
+  groupe_ = nullptr;
+  return zone_->finDonnees() ? verifierMinima() : CodeRetour{NOX_CR_OK};
+}
+
+CodeRetour ControleurZone::lireChampSuivant(std::uint16_t& identifiant, std::uint16_t& numero,
+                                            Octets& donnees, const Champ*& champ) {
+  CodeRetour cr = groupe_ == nullptr ? rechercherGroupe() : CodeRetour{NOX_CR_OK};
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  if (zone_->finGroupe()) {
+    Trace::erreur(TRACE_PARAMETRES,
+                  "ERREUR: nombre de champs insuffisant dans le %uème groupe (%u) (%u champs attendus, %u "
+                  "champs trouvés)",
+                  zone_->lireNombreGroupes(), zone_->lireIdentifiant(), groupe_->lireNbChamps(),
+                  numeroChamp_);
+    return codeAvecPosition(NOX_CR_NOMBRE_CHAMPS, zone_->lireNombreGroupes());
+  }
+  cr = zone_->avancerChampSuivant(numero, donnees);
+  if (cr == NOX_CR_OK) {
+    identifiant = zone_->lireIdentifiant();
+    cr = rechercherChamp(champ);
+  }
+  return cr;
+}
+
+// A fault of content, with the place of its field in the whole zone.
+CodeRetour ControleurZone::situerFaute(CodeRetour cr) const {
+  return cr == NOX_CR_CHAMP_INVALIDE ? codeAvecPosition(NOX_CR_CHAMP_INVALIDE, zone_->lireNombreChamps())
+                                     : cr;
+}
+
+CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_PARAMETRES, cr, "ControleurZone::extraireChamp");
+  const Champ* champ = nullptr;
+  cr = lireChampSuivant(identifiant, numero, donnees, champ);
+  if (cr == NOX_CR_OK) {
+    cr = situerFaute(champ->controler(donnees));
+  }
+  if (cr == NOX_CR_OK && Trace::estDetaille(TRACE_PARAMETRES)) {
+    Trace::ecrire(TRACE_PARAMETRES, "Groupe %u, champ %u (%u) (l=%u) = %s", identifiant, numero,
+                  zone_->lireNombreChamps(), static_cast<unsigned>(donnees.size()),
+                  Zone::dumpChamp(donnees).c_str());
+  }
+  return cr;
+}
+
+CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero,
+                                         ValeurChamp& valeur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_PARAMETRES, cr, "ControleurZone::extraireChamp");
+  const Champ* champ = nullptr;
+  Octets donnees;
+  cr = lireChampSuivant(identifiant, numero, donnees, champ);
+  if (cr == NOX_CR_OK) {
+    cr = situerFaute(champ->transformer(donnees, valeur));
+  }
+  if (cr == NOX_CR_OK && Trace::estDetaille(TRACE_PARAMETRES)) {
+    Trace::ecrire(TRACE_PARAMETRES, "Groupe %u, champ %u (%u) :", identifiant, numero,
+                  zone_->lireNombreChamps());
+    dumpValeur(valeur);
+  }
+  return cr;
+}
+
+CodeRetour ControleurZone::verifierFinDonnees() const {
+  if (zone_->finDonnees()) {
+    return NOX_CR_OK;
+  }
+  Trace::erreur(TRACE_PARAMETRES, "ERREUR: trop de groupes dans la zone d'entree");
+  return codeAvecPosition(NOX_CR_DONNEES_EN_TROP, zone_->lireNombreGroupes());
+}
+
+}  // namespace noxlux
