@@ -212,6 +212,10 @@ inline constexpr auto CLES<Regle> =
                option("forcage", &Regle::forcage),         option("non_verifiables", &Regle::nonVerifiables)};
 
 template <>
+inline constexpr auto CLES<NonVerifiable> =
+    std::tuple{requis("apres", &NonVerifiable::apres), requis("regles", &NonVerifiable::regles)};
+
+template <>
 inline constexpr auto CLES<PrioriteForcage> = std::tuple{requis("indicateur", &PrioriteForcage::indicateur),
                                                          requis("priorite", &PrioriteForcage::priorite)};
 
@@ -274,6 +278,7 @@ inline constexpr auto CLES<Modele> =
                option("table_codes", &Modele::tablesDeCodes),
                option("concept", &Modele::concepts),
                option("regle", &Modele::regles),
+               option("non_verifiable", &Modele::nonVerifiables),
                option("priorite_forcage", &Modele::prioritesForcage),
                option("exception_forcage", &Modele::exceptionsForcage),
                option("service_debrayable", &Modele::services),

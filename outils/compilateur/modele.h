@@ -246,6 +246,12 @@ struct Regle : Element {
   std::vector<CodeFixe<9>> nonVerifiables;
 };
 
+// Each rule of `apres` makes each of `regles` non-verifiable, besides what the rules' own lists tell.
+struct NonVerifiable : Element {
+  std::vector<CodeFixe<9>> apres;
+  std::vector<CodeFixe<9>> regles;
+};
+
 struct PrioriteForcage : Element {
   char indicateur = ' ';
   std::uint16_t priorite = 0;
@@ -327,6 +333,7 @@ struct Modele {
   std::vector<TableDeCodes> tablesDeCodes;
   std::vector<Concept> concepts;
   std::vector<Regle> regles;
+  std::vector<NonVerifiable> nonVerifiables;
   std::vector<PrioriteForcage> prioritesForcage;
   std::vector<ExceptionForcage> exceptionsForcage;
   std::vector<Service> services;
