@@ -1,38 +1,37 @@
-// The regulation rules: one method a rule. A method answers 0 or the code of a query that failed; a violation
-// is told by filling the error, and an error that is not filled is no violation.
-//
-// The order in which rules run, whether each may be checked and where its error is filed are the business of
-// the invoice's elements (LigneActe, LigneCCAM, Facture, AssociationCCAM).
+// The regulation rules. A rule reads the reference and, on a violation, fills the error it is given; it
+// answers a code only when the reference could not be read. A question rule answers a Booleen. What each rule
+// asks is told in docs/rules.md; the sequences that call them belong to the invoice, its lines and its
+// associations.
 #ifndef NOXLUX_REGLES_REGLEMENTATION_H
 #define NOXLUX_REGLES_REGLEMENTATION_H
 
 #include <string>
 
-#include "regles/association_ccam.h"
+#include "regles/concepts.h"
 #include "regles/facture.h"
-#include "regles/ligne_ccam.h"
 #include "regles/regles.h"
+#include "types/booleen.h"
 
 namespace noxlux {
 
-// What appliquerCCompatibilite says of two acts.
-struct Diagnostic {
-  static constexpr const char* COMPATIBLES = "0";
-  static constexpr const char* PROCEDURE_COMPATIBLES = "1";  // same procedure, may be associated with a code
-  static constexpr const char* PROCEDURE_INCOMPATIBLES = "2";  // same procedure, may not be associated
-  static constexpr const char* INCOMPATIBLES = "3";            // medically incompatible
-};
-
-class Reglementation : public Regles {
+class Reglementation final : public Regles {
  public:
+  // Answers of appliquerCCompatibilite.
+  static constexpr const char* COMPATIBLES = "C";
+  static constexpr const char* INCOMPATIBLES = "I";
+  static constexpr const char* MEME_PROCEDURE_COMPATIBLES = "P";    // with unforeseen-association codes
+  static constexpr const char* MEME_PROCEDURE_INCOMPATIBLES = "Q";  // one act is the procedure of the other
+  // How many teeth a line holds, and C_Dent answers.
+  static constexpr unsigned short MAX_DENTS = 16;
+
   using Regles::Regles;
 
-  // Lines that are not CCAM. PROD690A is asked of a travel line attached to a CCAM line.
+  // Lines that are not CCAM. PROD690A REQUIRES: a travel line attached to a CCAM line.
   CodeRetour appliquerProd170(const LigneActe& ligne, Erreur& erreur);
   CodeRetour appliquerProd211(const LigneActe& ligne, Erreur& erreur);
   CodeRetour appliquerProd690A(const LigneActe& ligne, Erreur& erreur);
 
-  // CCAM lines; the invoice is the line's factureParent, never null here.
+  // CCAM lines: the act and its dates. REQUIRES, for all the rules of a line: factureParent != null
   CodeRetour appliquerProd500(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd510(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd511A(const LigneCCAM& ligne, Erreur& erreur);
@@ -41,30 +40,35 @@ class Reglementation : public Regles {
   CodeRetour appliquerProd760(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd765(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd530(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd540(const LigneCCAM& ligne, Erreur& erreur);
+  // Who executes, and under which grouping code.
   CodeRetour appliquerProd220(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd798(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd670(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd895A(const LigneCCAM& ligne, Erreur& erreur);
+  // Modifiers.
   CodeRetour appliquerProd136A(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd136B(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd190(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd550(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd555(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd798A(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd540(const LigneCCAM& ligne, Erreur& erreur);
+  // Ages and teeth. PROD696 and PROD695 are questions.
+  CodeRetour appliquerProd696(const LigneCCAM& ligne, Booleen& resultat);
   CodeRetour appliquerProd720(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd730(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd695(const LigneCCAM& ligne, Booleen& resultat);
   CodeRetour appliquerProd700(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd702(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd710(const LigneCCAM& ligne, Erreur& erreur);
 
-  // Séance rules, asked of each CCAM line; the line's séance and invoice are set. The number of the line is
-  // put first in the error's lines when it is filed: PROD240 gives the others behind a first one.
+  // The line among those of its date. REQUIRES: seance != null. PROD580A is a question.
+  CodeRetour appliquerProd580A(const LigneCCAM& ligne, Booleen& resultat);
   CodeRetour appliquerProd580(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd600(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd240(const LigneCCAM& ligne, Erreur& erreur);
 
-  // Association rules. PROD137 is asked of each line; the others give the numbers of the lines concerned.
+  // Associations. These, and PROD240, give the numbers of the lines concerned to the error.
   CodeRetour appliquerProd590(const AssociationCCAM& association, Erreur& erreur);
   CodeRetour appliquerProd137(const LigneCCAM& ligne, Erreur& erreur);
   CodeRetour appliquerProd648(const AssociationCCAM& association, Erreur& erreur);
@@ -73,12 +77,7 @@ class Reglementation : public Regles {
   CodeRetour appliquerProd653(const AssociationCCAM& association, Erreur& erreur);
   CodeRetour appliquerProd654(const AssociationCCAM& association, Erreur& erreur);
 
-  // Questions that decide whether other rules run.
-  CodeRetour appliquerProd696(const LigneCCAM& ligne, Booleen& resultat);
-  CodeRetour appliquerProd695(const LigneCCAM& ligne, Booleen& resultat);
-  CodeRetour appliquerProd580A(const LigneCCAM& ligne, Booleen& resultat);
-
-  // Single questions and rules, asked without an invoice.
+  // Single questions of the data control.
   CodeRetour appliquerCAge1(const Date& dateNaissance, const Code& modificateur, const Date& date,
                             Booleen& resultat);
   CodeRetour appliquerCAge2(const Date& dateNaissance, const Code& acte, const Code& activite,
@@ -91,15 +90,40 @@ class Reglementation : public Regles {
                                  const Date& date, Booleen& resultat);
   CodeRetour appliquerCRadio(const Code& agrementRadio, const Code& acte, const Code& activite,
                              const Date& date, Booleen& resultat);
-  // One answer per tooth, in their order.
+
+  // Single rules. One answer per tooth, true when it may be treated.
   CodeRetour appliquerCDent(const Code& acte, const Code& activite, const Code& phase, const Date& date,
-                            const ListeCodes& dents, TypeListe<Booleen>& reponses);
-  // The diagnostic, and the procedure both acts belong to when it speaks of one (else empty).
+                            const ListeCodes& dents, TypeListe<Booleen>& resultats);
+  // `compatibilite` becomes one of the four answers above, `procedure` the procedure that both acts belong to
+  // (empty when there is none).
   CodeRetour appliquerCCompatibilite(const Code& acte1, const Code& activite1, const Code& numeroPS1,
                                      const Code& acte2, const Code& activite2, const Code& numeroPS2,
-                                     const Date& date, Code& diagnostic, Code& procedure);
-  // Decides the association's typeAssociation.
+                                     const Date& date, Code& compatibilite, Code& procedure);
+  // Sets the association's type. 0xD112, the type left absent, when two of its acts are incompatible: the
+  // answers of the other associations stand.
   CodeRetour appliquerCAssociation(AssociationCCAM& association);
+
+  // The codes in one text, separated by ", ".
+  static std::string listerElements(const ListeCodes& codes);
+
+ private:
+  CodeRetour chercherModificateurInconnu(const LigneCCAM& ligne, bool tarifants, const char* regle,
+                                         Erreur& erreur);
+  CodeRetour verifierAgeModificateur(const Date& dateNaissance, const Code& modificateur, const Date& date,
+                                     bool& respecte);
+  CodeRetour verifierNonRembourse(const LigneCCAM& ligne, Concept admissions, const char* regle,
+                                  Erreur& erreur);
+  CodeRetour verifierAgeMinimal(const Date& dateNaissance, const Code& acte, const Code& activite,
+                                const Code& phase, const Date& date, bool& respecte);
+  CodeRetour verifierAgeMaximal(const Date& dateNaissance, const Code& acte, const Code& activite,
+                                const Code& phase, const Date& date, bool& respecte);
+  CodeRetour verifierNatureAssurance(const Code& natureAssurance, const Code& acte, bool& admise);
+  CodeRetour verifierObligationCodage(const Code& specialite, const Code& prestation, const Date& date,
+                                      bool& obligatoire);
+  CodeRetour verifierExecutant(const Code& specialite, const Code& acte, const Code& activite,
+                               const Date& date, bool& admis);
+  CodeRetour verifierAgrement(const Code& agrementRadio, const Code& acte, const Code& activite,
+                              bool& suffisant);
 };
 
 }  // namespace noxlux

@@ -1,75 +1,88 @@
-// The tariff rules: unit price, association coefficient, supplement, bases, exemption of the patient's share.
-// Same conventions as the regulation rules.
+// The tariff rules: unit price, association coefficient, supplement for charges, reimbursement base, exemption
+// of the patient's share. Amounts are computed in doubles, in the order told by docs/rules.md, and rounded only
+// where it says so.
 #ifndef NOXLUX_REGLES_TARIFICATION_H
 #define NOXLUX_REGLES_TARIFICATION_H
 
-#include "regles/association_ccam.h"
 #include "regles/facture.h"
-#include "regles/ligne_ccam.h"
 #include "regles/regles.h"
-#include "regles/seance.h"
+#include "types/booleen.h"
 
 namespace noxlux {
 
-class Tarification : public Regles {
+class Tarification final : public Regles {
  public:
+  // Exemption justifications with a meaning of their own; all others are data of the reference.
+  static constexpr const char* SANS_EXONERATION = "0";
+  static constexpr const char* ACTE_COUTEUX = "C";
+
   using Regles::Regles;
 
-  // The unit price, with the overseas increase of the fund; no fund, no increase.
+  // Unit price of an act billed to a fund, the overseas increase of the fund included.
   CodeRetour appliquerProd840(const Code& acte, const Code& activite, const Code& phase, const Date& date,
-                              const std::optional<Code>& caisse, Montant& prixUnitaire);
-  // Raised when the billed unit price is not the computed one.
+                              const Code& caissePS, Montant& prixUnitaire);
   CodeRetour appliquerProd850(const LigneCCAM& ligne, const Montant& prixCalcule, Erreur& erreur);
 
-  // Whether the bases are computed.
-  CodeRetour appliquerProd763A(const LigneCCAM& ligne, Booleen& resultat);
-  // Sets actePlusFort, and topActePuMax of its line.
+  // Whether the line is reimbursed at all.
+  CodeRetour appliquerProd763A(const LigneCCAM& ligne, Booleen& rembourse);
+  // Marks the line with the highest unit price, complementary acts left aside, and keeps its act.
   CodeRetour appliquerProd656A(AssociationCCAM& association);
-  // Sets the line's topReduction. REQUIRES: the association's actePlusFort
+  // Sets the line's topReduction. REQUIRES: the association has an actePlusFort
   CodeRetour appliquerProd656B(LigneCCAM& ligne);
-  // The association coefficient: of the code billed, of the tariff rule.
+  // Association coefficient, of a line with an association code and of a line without.
   CodeRetour appliquerProd655(const LigneCCAM& ligne, Coefficient& coefficient);
   CodeRetour appliquerProd640(const LigneCCAM& ligne, Coefficient& coefficient);
   CodeRetour appliquerProd860(const LigneCCAM& ligne, Montant& supplement);
   CodeRetour appliquerProd870(const LigneCCAM& ligne, const Coefficient& coefficient,
                               const Montant& supplement, Montant& base, Montant& baseHorsForfait);
+  // The base of a professional who is not under agreement.
   CodeRetour appliquerProd740(const Code& conventionPS, const Date& date, Montant& base);
-  // Raised when the billed base exceeds the computed one.
   CodeRetour appliquerProd880(const LigneCCAM& ligne, const Montant& baseCalculee, Erreur& erreur);
   CodeRetour appliquerProd880A(const LigneCCAM& ligne, const Montant& baseCalculee, Erreur& erreur);
 
-  // Exemption of one act. PROD790A adjusts the state of the invoice and the rate of the line, and raises
-  // nothing.
-  CodeRetour appliquerProd785(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd786(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd787(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd791B(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd788(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd789(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd793(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd795A(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
-  CodeRetour appliquerProd790A(LigneCCAM& ligne, Code& factureExoneree, Erreur& erreur);
+  // Exemption of the patient's share, line by line. REQUIRES: factureParent != null
+  CodeRetour appliquerProd785(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd786(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd787(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd791B(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd788(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd789(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd793(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd795A(const LigneCCAM& ligne, Erreur& erreur);
+  // "2" when the act reaches the threshold by itself.
+  CodeRetour appliquerProd790A(const LigneCCAM& ligne, Code& factureExoneree);
 
-  // Exemption of the invoice by the threshold. 790B asks the séance; 790C and 790D then draw the consequence
-  // on one CCAM line, and on one travel line attached to a CCAM line (their rate and exemption).
-  CodeRetour appliquerProd790B(const Seance& seance, const std::optional<Code>& caisse,
-                               Code& factureExoneree);
-  CodeRetour appliquerProd790C(LigneCCAM& ligne, const std::optional<Code>& caisse, Code& factureExoneree);
-  CodeRetour appliquerProd790D(LigneActe& ligne, Code& factureExoneree);
-  // What is claimed, against what was found.
-  CodeRetour appliquerProd791A(const LigneCCAM& ligne, Erreur& erreur);
+  // Exemption with the séance. "2" when the acts of the séance reach the threshold together.
+  CodeRetour appliquerProd790B(const Seance& seance, const Code& caissePS, Code& factureExoneree);
+  // Brings the rate of a CCAM line of an exempt invoice, then of a travel line attached to one, to 1 when its
+  // séance reaches the threshold.
+  CodeRetour appliquerProd790C(LigneCCAM& ligne, const Code& caissePS, const Code& factureExoneree);
+  CodeRetour appliquerProd790D(LigneActe& deplacement, const Code& caissePS, const Code& factureExoneree);
+  // Of an exempt invoice: PROD792 for CCAM lines, PROD792B for travel lines attached to one.
   CodeRetour appliquerProd792(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd792B(const LigneActe& ligne, Erreur& erreur);
+  CodeRetour appliquerProd792B(const LigneActe& deplacement, Erreur& erreur);
+  // Of an invoice that is not.
+  CodeRetour appliquerProd791A(const LigneCCAM& ligne, Erreur& erreur);
 
-  // Single rules, asked without a whole invoice.
-  // Computes baseRemboursement and baseHorsForfait of every line of the association.
+  // Single rules. Computes the bases of all the lines of an association, rounded to the cent.
   CodeRetour appliquerCBase(const Code& conventionPS, AssociationCCAM& association);
-  // The rate and the exemption code that a prevention act, or an act of this base, is entitled to.
-  CodeRetour appliquerCExoPrevention(const Code& acte, const Booleen& prevention, const Date& date,
-                                     Coefficient& taux, Code& code);
+  // A patient under prevention: the rate becomes 1 and the code that of prevention when the act is one of
+  // prevention; else 0xD115, both left as they are.
+  CodeRetour appliquerCExoPrevention(const Code& acte, bool prevention, const Date& date, Coefficient& taux,
+                                     Code& code);
+  // One act by itself: exempt, at rate 1 and code "C", when it reaches the threshold of the fund. A claim "C"
+  // that it does not reach becomes "0"; another justification stays.
   CodeRetour appliquerCExoActe(const Code& caissePS, const Code& acte, const Date& date,
                                const Montant& baseHorsForfait, const Code& motifExoneration,
                                Coefficient& taux, Code& code, Booleen& exonere);
+
+ private:
+  CodeRetour estExonerableParSeuil(const Code& acte, const Date& date, bool& exonerable);
+  CodeRetour estActePrevention(const Code& acte, const Date& date, bool& prevention);
+  CodeRetour estMotifPrevention(const LigneCCAM& ligne, bool& prevention);
+  CodeRetour sommeAtteintSeuil(const Seance& seance, const Code& caissePS, bool& atteint);
+  CodeRetour lireSeuil(const Code& caissePS, const Date& date, Montant& seuil);
+  CodeRetour entreDansSeuil(const LigneActe& ligne, const Code& acte, bool& compte);
 };
 
 }  // namespace noxlux
