@@ -39,6 +39,28 @@ const LigneAiguillage<Methode>* aiguiller(const TableAiguillage<Methode, N>& tab
   return &*ligne;
 }
 
+// The texts of a family that traces its functions at the dispatch.
+struct TextesFamille {
+  unsigned short module;
+  FormatVerifie<const char*> banniere;  // takes the function's name
+  unsigned short moduleInconnu;
+  FormatVerifie<int> texteInconnu;
+};
+
+// Runs the method of a number on the family's object. 0xDFFF: there is none.
+template <class F, class Methode, std::size_t N, class... A>
+CodeRetour executerLigne(F& famille, const TableAiguillage<Methode, N>& table, const TextesFamille& textes,
+                         std::uint16_t numero, A&... arguments) {
+  const auto* ligne = aiguiller(table, numero, textes.moduleInconnu, textes.texteInconnu);
+  if (ligne == nullptr) {
+    return NOX_CR_INCOHERENCE;
+  }
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(textes.module, cr, textes.banniere, ligne->nom);
+  cr = (famille.*ligne->methode)(arguments...);
+  return cr;
+}
+
 }  // namespace noxlux
 
 #endif

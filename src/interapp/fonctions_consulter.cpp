@@ -486,15 +486,9 @@ struct FonctionsConsulter::Table {
 };
 
 CodeRetour FonctionsConsulter::executer(std::uint16_t numero, ZoneSortie& zoneOut) {
-  const auto* ligne = aiguiller(Table::LIGNES, numero, TRACE_CONSULTATION,
-                                "Identifiant (%d) non prévu dans les fonctions de consultation");
-  if (ligne == nullptr) {
-    return NOX_CR_INCOHERENCE;
-  }
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONSULTATION, cr, "FonctionsConsulter::%s", ligne->nom);
-  cr = (this->*ligne->methode)(zoneOut);
-  return cr;
+  static constexpr TextesFamille TEXTES = {TRACE_CONSULTATION, "FonctionsConsulter::%s", TRACE_CONSULTATION,
+                                           "Identifiant (%d) non prévu dans les fonctions de consultation"};
+  return executerLigne(*this, Table::LIGNES, TEXTES, numero, zoneOut);
 }
 
 }  // namespace noxlux
