@@ -1,0 +1,237 @@
+// What the library costs: start-up, checksum, consultation, first read of an act, search, memory.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <malloc.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <vector>
+
+#include "bench/reference_bench.h"
+#include "noxlux/noxlux.h"
+#include "referent/crc16.h"
+
+namespace noxlux::bench {
+namespace {
+
+std::vector<unsigned char> lireFichier() {
+  const int fichier = open(fichierReference().c_str(), O_RDONLY);
+  struct stat etat {};
+  if (fichier < 0 || fstat(fichier, &etat) != 0) {
+    throw std::runtime_error("no reference to measure");
+  }
+  std::vector<unsigned char> octets(static_cast<std::size_t>(etat.st_size));
+  std::size_t lus = 0;
+  while (lus < octets.size()) {
+    const ssize_t n = read(fichier, octets.data() + lus, octets.size() - lus);
+    if (n <= 0) {
+      throw std::runtime_error("the reference does not read");
+    }
+    lus += static_cast<std::size_t>(n);
+  }
+  close(fichier);
+  return octets;
+}
+
+void exigerReponse(unsigned short cr, benchmark::State& etat) {
+  if (cr != 0) {
+    etat.SkipWithError("the library answered an error code");
+  }
+}
+
+void lectureEtCrc32(benchmark::State& etat) {
+  for (auto _ : etat) {
+    const auto octets = lireFichier();
+    benchmark::DoNotOptimize(crc32_z(0, octets.data(), octets.size()));
+  }
+}
+BENCHMARK(lectureEtCrc32)->Unit(benchmark::kMillisecond);
+
+void demarrage(benchmark::State& etat) {
+  configurer();
+  for (auto _ : etat) {
+    const auto debut = std::chrono::steady_clock::now();
+    const unsigned short cr = NOX_InitLIB();
+    etat.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count());
+    exigerReponse(cr, etat);
+    NOX_TermLIB();
+  }
+}
+BENCHMARK(demarrage)->Unit(benchmark::kMillisecond)->UseManualTime();
+
+void sommeZlib(benchmark::State& etat) {
+  const auto octets = lireFichier();
+  for (auto _ : etat) {
+    benchmark::DoNotOptimize(crc32_z(0, octets.data(), octets.size()));
+  }
+}
+BENCHMARK(sommeZlib)->Unit(benchmark::kMillisecond);
+
+void sommeNoxlux(benchmark::State& etat) {
+  const auto octets = lireFichier();
+  for (auto _ : etat) {
+    Crc16 crc;
+    crc.ajouter(octets.data(), octets.size());
+    benchmark::DoNotOptimize(crc.resultat());
+  }
+}
+BENCHMARK(sommeNoxlux)->Unit(benchmark::kMillisecond);
+
+unsigned short consulter(std::string& zone, const char* date = "20200101") {
+  void* sortie = nullptr;
+  unsigned int taille = 0;
+  const unsigned short cr = NOX_ConsulterDonnee("CCAM_37", date, zone.data(),
+                                                static_cast<unsigned int>(zone.size()), &sortie, &taille);
+  benchmark::DoNotOptimize(sortie);
+  NOX_LibererZoneMem(sortie);
+  return cr;
+}
+
+void consultationNoxlux(benchmark::State& etat) {
+  const BibliothequeChargee bibliotheque;
+  std::vector<std::string> zones;
+  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+    zones.push_back(zoneActe(codeActe(i)));
+    exigerReponse(consulter(zones.back()), etat);
+  }
+  unsigned i = 0;
+  for (auto _ : etat) {
+    i = (i + 4093) % NOMBRE_ACTES;
+    exigerReponse(consulter(zones[i]), etat);
+  }
+}
+BENCHMARK(consultationNoxlux);
+
+class BaseSQLite {
+ public:
+  BaseSQLite() {
+    sqlite3_open(":memory:", &base_);
+    executer(
+        "CREATE TABLE prix(acte TEXT, activite TEXT, phase TEXT, effet INTEGER, prix REAL);"
+        "CREATE INDEX cle ON prix(acte, activite, phase, effet); BEGIN");
+    sqlite3_stmt* ajout = preparer("INSERT INTO prix VALUES(?1, '1', '0', ?2, ?3)");
+    for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+      const PhaseTarifee phase = phaseTarifee(i);
+      for (unsigned h = 0; h < 3; ++h) {
+        sqlite3_bind_text(ajout, 1, phase.acte.c_str(), -1, SQLITE_TRANSIENT);
+        sqlite3_bind_int(ajout, 2, std::atoi(DATES_EFFET[h]));
+        sqlite3_bind_double(ajout, 3, phase.prix[h]);
+        sqlite3_step(ajout);
+        sqlite3_reset(ajout);
+      }
+    }
+    sqlite3_finalize(ajout);
+    executer("COMMIT");
+    question_ = preparer(
+        "SELECT prix FROM prix WHERE acte=?1 AND activite='1' AND phase='0' AND effet<=?2 "
+        "ORDER BY effet DESC LIMIT 1");
+  }
+  ~BaseSQLite() {
+    sqlite3_finalize(question_);
+    sqlite3_close(base_);
+  }
+  BaseSQLite(const BaseSQLite&) = delete;
+  BaseSQLite& operator=(const BaseSQLite&) = delete;
+
+  double prix(const std::string& acte, int date) {
+    sqlite3_bind_text(question_, 1, acte.c_str(), static_cast<int>(acte.size()), SQLITE_STATIC);
+    sqlite3_bind_int(question_, 2, date);
+    const double resultat =
+        sqlite3_step(question_) == SQLITE_ROW ? sqlite3_column_double(question_, 0) : -1.0;
+    sqlite3_reset(question_);
+    return resultat;
+  }
+
+ private:
+  void executer(const char* sql) { sqlite3_exec(base_, sql, nullptr, nullptr, nullptr); }
+  sqlite3_stmt* preparer(const char* sql) {
+    sqlite3_stmt* requete = nullptr;
+    sqlite3_prepare_v2(base_, sql, -1, &requete, nullptr);
+    return requete;
+  }
+  sqlite3* base_ = nullptr;
+  sqlite3_stmt* question_ = nullptr;
+};
+
+void consultationSQLite(benchmark::State& etat) {
+  BaseSQLite base;
+  std::vector<std::string> actes;
+  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+    actes.push_back(codeActe(i));
+  }
+  unsigned i = 0;
+  for (auto _ : etat) {
+    i = (i + 4093) % NOMBRE_ACTES;
+    const double prix = base.prix(actes[i], 20200101);
+    if (prix < 0) {
+      etat.SkipWithError("no price");
+    }
+    benchmark::DoNotOptimize(prix);
+  }
+}
+BENCHMARK(consultationSQLite);
+
+void premiereLectureActe(benchmark::State& etat) {
+  std::vector<std::string> zones;
+  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+    zones.push_back(zoneActe(codeActe(i)));
+  }
+  for (auto _ : etat) {
+    const BibliothequeChargee bibliotheque;
+    const auto debut = std::chrono::steady_clock::now();
+    for (std::string& zone : zones) {
+      exigerReponse(consulter(zone), etat);
+    }
+    const double duree = std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count();
+    etat.SetIterationTime(duree / NOMBRE_ACTES);
+  }
+}
+BENCHMARK(premiereLectureActe)->UseManualTime()->Iterations(5);
+
+void filtreTousLesActes(benchmark::State& etat) {
+  const BibliothequeChargee bibliotheque;
+  for (auto _ : etat) {
+    void* sortie = nullptr;
+    unsigned int taille = 0;
+    exigerReponse(NOX_RechercherParFiltre("", &sortie, &taille), etat);
+    NOX_LibererZoneMem(sortie);
+  }
+}
+BENCHMARK(filtreTousLesActes)->Unit(benchmark::kMicrosecond);
+
+std::size_t octetsAlloues() {
+  const struct mallinfo2 etat = mallinfo2();
+  return etat.uordblks + etat.hblkhd;
+}
+
+// Bytes on the heap per byte of the file: after start-up, then with every deferred table and every act
+// loaded.
+void memoire(benchmark::State& etat) {
+  const auto taille = static_cast<double>(lireFichier().size());
+  configurer();
+  for (auto _ : etat) {
+    const std::size_t avant = octetsAlloues();
+    const BibliothequeChargee bibliotheque;
+    etat.counters["au_demarrage"] = static_cast<double>(octetsAlloues() - avant) / taille;
+    for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+      std::string zone = zoneActe(codeActe(i));
+      exigerReponse(consulter(zone), etat);
+    }
+    void* sortie = nullptr;
+    unsigned int n = 0;
+    exigerReponse(NOX_RechercherParMotCle("exploration", 0, &sortie, &n), etat);
+    NOX_LibererZoneMem(sortie);
+    etat.counters["tout_charge"] = static_cast<double>(octetsAlloues() - avant) / taille;
+    etat.counters["taille_fichier"] = taille;
+  }
+}
+BENCHMARK(memoire)->Iterations(1);
+
+}  // namespace
+}  // namespace noxlux::bench
+
+BENCHMARK_MAIN();

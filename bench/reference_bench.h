@@ -1,0 +1,48 @@
+// The reference that is measured: 8,000 generated acts, or any compiled reference named by
+// NOXLUX_BENCH_REFERENCE.
+#ifndef NOXLUX_BENCH_REFERENCE_BENCH_H
+#define NOXLUX_BENCH_REFERENCE_BENCH_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace noxlux::bench {
+
+constexpr unsigned NOMBRE_ACTES = 8000;
+
+// A priced phase of the generated reference: what consultations ask about.
+struct PhaseTarifee {
+  std::string acte;
+  double prix[3];  // newest first, from DATES_EFFET
+};
+
+// Effect dates of the three histories of each act, newest first, AAAAMMJJ.
+constexpr const char* DATES_EFFET[3] = {"20240101", "20150701", "20050301"};
+
+// The code of generated act number i: ascending with i.
+std::string codeActe(unsigned i);
+PhaseTarifee phaseTarifee(unsigned i);
+
+// The directory, with its trailing '/', of the reference under measure; generated at the first call.
+const std::string& repertoireReference();
+std::string fichierReference();
+
+// The library loaded on that reference for as long as the object lives.
+class BibliothequeChargee {
+ public:
+  BibliothequeChargee();
+  ~BibliothequeChargee();
+  BibliothequeChargee(const BibliothequeChargee&) = delete;
+  BibliothequeChargee& operator=(const BibliothequeChargee&) = delete;
+};
+
+// Points REPERTOIRE_SYSTEME at an orvan.ini for that reference.
+void configurer();
+
+// The input zone of group 3012 for an act, activity 1, phase 0.
+std::string zoneActe(const std::string& acte);
+
+}  // namespace noxlux::bench
+
+#endif
