@@ -17,9 +17,7 @@ class Crc16 {
   std::uint16_t resultat() const;
 
  private:
-  // The register lags two bytes behind what was fed: etat_ is the CRC of all bytes but the last two.
-  std::uint16_t etat_ = 0;
-  byte derniers_[2] = {0, 0};
+  std::uint16_t registre_ = 0;
 };
 
 }  // namespace noxlux

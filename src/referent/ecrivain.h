@@ -8,6 +8,7 @@
 
 #include "basics/codes_retour.h"
 #include "tables/valeurs_ligne.h"
+#include "types/type_donnee.h"
 
 namespace noxlux {
 
@@ -45,7 +46,11 @@ class Ecrivain {
   std::int32_t lirePositionFinFichier();
 
  private:
+  CodeRetour positionner(std::int32_t position, int origine);
+  CodeRetour ecrireBrut(const void* octets, std::size_t n);
+  // Counted in the data size.
   CodeRetour ecrireOctets(const void* octets, std::size_t n);
+  CodeRetour ecrireEnRetour(std::int32_t position, std::uint32_t valeur);
   template <class T>
   CodeRetour ecrireGrosBoutiste(T valeur);
 

@@ -9,6 +9,7 @@
 
 #include "basics/codes_retour.h"
 #include "tables/valeurs_ligne.h"
+#include "types/type_donnee.h"
 
 namespace noxlux {
 
@@ -27,7 +28,7 @@ class Lecteur {
   CodeRetour lireEnteteModif();
   CodeRetour lireCRC(std::uint16_t& crc);
   // The reference version at its fixed offset; the position does not move.
-  CodeRetour lireVersion(char (&version)[4]);
+  CodeRetour lireVersion(CodeFixe<4>& version);
   // Table header. FIN_DE_FICHIER at the normal end of a file. A data size or a position beyond the file is
   // 0xD640.
   CodeRetour lireEnteteTable(char (&identifiant)[4], std::uint32_t& nombreLignes, std::int32_t& offset);
@@ -37,7 +38,9 @@ class Lecteur {
 
   // Fields, in file order; each returns 0 or 0xD640.
   CodeRetour lireChaineFixe(char* tampon, std::size_t n);
+  // Text up to `fin`, which is consumed. Out of memory: 0xDFFC.
   CodeRetour lireChaineVariable(std::string& texte, char fin = '\0');
+  CodeRetour lireChaineVariable(TexteVariable& texte);
   CodeRetour lireUnsignedChar(unsigned char& valeur);
   CodeRetour lireUnsignedShort(std::uint16_t& valeur);
   CodeRetour lireSignedShort(std::int16_t& valeur);
@@ -72,7 +75,11 @@ class Lecteur {
   std::int32_t position_ = 0;
   std::uint64_t offset_ = 0;  // current position
   std::uint64_t taille_ = 0;  // size of the file
+  std::string tampon_;        // the last variable text, its room kept for the next
 };
+
+// The decimal number that a text begins with, past its spaces; 0 when there is none.
+unsigned long lireNombreDecimal(std::string_view texte);
 
 // Converts the 8 bytes of a packed decimal number.
 double convertirDecimal(const byte (&octets)[8]);

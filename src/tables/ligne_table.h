@@ -15,6 +15,7 @@ namespace noxlux {
 enum class Controle : std::uint8_t {
   Libre,            // anything
   Renseigne,        // a code: not blank and valid; a text: not empty
+  CodeFacultatif,   // a valid code, or blank
   Octet,            // a one-byte code: capital letter, digit, space or zero byte
   DateValide,       // a day of the calendar
   DateFacultative,  // a day of the calendar, or open

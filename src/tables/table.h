@@ -33,13 +33,12 @@ class LignesTable {
   virtual std::uint32_t nombre() const = 0;
   // May throw std::bad_alloc.
   virtual void creer(std::uint32_t nombre) = 0;
+  virtual void vider() noexcept = 0;
   virtual CodeRetour lireLigne(std::uint32_t i, Lecteur& lecteur) = 0;
   virtual CodeRetour ecrireLigne(std::uint32_t i, Ecrivain& ecrivain) const = 0;
   virtual void dump(std::uint32_t i, unsigned short module) const = 0;
   // Whether each run of the line lies within the table it points into.
   virtual bool controlerLigne(std::uint32_t i, const Referentiel& referentiel) const = 0;
-  // Fewest bytes that a line can take in a file.
-  virtual std::uint32_t tailleMinimale() const = 0;
 };
 
 template <class L>
@@ -48,6 +47,8 @@ class LignesDe;
 // An empty holder for the lines of a table identifier; null for an identifier without line class.
 std::unique_ptr<LignesTable> creerLignes(unsigned identifiant);
 const char* nomClasseLigne(unsigned identifiant);
+// Fewest bytes that a line can take in a file; 0 for an identifier without line class.
+std::uint32_t tailleMinimaleLigne(unsigned identifiant);
 
 class Table {
  public:
@@ -87,9 +88,12 @@ class Table {
 
   static EtatTable testerIdentifiantTableRef(unsigned numero);
   static EtatTable testerIdentifiantTableModif(unsigned numero);
+  // Whether that many lines can lie in that many bytes. True for an identifier without line class.
+  static bool nombreLignesPlausible(unsigned numero, std::uint32_t nombreLignes, std::uint64_t taille);
 
  private:
   void creerLignesTable(std::uint32_t nombre);
+  CodeRetour chargerLignes(Referentiel* referentiel, std::FILE* fichier);
 
   char identifiant_[4] = {};
   unsigned numero_ = 0;
@@ -107,11 +111,11 @@ class LignesDe final : public LignesTable {
 
   std::uint32_t nombre() const override { return static_cast<std::uint32_t>(lignes.size()); }
   void creer(std::uint32_t n) override { lignes.resize(n); }
+  void vider() noexcept override { lignes = {}; }
   CodeRetour lireLigne(std::uint32_t i, Lecteur& lecteur) override;
   CodeRetour ecrireLigne(std::uint32_t i, Ecrivain& ecrivain) const override;
   void dump(std::uint32_t i, unsigned short module) const override;
   bool controlerLigne(std::uint32_t i, const Referentiel& referentiel) const override;
-  std::uint32_t tailleMinimale() const override;
 };
 
 template <class L>
