@@ -91,7 +91,11 @@ class Fonctions {
   void verifierFinDonnees(CodeRetour& cr);
 
  private:
+  struct RegleListe;
+
   void extraireValeur(CodeRetour& cr, ValeurChamp& valeur);
+  ListeCodes extraireListe(CodeRetour& cr, const RegleListe& regle);
+  bool refuserSansZone(CodeRetour& cr) const;
   static void refuserType(CodeRetour& cr);
 
   std::optional<ControleurZone> controleur_;

@@ -58,10 +58,11 @@ class Interface {
 
   CodeRetour rechercher(const char* identifiant, std::uint16_t inf, std::uint16_t sup,
                         std::uint16_t& position) const;
+  static CodeRetour refuserIdentifiant(const char* identifiant);
   CodeRetour lireSuperGroupe(Famille famille, const char* identifiant, const SuperGroupe*& superGroupe,
                              std::uint16_t& numero) const;
 
-  std::unique_ptr<const Arbre> arbre_;
+  std::unique_ptr<Arbre> arbre_;
 };
 
 }  // namespace noxlux
