@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "basics/codes_retour.h"
+#include "basics/format_verifie.h"
 #include "referent/referentiel.h"
 #include "types/booleen.h"
 #include "types/date.h"
@@ -131,6 +132,8 @@ class LectureDonnees {
   CodeRetour rechercherSpecialitesDansClasse(const Code& classe, const Date& date, ListeCodes& specialites);
   CodeRetour rechercherCodesRegroupement(const Date& date, ListeCodes& codes);
   bool rechercherExistenceCodeRegroupement(const Code& code, const Date& date);
+  // At any date.
+  bool rechercherExistenceCodeRegroupement(const Code& code);
   CodeRetour rechercherDateCreationCodeRegroupement(const Code& code, Date& dateCreation);
   CodeRetour rechercherDateObligationCodage(const Code& prestation, const Code& specialite,
                                             Date& dateObligation);
@@ -215,9 +218,60 @@ class LectureDonnees {
   CodeRetour chercherHistoPhase(const Code& acte, const Code& activite, const Code& phase, const Date& date,
                                 const HistoriqueNiveauPhase*& historique);
 
+  // The store read. REQUIRES: one is attached.
+  Referentiel& donnees() const {
+    exiger(referentiel_ != nullptr, "referentiel != __null");
+    return *referentiel_;
+  }
+
   Referentiel* referentiel_;
+
+ private:
+  CodeRetour chargerActe(std::uint32_t rang);
+
+  // The level that keys lead to, chosen by its class.
+  CodeRetour atteindre(NiveauActe*& niveau, const Code& acte) { return chercherActe(acte, niveau); }
+  CodeRetour atteindre(NiveauActivite*& niveau, const Code& acte, const Code& activite) {
+    return chercherActivite(acte, activite, niveau);
+  }
+  CodeRetour atteindre(NiveauPhase*& niveau, const Code& acte, const Code& activite, const Code& phase) {
+    return chercherPhase(acte, activite, phase, niveau);
+  }
+  CodeRetour atteindre(const HistoriqueNiveauActe*& niveau, const Code& acte, const Date& date) {
+    return chercherHistoActe(acte, date, niveau);
+  }
+  CodeRetour atteindre(const HistoriqueNiveauActivite*& niveau, const Code& acte, const Code& activite,
+                       const Date& date) {
+    return chercherHistoActivite(acte, activite, date, niveau);
+  }
+  CodeRetour atteindre(const HistoriqueNiveauPhase*& niveau, const Code& acte, const Code& activite,
+                       const Code& phase, const Date& date) {
+    return chercherHistoPhase(acte, activite, phase, date, niveau);
+  }
+
+  // The shapes of queries, defined in requete.h: one field of a level; of the dated line that a keyed line
+  // leads to; of the dated line of a table; of a keyed line. Then the last modification date, and the count
+  // of the values read that a modification covers.
+  template <class N, class T, class S, class... C>
+  CodeRetour lireNiveau(const char* methode, T N::*champ, S& sortie, const C&... cles);
+  template <class L, class H, class T, class S, unsigned CIBLE>
+  CodeRetour lireHistorique(
+      const char* methode, Plage<CIBLE> L::*plage, T H::*champ, S& sortie, const Code& code, const Date& date,
+      FormatVerifie<> absent = "ERREUR : pas d'historique trouve a la date de reference");
+  template <class H, class T, class S>
+  CodeRetour lireLigneDatee(const char* methode, T H::*champ, S& sortie, const Date& date,
+                            FormatVerifie<> absente);
+  template <class L, class V, class T, class S>
+  CodeRetour lireLigne(const char* methode, const V& cle, T L::*champ, S& sortie);
+  template <class M, class... C>
+  CodeRetour lireDateModification(const char* methode, const Date& date, Date& modification,
+                                  const C&... cles);
+  template <class M, class... C>
+  void compterModification(CodeRetour cr, const Date& date, const C&... cles);
+
   bool verification_ = false;
   std::uint32_t compteurModifications_ = 0;
+  std::uint32_t dernierRang_ = 0;  // of the last act found: queries on one act come in a row
 };
 
 // A read access held for the length of a scope.

@@ -1,0 +1,160 @@
+#include "referent/lecture_donnees.h"
+
+#include "referent/requete.h"
+
+namespace noxlux {
+
+CodeRetour LectureDonnees::verrouillerLecture() {
+  if (referentiel_ == nullptr) {
+    return refuser(NOX_CR_NON_CHARGE, "Référentiel non chargé en mémoire");
+  }
+  if (referentiel_->compteurEcriture != 0) {
+    Trace::erreur(TRACE_CONSULTATION, "Référentiel en cours de modification (%d écrivain)",
+                  referentiel_->compteurEcriture);
+    return NOX_CR_OCCUPE;
+  }
+  ++referentiel_->compteurLecture;
+  return NOX_CR_OK;
+}
+
+void LectureDonnees::libererAcces() {
+  exiger(donnees().compteurLecture > 0, "referentiel->compteurLecture>0");
+  --referentiel_->compteurLecture;
+}
+
+void LectureDonnees::activerVerificationModification(bool activer) {
+  verification_ = activer;
+  compteurModifications_ = 0;
+}
+
+CodeRetour LectureDonnees::lireVerificationModification(Nombre& compteur) const {
+  compteur = Nombre(static_cast<std::int32_t>(compteurModifications_));
+  return NOX_CR_OK;
+}
+
+CodeRetour LectureDonnees::lireCommentaireReferentiel(Texte& commentaire) const {
+  commentaire = Texte(donnees().entete.commentaire);
+  return NOX_CR_OK;
+}
+
+CodeRetour LectureDonnees::lireDateModification(Date& date) const {
+  return copier(donnees().entete.dateModification, date);
+}
+
+CodeRetour LectureDonnees::lireVersionBaseCCAM(Code& version) const {
+  return copier(donnees().entete.versionBaseCCAM, version);
+}
+
+CodeRetour LectureDonnees::lireNumeroRevisionReferentiel(Nombre& numero) const {
+  return copier(donnees().entete.numeroRevision, numero);
+}
+
+CodeRetour LectureDonnees::lireVersionMinLogicielle(Code& version) const {
+  return copier(donnees().entete.versionMinLogicielle, version);
+}
+
+CodeRetour LectureDonnees::lireVersionReferentiel(Code& version) const {
+  return copier(donnees().entete.version, version);
+}
+
+CodeRetour LectureDonnees::lireVariante(Code& variante) const {
+  return copier(donnees().entete.variante, variante);
+}
+
+CodeRetour LectureDonnees::chercherActeDansIndex(const Code& acte, std::uint32_t& rang) {
+  const std::vector<Index>& index = donnees().lignes<Index>();
+  CodeActe cle;
+  const CodeRetour cr = composerCle(acte, cle);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  if (dernierRang_ >= index.size() || index[dernierRang_].acte != cle) {
+    const Index* ligne = chercherParDichotomie(index, &Index::acte, cle);
+    if (ligne == nullptr) {
+      return refuser(NOX_CR_CODE_INCONNU, cleDe(std::type_identity<Index>{}).absente);
+    }
+    dernierRang_ = static_cast<std::uint32_t>(ligne - index.data());
+  }
+  rang = dernierRang_;
+  return NOX_CR_OK;
+}
+
+CodeRetour LectureDonnees::chargerActe(std::uint32_t rang) {
+  const Index& ligne = donnees().lignes<Index>()[rang];
+  CaseActe& place = referentiel_->actes[rang];
+  const std::string code(ligne.acte.entier());
+  if (place.enChargement) {
+    Trace::erreur(TRACE_CONSULTATION, "Acte %s en cours de chargement par un autre thread", code.c_str());
+    return NOX_CR_OCCUPE;
+  }
+  auto nouveau = std::make_unique<NiveauActe>();
+  struct Marque {
+    explicit Marque(bool& drapeau) : enChargement(drapeau) { enChargement = true; }
+    ~Marque() { enChargement = false; }
+    Marque(const Marque&) = delete;
+    Marque& operator=(const Marque&) = delete;
+    bool& enChargement;
+  } marque(place.enChargement);
+  const CodeRetour cr = referentiel_->chargerActe(ligne.position, *nouveau, code.c_str());
+  if (cr == NOX_CR_OK) {
+    place.acte = std::move(nouveau);
+  }
+  return cr;
+}
+
+CodeRetour LectureDonnees::chercherActe(const Code& acte, NiveauActe*& niveau) {
+  std::uint32_t rang = 0;
+  CodeRetour cr = chercherActeDansIndex(acte, rang);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  exiger(rang < referentiel_->actes.size(), "rang < actes.size()");
+  const CaseActe& place = referentiel_->actes[rang];
+  if (place.acte == nullptr) [[unlikely]] {
+    cr = chargerActe(rang);
+  }
+  if (cr == NOX_CR_OK) {
+    niveau = place.acte.get();
+  }
+  return cr;
+}
+
+CodeRetour LectureDonnees::chercherActivite(const Code& acte, const Code& activite, NiveauActivite*& niveau) {
+  NiveauActe* niveauActe = nullptr;
+  char cle = ' ';
+  CodeRetour cr = chercherActe(acte, niveauActe);
+  cr = cr == NOX_CR_OK ? composerCle(activite, cle) : cr;
+  return cr == NOX_CR_OK ? niveauActe->chercherActivite(cle, niveau) : cr;
+}
+
+CodeRetour LectureDonnees::chercherPhase(const Code& acte, const Code& activite, const Code& phase,
+                                         NiveauPhase*& niveau) {
+  NiveauActivite* niveauActivite = nullptr;
+  char cle = ' ';
+  CodeRetour cr = chercherActivite(acte, activite, niveauActivite);
+  cr = cr == NOX_CR_OK ? composerCle(phase, cle) : cr;
+  return cr == NOX_CR_OK ? niveauActivite->chercherNiveauPhase(cle, niveau) : cr;
+}
+
+CodeRetour LectureDonnees::chercherHistoActe(const Code& acte, const Date& date,
+                                             const HistoriqueNiveauActe*& historique) {
+  NiveauActe* niveau = nullptr;
+  const CodeRetour cr = chercherActe(acte, niveau);
+  return cr == NOX_CR_OK ? niveau->chercherHistorique(historique, date) : cr;
+}
+
+CodeRetour LectureDonnees::chercherHistoActivite(const Code& acte, const Code& activite, const Date& date,
+                                                 const HistoriqueNiveauActivite*& historique) {
+  NiveauActivite* niveau = nullptr;
+  const CodeRetour cr = chercherActivite(acte, activite, niveau);
+  return cr == NOX_CR_OK ? niveau->chercherHistorique(historique, date) : cr;
+}
+
+CodeRetour LectureDonnees::chercherHistoPhase(const Code& acte, const Code& activite, const Code& phase,
+                                              const Date& date, const HistoriqueNiveauPhase*& historique) {
+  NiveauPhase* niveau = nullptr;
+  const CodeRetour cr = chercherPhase(acte, activite, phase, niveau);
+  return cr == NOX_CR_OK ? niveau->chercherHistorique(historique, date) : cr;
+}
+
+}  // namespace noxlux
