@@ -33,7 +33,7 @@ void Erreur::initialiser() {
 }
 
 bool Erreur::imposeForcage() const {
-  return niveau_.vue() == OUTREPASSABLE && indicateurForcage_.estRenseigne();
+  return estOutrepassable() && indicateurForcage_.estRenseigne();
 }
 
 void Erreur::dump(unsigned short module) const {

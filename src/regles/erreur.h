@@ -44,7 +44,8 @@ class Erreur {
   void initialiser();
   // Whether a violation was found.
   bool estRenseigne() const { return reference_.estRenseigne(); }
-  // Whether it may be overridden, at the price of a forcing indicator.
+  // Whether it may be overridden; whether that leaves a forcing indicator on the lines.
+  bool estOutrepassable() const { return niveau_.vue() == OUTREPASSABLE; }
   bool imposeForcage() const;
 
   void dump(unsigned short module) const;
