@@ -238,6 +238,39 @@ NOX_API unsigned short NOX_AllouerZoneMem(void** zone, unsigned int tailleZone);
 /* Frees an output zone, or a block of NOX_AllouerZoneMem. NULL is ignored. */
 NOX_API void NOX_LibererZoneMem(void* zone);
 
+/*
+ * Session variants: the same functions for a host whose zones travel through a session data manager. The host
+ * process provides the manager as the two functions below; the library works without them, and a variant that
+ * needs one that is missing answers 0xDFFF.
+ *
+ * KEP_LireZoneIn gives the address and size of the session's input zone, which stays the manager's.
+ * KEP_EcrireZoneOut takes an output zone over, and frees it in its time with `liberer`; when it fails the
+ * library frees the zone. Both answer 0 or a code that the variant answers in its turn.
+ */
+NOX_API unsigned short KEP_LireZoneIn(unsigned short numeroSession, void** zone, unsigned int* taille);
+NOX_API unsigned short KEP_EcrireZoneOut(unsigned short numeroSession, void* zone, unsigned int taille,
+                                         void (*liberer)(void* zone));
+
+/*
+ * Each variant answers the first code that is not 0 among those of KEP_LireZoneIn (functions with an input
+ * zone), of the function itself, and of KEP_EcrireZoneOut (functions with an answer zone). The answer zone
+ * goes to the session on code 0; that of NOX_ControleComplet_S on 0xD121 and 0xD122 too. The answer zone of any
+ * other code does not reach the host: call the function itself to have it.
+ */
+NOX_API unsigned short NOX_RechercherParMotCle_S(const char* motCle, unsigned long cadreRecherche,
+                                                 unsigned short numeroSession);
+NOX_API unsigned short NOX_RechercherParFiltre_S(const char* filtre, unsigned short numeroSession);
+NOX_API unsigned short NOX_ConsulterDonnee_S(const char* identifiant, const char* dateReference,
+                                             unsigned short numeroSession);
+NOX_API unsigned short NOX_ModifierDonnee_S(const char* identifiant, const char* dateEffet,
+                                            unsigned short numeroSession);
+NOX_API unsigned short NOX_AnnulerModification_S(const char* identifiant, unsigned short numeroSession);
+NOX_API unsigned short NOX_ControlerDonnees_S(const char* identifiant, const char* dateReference,
+                                              unsigned short numeroSession, char* resultat);
+NOX_API unsigned short NOX_AppliquerRegle_S(const char* identifiant, unsigned short numeroSession);
+NOX_API unsigned short NOX_ControleComplet_S(unsigned short numeroSession);
+NOX_API unsigned short NOX_LireVersion_S(unsigned short numeroSession);
+
 #ifdef __cplusplus
 }
 #endif
