@@ -3,6 +3,7 @@
 #ifndef NOXLUX_TABLES_CHAMPS_FICHIER_H
 #define NOXLUX_TABLES_CHAMPS_FICHIER_H
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -149,8 +150,8 @@ bool controler(const Plage<CIBLE, P>& /*valeur*/, Controle /*controle*/) {
   return true;  // checked once the table it points into is there
 }
 template <std::size_t N>
-bool controler(const std::array<double, N>& /*valeurs*/, Controle /*controle*/) {
-  return true;
+bool controler(const std::array<double, N>& valeurs, Controle controle) {
+  return std::all_of(valeurs.begin(), valeurs.end(), [&](double v) { return controler(v, controle); });
 }
 
 // One line of the trace: the label, then the value.

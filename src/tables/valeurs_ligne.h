@@ -122,11 +122,16 @@ class ListeCompacte {
 
   // REQUIRES: valeurs.size() <= 65535
   void affecter(std::span<const T> valeurs) {
-    ListeCompacte nouvelle{Taille{static_cast<std::uint16_t>(valeurs.size())}};
+    const std::span<T> places = redimensionner(static_cast<std::uint16_t>(valeurs.size()));
     if (!valeurs.empty()) {
-      std::memcpy(nouvelle.donnees(), valeurs.data(), valeurs.size_bytes());
+      std::memcpy(places.data(), valeurs.data(), valeurs.size_bytes());
     }
+  }
+  // Room for that many values in place of those held, for the caller to fill whole.
+  std::span<T> redimensionner(std::uint16_t nombre) {
+    ListeCompacte nouvelle{Taille{nombre}};
     echanger(nouvelle);
+    return {static_cast<T*>(donnees()), nombre};
   }
   std::uint16_t size() const { return nombre_; }
   bool empty() const { return nombre_ == 0; }
