@@ -61,7 +61,6 @@ template <std::size_t T>
 std::string_view lireCode(const CodeFixe<T>& code) {
   return code.entier();
 }
-std::string_view lireCode(const Association& association) { return association.acte.entier(); }
 
 template <class N, class T>
 CodeRetour controlerElement(const ListeNiveau<N, T>& liste, const T& element, std::int64_t fin) {
