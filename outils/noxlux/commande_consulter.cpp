@@ -58,7 +58,8 @@ struct OptionsRechercher : OptionsReponse {
 
 void enregistrerConsulter(CLI::App& application) {
   auto options = std::make_shared<OptionsConsulter>();
-  CLI::App* commande = application.add_subcommand("consulter", "Demande une donnée du référentiel à une date");
+  CLI::App* commande =
+      application.add_subcommand("consulter", "Demande une donnée du référentiel à une date");
   commande
       ->add_option("identifiant", options->identifiant, "identifiant de consultation (CCAM_37, TB07_1...)")
       ->required()

@@ -11,6 +11,7 @@ namespace noxlux::commande {
 
 void enregistrerCompiler(CLI::App& application, int& statut);
 void enregistrerLister(CLI::App& application, int& statut);
+void enregistrerControler(CLI::App& application, int& statut);
 // These answer, or throw: their status is 0 when they return.
 void enregistrerVersion(CLI::App& application);
 void enregistrerConsulter(CLI::App& application);

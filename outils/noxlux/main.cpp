@@ -42,6 +42,7 @@ int main(int argc, char** argv) {
   int statut = STATUT_REPONDU;
   enregistrerCompiler(application, statut);
   enregistrerLister(application, statut);
+  enregistrerControler(application, statut);
   enregistrerVersion(application);
   enregistrerConsulter(application);
   enregistrerRechercher(application);

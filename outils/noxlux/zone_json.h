@@ -1,9 +1,10 @@
 // Data zones to and from JSON.
 //
-// A zone is an array of groups {"groupe": 3012, "nom": "...", "champs": {"acte": "HHFA001", ...}}, in zone order. A
-// repeated field is an array. In a field, a JSON number, boolean or date "AAAA-MM-JJ" stands for a value of the field's
-// type; any other text stands for the field's very bytes. Decoding gives a typed value only where encoding it
-// gives the same bytes back, so that a zone decoded and encoded again is the same zone.
+// A zone is an array of groups {"groupe": 3012, "nom": "...", "champs": {"acte": "HHFA001", ...}}, in zone
+// order. A repeated field is an array. In a field, a JSON number, boolean or date "AAAA-MM-JJ" stands for a
+// value of the field's type; any other text stands for the field's very bytes. Decoding gives a typed value
+// only where encoding it gives the same bytes back, so that a zone decoded and encoded again is the same
+// zone.
 #ifndef NOXLUX_COMMANDE_ZONE_JSON_H
 #define NOXLUX_COMMANDE_ZONE_JSON_H
 
