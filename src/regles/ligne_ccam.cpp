@@ -38,17 +38,11 @@ constexpr EtapeLigne REGLES_DENTS[] = {
     {"PROD710", &R::appliquerProd710},
 };
 
-struct EtapeExoneration {
-  const char* identifiant;
-  CodeRetour (Tarification::*appliquer)(LigneCCAM&, Code&, Erreur&);
-};
-
-constexpr EtapeExoneration REGLES_EXONERATION[] = {
-    {"PROD785", &Tarification::appliquerProd785},   {"PROD786", &Tarification::appliquerProd786},
-    {"PROD787", &Tarification::appliquerProd787},   {"PROD791B", &Tarification::appliquerProd791B},
-    {"PROD788", &Tarification::appliquerProd788},   {"PROD789", &Tarification::appliquerProd789},
-    {"PROD793", &Tarification::appliquerProd793},   {"PROD795A", &Tarification::appliquerProd795A},
-    {"PROD790A", &Tarification::appliquerProd790A},
+constexpr EtapeRegle<Tarification, const LigneCCAM> REGLES_EXONERATION[] = {
+    {"PROD785", &Tarification::appliquerProd785}, {"PROD786", &Tarification::appliquerProd786},
+    {"PROD787", &Tarification::appliquerProd787}, {"PROD791B", &Tarification::appliquerProd791B},
+    {"PROD788", &Tarification::appliquerProd788}, {"PROD789", &Tarification::appliquerProd789},
+    {"PROD793", &Tarification::appliquerProd793}, {"PROD795A", &Tarification::appliquerProd795A},
 };
 
 // The reimbursement base of a line, and its part outside flat fees. `calculee` is false when a rule it stands
@@ -117,8 +111,8 @@ CodeRetour LigneCCAM::controlerPU(Tarification& tarification, ListeErreurs& erre
     auto deroulement = deroulerSurLigne(tarification, *this, *this, erreurs);
     Montant prixCalcule;
     if (deroulement.calcul("PROD840", [&] {
-          return tarification.appliquerProd840(acte, activite, phase, date, factureParent->caissePS,
-                                               prixCalcule);
+          return tarification.appliquerProd840(acte, activite, phase, date,
+                                               codeOuVide(factureParent->caissePS), prixCalcule);
         })) {
       deroulement.regle("PROD850", [&](Erreur& erreur) {
         return tarification.appliquerProd850(*this, prixCalcule, erreur);
@@ -158,11 +152,8 @@ CodeRetour LigneCCAM::controlerExoActe(Tarification& tarification, ListeErreurs&
   const BlocTrace bloc(TRACE_CONTROLE, cr, "LigneCCAM::controlerExoActe");
   cr = compterModifications(tarification, FORCAGE_EXONERATION, [&] {
     auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
-    for (const EtapeExoneration& etape : REGLES_EXONERATION) {
-      deroulement.regle(etape.identifiant, [&](Erreur& erreur) {
-        return (tarification.*etape.appliquer)(*this, factureExoneree, erreur);
-      });
-    }
+    deroulement.suite(REGLES_EXONERATION, *this);
+    deroulement.calcul("PROD790A", [&] { return tarification.appliquerProd790A(*this, factureExoneree); });
     return deroulement.code();
   });
   Trace::ecrire(TRACE_CONTROLE, "cr = 0x%04X, facture exoneree = %s", cr, factureExoneree.lireTexte());

@@ -27,7 +27,8 @@ CodeRetour Seance::controlerExoFacture(Tarification& tarification, Code& facture
     return cr;
   }
   if (verifiable) {
-    cr = tarification.appliquerProd790B(*this, lignes.front()->factureParent->caissePS, factureExoneree);
+    cr = tarification.appliquerProd790B(*this, codeOuVide(lignes.front()->factureParent->caissePS),
+                                        factureExoneree);
   } else if (factureExoneree.vue() != Facture::EXONEREE) {
     factureExoneree = Code(Facture::NON_VERIFIABLE);
   }
