@@ -23,6 +23,12 @@ class MesureReponse {
     valeur.lireBytes(longueur);
     ajouter(longueur);
   }
+  void taux(const Coefficient& valeur) {
+    std::size_t longueur = 0;
+    valeur.lireBytes(longueur, Coefficient::DECIMALES_TAUX);
+    ajouter(longueur);
+  }
+  void champVide() { ajouter(0); }
   std::size_t taille() {
     clore();
     return taille_;
@@ -50,6 +56,8 @@ class EcritureReponse {
   void champ(const V& valeur) {
     Fonctions::ajouterChamp(cr_, zone_, valeur);
   }
+  void taux(const Coefficient& valeur) { Fonctions::ajouterTaux(cr_, zone_, valeur); }
+  void champVide() { Fonctions::ajouterChampVide(cr_, zone_); }
 
  private:
   CodeRetour& cr_;
