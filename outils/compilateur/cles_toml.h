@@ -252,8 +252,9 @@ inline constexpr auto CLES<SuperGroupeZone> =
 template <>
 inline constexpr auto CLES<FonctionZone> =
     std::tuple{requis("famille", &FonctionZone::famille), requis("nom", &FonctionZone::nom),
-               requis("numero", &FonctionZone::numero),   option("libelle", &FonctionZone::libelle), option("note", &FonctionZone::note),
-               option("fils", &FonctionZone::fils),       option("reponse", &FonctionZone::reponse)};
+               requis("numero", &FonctionZone::numero),   option("libelle", &FonctionZone::libelle),
+               option("note", &FonctionZone::note),       option("fils", &FonctionZone::fils),
+               option("reponse", &FonctionZone::reponse)};
 
 // The tables of a file.
 template <>
