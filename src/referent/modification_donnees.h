@@ -76,6 +76,24 @@ class ModificationDonnees final : public LectureDonnees {
   CodeRetour appliquerModificationsReductionNC();
   CodeRetour appliquerModificationsSeuils();
   CodeRetour appliquerModificationsNouveauCodeRegroupement();
+
+ private:
+  // The shapes of the changes of act values, defined with them.
+  template <class M, class F, class... P>
+  CodeRetour modifierPhase(const Code& acte, const Code& activite, const Code& phase, const Date& dateEffet,
+                           double valeur, F&& champ, bool enregistrer, NiveauPhase* niveau, P... position);
+  template <class M, class... C>
+  CodeRetour annulerValeurActe(const char* methode, const Code& acte, const C&... autres);
+  CodeRetour appliquer(const Code& acte, const ModificationPrixUnitaire& ligne, NiveauPhase& niveau);
+  CodeRetour appliquer(const Code& acte, const ModificationSupplementCharge& ligne, NiveauPhase& niveau);
+  CodeRetour appliquer(const Code& acte, const ModificationMajorationDOM& ligne, NiveauPhase& niveau);
+
+  // `changer` sets the flat amount, the rate or both in the new line.
+  template <class F>
+  CodeRetour modifierValeurModificateur(const Code& modificateur, const Date& dateEffet, F&& changer,
+                                        bool enregistrer);
+  template <class F>
+  CodeRetour modifierDonneesReductionNonConventionnes(const Date& dateEffet, F&& changer, bool enregistrer);
 };
 
 // A write access held for the length of a scope.

@@ -67,16 +67,23 @@ class BlocMethode {
   const CodeRetour& cr_;
 };
 
-// Runs `corps` in the frame of a query.
+// Runs `corps` in the frame of a method. `objet` follows the method's name in the banner.
 template <class F, class... T>
-CodeRetour requete(const char* methode, F&& corps, const Entree<T>&... entrees) {
+CodeRetour executer(unsigned short module, const char* classe, const char* methode, const char* objet,
+                    F&& corps, const Entree<T>&... entrees) {
   CodeRetour cr = NOX_CR_MEMOIRE;  // what the trace tells when the body is left for lack of memory
-  const BlocMethode bloc(TRACE_CONSULTATION, "LectureDonnees", methode, "", cr);
-  if (Trace::estDetaille(TRACE_CONSULTATION)) [[unlikely]] {
-    (tracerEntree(TRACE_CONSULTATION, entrees.libelle, entrees.valeur), ...);
+  const BlocMethode bloc(module, classe, methode, objet, cr);
+  if (Trace::estDetaille(module)) [[unlikely]] {
+    (tracerEntree(module, entrees.libelle, entrees.valeur), ...);
   }
   cr = corps();
   return cr;
+}
+
+// The frame of a query.
+template <class F, class... T>
+CodeRetour requete(const char* methode, F&& corps, const Entree<T>&... entrees) {
+  return executer(TRACE_CONSULTATION, "LectureDonnees", methode, "", corps, entrees...);
 }
 
 // Traces why a look-up fails.
