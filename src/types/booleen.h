@@ -25,7 +25,7 @@ class Booleen final : public TypeSimple {
   std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override;
 
   bool estVrai() const { return valeur_; }
-  bool operator==(const Booleen&) const = default;
+  bool operator==(const Booleen& autre) const { return valeur_ == autre.valeur_; }
 
  private:
   bool valeur_ = false;
