@@ -101,8 +101,15 @@ class Referentiel {
  private:
   CodeRetour chargerFichierReference(const char* versionLogicielle, const char* versionMinimale);
   CodeRetour controlerNumerosVersions(const char* versionLogicielle, const char* versionMinimale) const;
+  CodeRetour lireTablesReference(Lecteur& lecteur);
+  CodeRetour lireUneTable(Lecteur& lecteur, const char* identifiant, std::uint32_t nombreLignes,
+                          std::int32_t offset, bool tableReference);
   CodeRetour chargerModifications();
+  CodeRetour lireTablesModifications(Lecteur& lecteur);
+  CodeRetour creerTablesModifications();
   CodeRetour appliquerModifications();
+  CodeRetour appliquerModificationsActe(NiveauActe& acte, const char* code);
+  void dumpActes(unsigned short module) const;
   CodeRetour controlerTables() const;
 };
 

@@ -1,0 +1,33 @@
+// Files held open for the length of a scope, and brought down to the disk.
+#ifndef NOXLUX_REFERENT_FICHIER_OUVERT_H
+#define NOXLUX_REFERENT_FICHIER_OUVERT_H
+
+#include <cstdio>
+#include <string>
+
+namespace noxlux {
+
+class FichierOuvert {
+ public:
+  FichierOuvert(const std::string& nom, const char* mode) : fichier_(std::fopen(nom.c_str(), mode)) {}
+  ~FichierOuvert() { fermer(); }
+  FichierOuvert(const FichierOuvert&) = delete;
+  FichierOuvert& operator=(const FichierOuvert&) = delete;
+
+  bool estOuvert() const { return fichier_ != nullptr; }
+  std::FILE* lire() const { return fichier_; }
+  // Hands everything written over to the disk. False when it cannot be.
+  bool synchroniser();
+  // False when the system refuses, errno telling why. The file is closed all the same.
+  bool fermer();
+
+ private:
+  std::FILE* fichier_;
+};
+
+// Brings the names of a directory down to the disk, where the file system allows it. "" is the current one.
+void synchroniserRepertoire(const std::string& repertoire);
+
+}  // namespace noxlux
+
+#endif

@@ -1,0 +1,468 @@
+#include "referent/referentiel.h"
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <new>
+
+#include "basics/trace.h"
+#include "referent/crc16.h"
+#include "referent/fichier_ouvert.h"
+#include "referent/lecteur.h"
+#include "referent/modification_donnees.h"
+
+namespace noxlux {
+
+Referentiel::Referentiel() {
+  Trace::ecrire(TRACE_CHARGEMENT, "Referentiel::Referentiel : construction du referentiel");
+}
+
+Referentiel::~Referentiel() {
+  Trace::ecrire(TRACE_CHARGEMENT, "~Referentiel::Referentiel : Destruction du referentiel");
+}
+
+void Referentiel::lireDateSysteme(Date& date) {
+  const std::time_t maintenant = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&maintenant, &local);
+  date = Date(static_cast<unsigned short>(local.tm_year + 1900), static_cast<unsigned char>(local.tm_mon + 1),
+              static_cast<unsigned char>(local.tm_mday));
+}
+
+bool Referentiel::calculerCRC16(std::FILE* fichier, std::uint16_t& crc) {
+  constexpr long DEBUT = 4;
+  if (std::fseek(fichier, DEBUT, SEEK_SET) != 0) {
+    return false;
+  }
+  constexpr std::size_t TAILLE_BLOC = 64 * 1024;
+  byte bloc[TAILLE_BLOC];
+  Crc16 calcul;
+  std::size_t lus = TAILLE_BLOC;
+  while (lus == TAILLE_BLOC) {
+    lus = std::fread(bloc, 1, TAILLE_BLOC, fichier);
+    calcul.ajouter(bloc, lus);
+  }
+  crc = calcul.resultat();
+  return std::ferror(fichier) == 0;
+}
+
+namespace {
+
+// Copies a directory given by the caller; out of memory, the store can still tell why.
+bool copierRepertoire(std::string& repertoire, const char* source) {
+  try {
+    repertoire = source;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
+}
+
+CodeRetour signalerOuverture(const std::string& nom, CodeRetour cr) {
+  Trace::erreur(TRACE_CHARGEMENT, "ERREUR : Probleme d'ouverture du fichier %s, %s", nom.c_str(),
+                std::strerror(errno));
+  return cr;
+}
+
+// The first failure is kept; a file that does not close is one.
+CodeRetour fermer(FichierOuvert& fichier, CodeRetour cr, CodeRetour crFermeture) {
+  Trace::ecrire(TRACE_CHARGEMENT, "Fermeture du fichier");
+  if (!fichier.fermer()) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : probleme lors de la fermeture du fichier: %s",
+                  std::strerror(errno));
+    return cr == NOX_CR_OK ? crFermeture : cr;
+  }
+  return cr;
+}
+
+// What the two files say of the same faults in their tables.
+struct MessagesTables {
+  FormatVerifie<> allocation;
+  FormatVerifie<> construction;
+  FormatVerifie<> inconnue;
+  FormatVerifie<> dejaChargee;
+};
+constexpr MessagesTables MESSAGES_REFERENCE{
+    "ERREUR : probleme lors de la creation de la table",
+    "ERREUR : probleme d'allocation memoire : Table* table = new Table(...)",
+    "WARNING : Identifiant de la table inconnu : table ignoree", "ERREUR : Table deja chargee"};
+constexpr MessagesTables MESSAGES_MODIFICATION{
+    "ERREUR: probleme d'allocation memoire lors de la creation de la table",
+    "ERREUR: probleme d'allocation memoire table = new Table(...)",
+    "WARNING: identifiant de table inconnu, table ignoree", "ERREUR : table deja chargee"};
+
+CodeRetour echouer(FormatVerifie<> message, CodeRetour cr) {
+  Trace::erreur(TRACE_CHARGEMENT, message);
+  return cr;
+}
+
+// The lines of a table must take the size that its header tells: what follows is read from there.
+CodeRetour lireLignes(Table& table, Lecteur& lecteur) {
+  const std::uint64_t fin = std::uint64_t{lecteur.positionCourante()} + lecteur.tailleTable();
+  const CodeRetour cr = table.lireTable(lecteur);
+  if (cr == NOX_CR_OK && lecteur.positionCourante() != fin) {
+    return echouer("ERREUR : les lignes de la table ne font pas la taille annoncee",
+                   NOX_CR_LECTURE_REFERENCE);
+  }
+  return cr;
+}
+
+}  // namespace
+
+CodeRetour Referentiel::chargerReferentiel(const char* pcRepertoire, const char* pcRepertoireModification,
+                                           const char* pcVersionLogicielle, const char* pcVersionMinimale) {
+  exiger(pcRepertoire != nullptr, "pcRepertoire!=__null");
+  exiger(pcRepertoireModification != nullptr, "pcRepertoireModification!=__null");
+  exiger(pcVersionLogicielle != nullptr, "pcVersionLogicielle!=__null");
+  exiger(pcVersionMinimale != nullptr, "pcVersionMinimale!=__null");
+  exiger(nombreTables == 0, "nombreTables==0");
+  CodeRetour cr = NOX_CR_OK;
+  BlocTrace bloc(TRACE_CHARGEMENT, cr, "Referentiel::chargerReferentiel : Chargement du referentiel");
+  bloc.terminerPar("Code retour de Referentiel::chargerReferentiel : 0x%04X");
+  Trace::ecrire(TRACE_CHARGEMENT, "Parametres:");
+  Trace::ecrire(TRACE_CHARGEMENT, "   Repertoire = %s", pcRepertoire);
+  Trace::ecrire(TRACE_CHARGEMENT, "   RepertoireModification = %s", pcRepertoireModification);
+  Trace::ecrire(TRACE_CHARGEMENT, "   Version logicielle NOX = %s", pcVersionLogicielle);
+  Trace::ecrire(TRACE_CHARGEMENT, "   Version minimale exigee du referentiel = %s", pcVersionMinimale);
+
+  if (!copierRepertoire(repertoire, pcRepertoire)) {
+    cr = echouer("ERREUR : Probleme lors de l'allocation memoire du nom de repertoire", NOX_CR_MEMOIRE);
+  } else if (!copierRepertoire(repertoireModification, pcRepertoireModification)) {
+    cr = echouer("ERREUR : Probleme lors de l'allocation memoire du nom de repertoire de modification",
+                 NOX_CR_MEMOIRE);
+  } else {
+    cr = chargerFichierReference(pcVersionLogicielle, pcVersionMinimale);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = chargerModifications();
+  }
+  if (cr == NOX_CR_OK) {
+    cr = appliquerModifications();
+  }
+  return cr;
+}
+
+CodeRetour Referentiel::chargerFichierReference(const char* versionLogicielle, const char* versionMinimale) {
+  const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
+  Trace::ecrire(TRACE_CHARGEMENT, "Ouverture du fichier %s", nom.c_str());
+  FichierOuvert fichier(nom, "rb");
+  if (!fichier.estOuvert()) {
+    return signalerOuverture(nom, NOX_CR_OUVERTURE_REFERENCE);
+  }
+  Lecteur lecteur(this, fichier.lire());
+  std::uint16_t crcLu = 0;
+  std::uint16_t crcCalcule = 0;
+  CodeRetour cr = lecteur.lireCRC(crcLu);
+  if (cr == NOX_CR_OK && !calculerCRC16(fichier.lire(), crcCalcule)) {
+    cr = NOX_CR_LECTURE_REFERENCE;
+  }
+  if (cr == NOX_CR_OK && crcLu != crcCalcule) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : CRC du fichier %s different du CRC calcule", nom.c_str());
+    cr = NOX_CR_CRC_REFERENCE;
+  }
+  if (cr == NOX_CR_OK) {
+    cr = lecteur.lireEnteteRef();
+  }
+  if (cr == NOX_CR_OK) {
+    cr = controlerNumerosVersions(versionLogicielle, versionMinimale);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = lireTablesReference(lecteur);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = controlerTables();
+  }
+  return fermer(fichier, cr, NOX_CR_OUVERTURE_REFERENCE);
+}
+
+CodeRetour Referentiel::controlerNumerosVersions(const char* versionLogicielle,
+                                                 const char* versionMinimale) const {
+  constexpr std::size_t LONGUEUR = 4;
+  if (std::strncmp(entete.version.entier().data(), versionMinimale, LONGUEUR) < 0) {
+    return echouer(
+        "ERREUR: Version du referentiel differente de la version attendue par la partie logicielle",
+        NOX_CR_VERSION_REFERENCE);
+  }
+  if (std::strncmp(versionLogicielle, entete.versionMinLogicielle.entier().data(), LONGUEUR) < 0) {
+    return echouer("ERREUR: Version logicielle différente de la version minimale attendue par le progiciel",
+                   NOX_CR_VERSION_REFERENCE);
+  }
+  return NOX_CR_OK;
+}
+
+// The index is the last table: what follows it is act records.
+CodeRetour Referentiel::lireTablesReference(Lecteur& lecteur) {
+  bool indexLu = false;
+  while (nombreTables < NOMBRE_TABLES_REFERENCE && !indexLu) {
+    char identifiant[4];
+    std::uint32_t nombreLignes = 0;
+    std::int32_t offset = 0;
+    CodeRetour cr = lecteur.lireEnteteTable(identifiant, nombreLignes, offset);
+    if (cr == FIN_DE_FICHIER) {
+      break;
+    }
+    if (cr == NOX_CR_OK) {
+      cr = lireUneTable(lecteur, identifiant, nombreLignes, offset, true);
+    }
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    indexLu = std::strcmp(identifiant, "000") == 0;
+  }
+  if (!indexLu) {
+    return echouer("ERREUR : la table d'index n'a pas ete trouvee", NOX_CR_LECTURE_REFERENCE);
+  }
+  if (nombreTables < NOMBRE_TABLES_REFERENCE) {
+    return echouer("ERREUR : Nombre de tables inferieur au nombre attendu", NOX_CR_TABLES_REFERENCE);
+  }
+  actes.resize(lignes<Index>().size());
+  return NOX_CR_OK;
+}
+
+// Reads the table whose header has been read, or skips it, and puts it into its slot.
+CodeRetour Referentiel::lireUneTable(Lecteur& lecteur, const char* identifiant, std::uint32_t nombreLignes,
+                                     std::int32_t offset, bool tableReference) {
+  const MessagesTables& messages = tableReference ? MESSAGES_REFERENCE : MESSAGES_MODIFICATION;
+  const auto numero = static_cast<unsigned>(lireNombreDecimal(identifiant));
+  const bool inconnue = (tableReference ? Table::testerIdentifiantTableRef(numero)
+                                        : Table::testerIdentifiantTableModif(numero)) == ETAT_INCONNUE;
+  if (!inconnue && !Table::nombreLignesPlausible(numero, nombreLignes, lecteur.tailleTable())) {
+    return echouer("ERREUR : nombre de lignes superieur a ce que la table contient",
+                   NOX_CR_LECTURE_REFERENCE);
+  }
+  std::unique_ptr<Table> table;
+  try {
+    table = std::make_unique<Table>(identifiant, nombreLignes, offset, tableReference);
+  } catch (const std::bad_alloc&) {
+    return echouer(messages.construction, NOX_CR_MEMOIRE);
+  }
+  const EtatTable etat = table->etatTable();
+  if (etat == ETAT_ERREUR_ALLOCATION) {
+    return echouer(messages.allocation, NOX_CR_MEMOIRE);
+  }
+  if (inconnue) {
+    Trace::ecrire(TRACE_CHARGEMENT, messages.inconnue);
+    return lecteur.tableSuivante();
+  }
+  if (tables[numero] != nullptr) {
+    return echouer(messages.dejaChargee, NOX_CR_LECTURE_REFERENCE);
+  }
+  CodeRetour cr = NOX_CR_OK;
+  if (etat == ETAT_NON_CHARGEE) {
+    Trace::ecrire(TRACE_CHARGEMENT, "Chargement de la table %03hu différé",
+                  static_cast<unsigned short>(numero));
+    cr = lecteur.tableSuivante();
+  } else {
+    cr = lireLignes(*table, lecteur);
+  }
+  if (cr == NOX_CR_OK) {
+    tables[numero] = std::move(table);
+    ++nombreTables;
+  }
+  return cr;
+}
+
+CodeRetour Referentiel::chargerModifications() {
+  const std::string nom = nomCompletFichier(repertoireModification, NOM_FICHIER_MODIFICATION);
+  Trace::ecrire(TRACE_CHARGEMENT, "Ouverture du fichier %s", nom.c_str());
+  FichierOuvert fichier(nom, "rb");
+  if (!fichier.estOuvert()) {
+    return errno == ENOENT ? creerTablesModifications() : signalerOuverture(nom, NOX_CR_OUVERTURE_MODIF);
+  }
+  Lecteur lecteur(this, fichier.lire());
+  std::uint16_t crcLu = 0;
+  std::uint16_t crcCalcule = 0;
+  CodeRetour cr = NOX_CR_OK;
+  CodeFixe<4> version;
+  if (lecteur.lireCRC(crcLu) != NOX_CR_OK) {
+    cr = echouer("ERREUR : probleme de lecture du CRC", NOX_CR_LECTURE_MODIF);
+  } else if (!calculerCRC16(fichier.lire(), crcCalcule)) {
+    cr = NOX_CR_LECTURE_MODIF;
+  } else if (crcLu != crcCalcule) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : CRC du fichier %s different du CRC calcule", nom.c_str());
+    cr = NOX_CR_CRC_MODIF;
+  } else if (lecteur.lireVersion(version) != NOX_CR_OK) {
+    cr = NOX_CR_LECTURE_MODIF;
+  } else if (version == entete.version) {
+    cr = lecteur.lireEnteteModif();
+    if (cr == NOX_CR_OK) {
+      cr = lireTablesModifications(lecteur);
+    }
+  } else {
+    // Changes made to another reference: set aside.
+    cr = creerTablesModifications();
+  }
+  return fermer(fichier, cr, NOX_CR_OUVERTURE_MODIF);
+}
+
+CodeRetour Referentiel::lireTablesModifications(Lecteur& lecteur) {
+  char identifiant[4];
+  std::uint32_t nombreLignes = 0;
+  std::int32_t offset = 0;
+  CodeRetour cr = lecteur.lireEnteteTable(identifiant, nombreLignes, offset);
+  while (cr == NOX_CR_OK) {
+    cr = lireUneTable(lecteur, identifiant, nombreLignes, offset, false);
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    cr = lecteur.lireEnteteTable(identifiant, nombreLignes, offset);
+  }
+  if (cr != FIN_DE_FICHIER) {
+    return echouer("ERREUR lors de la lecture de l'entete de la table", NOX_CR_LECTURE_MODIF);
+  }
+  Trace::ecrire(TRACE_CHARGEMENT, "Fin du fichier");
+  if (nombreTables < NOMBRE_TABLES_REFERENCE + NOMBRE_TABLES_MODIFICATION) {
+    return echouer("ERREUR: nombre de tables trouvees inferieur au nombre attendu", NOX_CR_TABLES_MODIF);
+  }
+  return NOX_CR_OK;
+}
+
+CodeRetour Referentiel::creerTablesModifications() {
+  for (unsigned i = 0; i < NOMBRE_TABLES_MODIFICATION; ++i) {
+    const unsigned numero = PREMIERE_TABLE_MODIFICATION + i;
+    char identifiant[4];
+    std::snprintf(identifiant, sizeof identifiant, "%03u", numero % 1000);
+    tables[numero] = std::make_unique<Table>(identifiant, 0, 0, false);
+  }
+  nombreTables = static_cast<std::uint16_t>(nombreTables + NOMBRE_TABLES_MODIFICATION);
+  return NOX_CR_OK;
+}
+
+CodeRetour Referentiel::appliquerModifications() {
+  using Application = CodeRetour (ModificationDonnees::*)();
+  constexpr Application APPLICATIONS[] = {
+      &ModificationDonnees::appliquerModificationsReglesAssociationsNP,
+      &ModificationDonnees::appliquerModificationsModificateurs,
+      &ModificationDonnees::appliquerModificationsReductionNC,
+      &ModificationDonnees::appliquerModificationsSeuils,
+      &ModificationDonnees::appliquerModificationsNouveauCodeRegroupement};
+  ModificationDonnees modification(this);
+  for (const Application application : APPLICATIONS) {
+    const CodeRetour cr = (modification.*application)();
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+  }
+  return NOX_CR_OK;
+}
+
+CodeRetour Referentiel::assurerTable(unsigned short identifiant) {
+  return table(identifiant).etatTable() == ETAT_NON_CHARGEE ? chargerTable(identifiant)
+                                                            : CodeRetour{NOX_CR_OK};
+}
+
+CodeRetour Referentiel::chargerTable(unsigned short identifiant) {
+  Table& cible = table(identifiant);
+  CodeRetour cr = NOX_CR_OK;
+  BlocTrace bloc(TRACE_CHARGEMENT, cr, "Referentiel::chargerTable : Chargement d'une table");
+  bloc.terminerPar("Referentiel::chargerTable : retour = 0x%04X");
+  const std::uint32_t nombreLignes = cible.lireNombreLignes();
+  const std::int32_t position = cible.lirePosition();
+  const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
+  FichierOuvert fichier(nom, "rb");
+  if (!fichier.estOuvert()) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : Probleme d'ouverture du fichier %s: %s", nom.c_str(),
+                  std::strerror(errno));
+    cr = NOX_CR_OUVERTURE_REFERENCE;
+    return cr;
+  }
+  cr = cible.chargerTable(this, fichier.lire());
+  if (cr == NOX_CR_OK) {
+    cr = controlerTables();
+  }
+  cr = fermer(fichier, cr, NOX_CR_OUVERTURE_REFERENCE);
+  if (cr != NOX_CR_OK) {
+    cible.dechargerTable(nombreLignes, position);
+  }
+  return cr;
+}
+
+CodeRetour Referentiel::chargerActe(std::uint32_t positionActe, NiveauActe& acte, const char* code) {
+  CodeRetour cr = NOX_CR_OK;
+  BlocTrace bloc(TRACE_CHARGEMENT, cr, "Referentiel::chargerActe : Chargement de l'acte %s", code);
+  bloc.terminerPar("Code retour de Referentiel::chargerActe : 0x%04X");
+  Trace::ecrire(TRACE_CHARGEMENT, "Parametres positionActe = 0x%08lX",
+                static_cast<unsigned long>(positionActe));
+  const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
+  FichierOuvert fichier(nom, "rb");
+  if (!fichier.estOuvert()) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : Probleme d'ouverture du fichier %s: %s", nom.c_str(),
+                  std::strerror(errno));
+    cr = NOX_CR_OUVERTURE_REFERENCE;
+    return cr;
+  }
+  Lecteur lecteur(this, fichier.lire());
+  if (lecteur.positionner(positionActe) != NOX_CR_OK) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : probleme lors du positionnement dans le fichier: %s",
+                  std::strerror(errno));
+    cr = NOX_CR_LECTURE_REFERENCE;
+  } else {
+    cr = acte.lireNiveauActe(lecteur);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = appliquerModificationsActe(acte, code);
+  }
+  cr = fermer(fichier, cr, NOX_CR_OUVERTURE_REFERENCE);
+  return cr;
+}
+
+CodeRetour Referentiel::appliquerModificationsActe(NiveauActe& acte, const char* code) {
+  ModificationDonnees modification(this);
+  const Code codeActe{std::string_view(code)};
+  const CodeRetour cr = modification.appliquerModificationsCodesRegroupement(codeActe, acte);
+  return cr == NOX_CR_OK ? modification.appliquerModificationsHistoriquePhase(codeActe, acte) : cr;
+}
+
+void Referentiel::dump(unsigned short module) const {
+  Trace::ecrire(module, "-------------------------------");
+  Trace::ecrire(module, "DUMP DES DONNEES DU REFERENTIEL");
+  Trace::ecrire(module, "-------------------------------\n");
+  Trace::ecrire(module, "Version du Referentiel  : \"%.4s\"", entete.version.entier().data());
+  Trace::ecrire(module, "Version de la Base CCAM : \"%.5s\"", entete.versionBaseCCAM.entier().data());
+  Trace::ecrire(module, "Date de derniere modification : %02u/%02u/%04u", entete.dateModification.jour,
+                entete.dateModification.mois, entete.dateModification.annee);
+  Trace::ecrire(module, "Version minimum de la partie logicielle : \"%.4s\"",
+                entete.versionMinLogicielle.entier().data());
+  Trace::ecrire(module, "Numero de revision : %u", entete.numeroRevision);
+  Trace::ecrire(module, "Variante du référentiel : \"%.10s\"", entete.variante.entier().data());
+  Trace::ecrire(module, "Commentaire : %s", entete.commentaire.c_str());
+  Trace::ecrire(module, "Compteur lecture  : %u", compteurLecture);
+  Trace::ecrire(module, "Compteur ecriture : %u", compteurEcriture);
+  Trace::ecrire(module, "Repertoire : %s", repertoire.c_str());
+  Trace::ecrire(module, "");
+  Trace::ecrire(module, "Nombre de tables en memoire : %u", nombreTables);
+  Trace::ecrire(module, "");
+  for (unsigned i = 0; i < NOMBRE_TABLES; ++i) {
+    if (tables[i] != nullptr) {
+      Trace::ecrire(module, "TABLE D'INDICE %u :", i);
+      tables[i]->dump(module);
+    }
+  }
+  dumpActes(module);
+  Trace::ecrire(module, "");
+  Trace::ecrire(module, "FIN DUMP");
+}
+
+void Referentiel::dumpActes(unsigned short module) const {
+  Trace::ecrire(module, "");
+  Trace::ecrire(module, "*********************");
+  Trace::ecrire(module, "DONNEES DE TYPE ACTE:");
+  Trace::ecrire(module, "*********************");
+  bool aucun = true;
+  for (unsigned i = 0; i < actes.size(); ++i) {
+    if (actes[i].acte == nullptr) {
+      continue;
+    }
+    aucun = false;
+    Trace::ecrire(module, "");
+    Trace::ecrire(module, "-----------------");
+    Trace::ecrire(module, "ACTE D'INDICE %u:", i);
+    Trace::ecrire(module, "-----------------");
+    actes[i].acte->dump(module);
+  }
+  if (aucun) {
+    Trace::ecrire(module, "Aucune donnee de type acte en memoire");
+  }
+}
+
+}  // namespace noxlux

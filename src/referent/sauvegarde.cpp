@@ -1,0 +1,96 @@
+// Saving the local modifications into modifref.nox.
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <optional>
+
+#include "basics/trace.h"
+#include "referent/ecrivain.h"
+#include "referent/fichier_ouvert.h"
+#include "referent/referentiel.h"
+#include "referent/rotation_modifications.h"
+
+namespace noxlux {
+
+namespace {
+
+CodeRetour ecrireTables(const Referentiel& referentiel, Ecrivain& ecrivain) {
+  CodeRetour cr = NOX_CR_OK;
+  for (unsigned i = 0; i < NOMBRE_TABLES_MODIFICATION && cr == NOX_CR_OK; ++i) {
+    cr = referentiel.table(PREMIERE_TABLE_MODIFICATION + i).ecrireTable(ecrivain);
+  }
+  return cr;
+}
+
+CodeRetour ecrireContenu(Referentiel& referentiel, std::FILE* fichier, const DateBrute& date) {
+  Ecrivain ecrivain(&referentiel, fichier);
+  const EnteteReferentiel& entete = referentiel.entete;
+  CodeRetour cr = ecrivain.ecrireEntete(NOM_FICHIER_MODIFICATION, date, "0000", entete.numeroRevision,
+                                        entete.variante.entier());
+  if (cr == NOX_CR_OK) {
+    cr = ecrireTables(referentiel, ecrivain);
+  }
+  std::uint16_t crc = 0;
+  if (cr == NOX_CR_OK && !Referentiel::calculerCRC16(fichier, crc)) {
+    cr = NOX_CR_ECRITURE_MODIF;
+  }
+  return cr == NOX_CR_OK ? ecrivain.ecrireCRC(crc) : cr;
+}
+
+// On the disk before it may take the place of another.
+CodeRetour ecrireFichier(Referentiel& referentiel, FichierOuvert& fichier, const DateBrute& date) {
+  CodeRetour cr = NOX_CR_OK;
+  try {
+    cr = ecrireContenu(referentiel, fichier.lire(), date);
+  } catch (const std::bad_alloc&) {
+    cr = NOX_CR_MEMOIRE;
+  }
+  if (cr == NOX_CR_OK && !fichier.synchroniser()) {
+    cr = NOX_CR_ECRITURE_MODIF;
+  }
+  Trace::ecrire(TRACE_SAUVEGARDE, "Fermeture du fichier");
+  if (!fichier.fermer()) {
+    Trace::erreur(TRACE_SAUVEGARDE, "ERREUR : probleme lors de la fermeture du fichier: %s",
+                  std::strerror(errno));
+    cr = cr == NOX_CR_OK ? CodeRetour{NOX_CR_ECRITURE_MODIF} : cr;
+  }
+  return cr;
+}
+
+}  // namespace
+
+CodeRetour Referentiel::sauvegarderModifications() {
+  CodeRetour cr = NOX_CR_OK;
+  BlocTrace bloc(TRACE_SAUVEGARDE, cr,
+                 "Referentiel::sauvegarderModifications : Sauvegarde des modifications");
+  bloc.terminerPar("Code retour de Referentiel::sauvegarderModifications : 0x%04X");
+  std::optional<RotationModifications> rotation;
+  try {
+    rotation.emplace(repertoireModification);
+  } catch (const std::bad_alloc&) {
+    Trace::erreur(TRACE_SAUVEGARDE, "ERREUR: Problème d'allocation mémoire : pcNomComplet");
+    cr = NOX_CR_MEMOIRE;
+    return cr;
+  }
+  Trace::ecrire(TRACE_SAUVEGARDE, "Ouverture du fichier %s", rotation->temporaire().c_str());
+  FichierOuvert fichier(rotation->temporaire(), "wb+");
+  if (!fichier.estOuvert()) {
+    Trace::erreur(TRACE_SAUVEGARDE, "ERREUR : probleme lors de l'ouverture du fichier: %s",
+                  std::strerror(errno));
+    cr = NOX_CR_ECRITURE_MODIF;
+    return cr;
+  }
+  Date aujourdHui;
+  lireDateSysteme(aujourdHui);
+  cr = ecrireFichier(*this, fichier, aujourdHui.lireBrute());
+  if (cr == NOX_CR_OK) {
+    cr = rotation->tourner();
+  }
+  rotation->terminer(cr);
+  if (cr == NOX_CR_OK) {
+    entete.dateModification = aujourdHui.lireBrute();
+  }
+  return cr;
+}
+
+}  // namespace noxlux
