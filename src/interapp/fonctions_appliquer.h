@@ -13,7 +13,6 @@ namespace noxlux {
 class LectureDonnees;
 class Reglementation;
 class Tarification;
-struct AssociationCCAM;
 struct Facture;
 struct LigneActe;
 struct LigneCCAM;
@@ -44,16 +43,22 @@ class FonctionsAppliquer final : public Fonctions {
   // --- Steps; each does nothing once the code is not 0 ---
   // The rules whose overriding disengages a service.
   ListeCodes lireDebrayantes(CodeRetour& cr, const char* service);
+  // Whether data remain, and the group that comes next.
   bool resteDonnees(CodeRetour& cr, std::uint16_t& groupe);
-  // One line per group `identifiantGroupe`, read by lireLigne(cr, line), with the overriding groups behind
-  // it.
-  template <class LireLigne>
-  void lireLignes(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes, FormatVerifie<> texteTrop,
-                  LireLigne lireLigne);
-  // Reads the overriding groups of a line; asks debrayer(reference) for each.
+  // Reads lines to the end of the data: creer(cr, groupe) reads one; debrayer(ligne, reference) is told each
+  // rule that is overridden on it. Travel lines are attached. Beyond 200: 0xE100.
+  template <class Creer, class Debrayer>
+  void lireLignes(CodeRetour& cr, Facture& facture, FormatVerifie<> tropDeLignes, Creer creer,
+                  Debrayer debrayer);
+  // CCAM lines, disengaged by the rules of a service: lireSuite(cr, ligne) reads what follows line number,
+  // date and act.
+  template <class LireSuite>
+  void lireLignesCCAM(CodeRetour& cr, Facture& facture, const char* service, FormatVerifie<> tropDeLignes,
+                      LireSuite lireSuite);
   template <class Debrayer>
-  void extraireGroupes3530(CodeRetour& cr, const Nombre& numero, std::uint16_t ligne, Debrayer debrayer);
+  void extraireGroupes3530(CodeRetour& cr, LigneActe& ligne, std::uint16_t position, Debrayer debrayer);
   void lireIdentite(CodeRetour& cr, LigneCCAM& ligne);
+  std::unique_ptr<LigneActe> lireLigneExoneration(CodeRetour& cr, std::uint16_t groupe, bool premiere);
 
   LectureDonnees* acces_;
   Reglementation* reglementation_;

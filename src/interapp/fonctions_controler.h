@@ -22,12 +22,9 @@ class FonctionsControler final : public Fonctions {
  private:
   struct Table;
 
-  CodeRetour C_Age_1(Booleen& resultat);
-  CodeRetour C_Age_2(Booleen& resultat);
-  CodeRetour C_Assurance(Booleen& resultat);
-  CodeRetour C_Ccam(Booleen& resultat);
-  CodeRetour C_Executant(Booleen& resultat);
-  CodeRetour C_Radio(Booleen& resultat);
+  // Reads the fields in order, then asks the rule about them at the reference date.
+  template <auto REGLE, auto... EXTRAIRE>
+  CodeRetour demander(Booleen& resultat);
 
   Date dateReference_;
   Reglementation* reglementation_;
