@@ -12,11 +12,15 @@ namespace noxlux::commande {
 void enregistrerCompiler(CLI::App& application, int& statut);
 void enregistrerLister(CLI::App& application, int& statut);
 void enregistrerControler(CLI::App& application, int& statut);
+void enregistrerAppliquer(CLI::App& application, int& statut);
 // These answer, or throw: their status is 0 when they return.
 void enregistrerVersion(CLI::App& application);
 void enregistrerConsulter(CLI::App& application);
 void enregistrerRechercher(CLI::App& application);
 void enregistrerZone(CLI::App& application);
+void enregistrerVerifier(CLI::App& application);
+void enregistrerModifier(CLI::App& application);
+void enregistrerAnnuler(CLI::App& application);
 
 }  // namespace noxlux::commande
 

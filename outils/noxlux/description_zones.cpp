@@ -2,6 +2,9 @@
 
 #include <strings.h>
 
+#include <algorithm>
+#include <iterator>
+
 #define TOML_EXCEPTIONS 1
 #include <toml++/toml.h>
 
@@ -76,6 +79,9 @@ DescriptionZones::DescriptionZones(std::string_view source) {
       groupes_.push_back(std::move(groupe));
     });
   }
+  pourChaque(racine, "super_groupe", [&](const toml::table& t) {
+    superGroupes_.push_back({texte(t, "nom"), lireFils(t, "fils")});
+  });
   pourChaque(racine, "fonction", [&](const toml::table& t) {
     fonctions_.push_back({texte(t, "famille"), texte(t, "nom"), texte(t, "libelle"), lireFils(t, "fils"),
                           lireFils(t, "reponse")});
@@ -128,6 +134,23 @@ std::vector<std::string> DescriptionZones::identifiants(std::string_view famille
     }
   }
   return noms;
+}
+
+std::vector<FilsDecrit> DescriptionZones::groupesEntree(const FonctionDecrite& fonction) const {
+  std::vector<FilsDecrit> groupes;
+  for (const FilsDecrit& fils : fonction.fils) {
+    if (fils.superGroupe.empty()) {
+      groupes.push_back(fils);
+      continue;
+    }
+    for (const SuperGroupeDecrit& superGroupe : superGroupes_) {
+      if (superGroupe.nom == fils.superGroupe) {
+        std::copy_if(superGroupe.fils.begin(), superGroupe.fils.end(), std::back_inserter(groupes),
+                     [](const FilsDecrit& petit) { return petit.superGroupe.empty(); });
+      }
+    }
+  }
+  return groupes;
 }
 
 }  // namespace noxlux::commande

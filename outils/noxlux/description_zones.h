@@ -46,6 +46,11 @@ struct FonctionDecrite {
   std::vector<FilsDecrit> reponse;
 };
 
+struct SuperGroupeDecrit {
+  std::string nom;
+  std::vector<FilsDecrit> fils;
+};
+
 class DescriptionZones {
  public:
   // The descriptions built into the command.
@@ -58,11 +63,14 @@ class DescriptionZones {
   // A function of a family, whatever the letter case of its identifier; null when there is none.
   const FonctionDecrite* fonction(std::string_view famille, std::string_view identifiant) const;
   std::vector<std::string> identifiants(std::string_view famille) const;
+  // The input groups of a function in zone order, those of nested super-groups in their place.
+  std::vector<FilsDecrit> groupesEntree(const FonctionDecrite& fonction) const;
 
  private:
   explicit DescriptionZones(std::string_view toml);
 
   std::vector<GroupeDecrit> groupes_;
+  std::vector<SuperGroupeDecrit> superGroupes_;
   std::vector<FonctionDecrite> fonctions_;
 };
 

@@ -46,6 +46,10 @@ int main(int argc, char** argv) {
   enregistrerVersion(application);
   enregistrerConsulter(application);
   enregistrerRechercher(application);
+  enregistrerVerifier(application);
+  enregistrerAppliquer(application, statut);
+  enregistrerModifier(application);
+  enregistrerAnnuler(application);
   enregistrerZone(application);
   try {
     application.parse(argc, argv);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <ctime>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -72,18 +73,20 @@ const FonctionDecrite& trouverFonction(const std::string& famille, const std::st
 }
 
 std::string construireZone(const FonctionDecrite& fonction, const std::vector<std::string>& arguments) {
+  const DescriptionZones& socle = DescriptionZones::socle();
   const auto saisies = lireArguments(arguments);
   std::set<std::string> pris;
   std::vector<std::string> attendus;
   std::string zone;
-  for (const FilsDecrit& fils : fonction.fils) {
-    const GroupeDecrit* groupe = DescriptionZones::socle().groupe(fils.groupe, false);
-    if (groupe == nullptr) {
-      throw ErreurUsage(fonction.nom + " ne se demande pas par des arguments champ=valeur");
-    }
+  for (const FilsDecrit& fils : socle.groupesEntree(fonction)) {
+    const GroupeDecrit& groupe = *socle.groupe(fils.groupe, false);
     Json champs = Json::object();
-    for (const ChampDecrit& champ : groupe->champs) {
-      attendus.push_back(champ.nom);
+    bool propre = false;  // a field that no group before had was given
+    for (const ChampDecrit& champ : groupe.champs) {
+      const bool nouveau = std::find(attendus.begin(), attendus.end(), champ.nom) == attendus.end();
+      if (nouveau) {
+        attendus.push_back(champ.nom);
+      }
       const auto saisie = saisies.find(champ.nom);
       if (saisie == saisies.end()) {
         continue;
@@ -92,16 +95,17 @@ std::string construireZone(const FonctionDecrite& fonction, const std::vector<st
       if (saisie->second.size() > 1) {
         throw ErreurUsage(champ.nom + " : donné plusieurs fois");
       }
+      propre = propre || nouveau;
       champs[champ.nom] = valeurSaisie(champ, saisie->second.front());
     }
-    if (champs.empty() && fils.min == 0) {
+    if (fils.min == 0 && !propre) {
       continue;
     }
-    for (const ChampDecrit& champ : groupe->champs) {
+    for (const ChampDecrit& champ : groupe.champs) {
       controlerTaille(champ, champs.contains(champ.nom) ? encoderChamp(champ, champs[champ.nom], champ.nom)
                                                         : std::string());
     }
-    zone += encoderGroupe(*groupe, champs, fonction.nom);
+    zone += encoderGroupe(groupe, champs, fonction.nom);
   }
   for (const auto& [nom, valeurs] : saisies) {
     if (!pris.contains(nom)) {
@@ -110,6 +114,18 @@ std::string construireZone(const FonctionDecrite& fonction, const std::vector<st
     }
   }
   return zone;
+}
+
+std::vector<std::string> argumentsPour(const FonctionDecrite& fonction,
+                                       const std::vector<std::string>& arguments) {
+  std::vector<std::string> gardes;
+  for (const FilsDecrit& fils : DescriptionZones::socle().groupesEntree(fonction)) {
+    for (const ChampDecrit& champ : DescriptionZones::socle().groupe(fils.groupe, false)->champs) {
+      std::copy_if(arguments.begin(), arguments.end(), std::back_inserter(gardes),
+                   [&](const std::string& argument) { return argument.starts_with(champ.nom + "="); });
+    }
+  }
+  return gardes;
 }
 
 std::string dateReference(const std::string& texte) {

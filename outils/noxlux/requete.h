@@ -18,6 +18,10 @@ const FonctionDecrite& trouverFonction(const std::string& famille, const std::st
 // on a field that is unknown, missing or refused.
 std::string construireZone(const FonctionDecrite& fonction, const std::vector<std::string>& arguments);
 
+// Those of the arguments that are fields of a function.
+std::vector<std::string> argumentsPour(const FonctionDecrite& fonction,
+                                       const std::vector<std::string>& arguments);
+
 // A date given as AAAA-MM-JJ or AAAAMMJJ, as the library wants it; today when empty. Throws ErreurUsage.
 std::string dateReference(const std::string& texte);
 

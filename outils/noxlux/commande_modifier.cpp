@@ -1,0 +1,170 @@
+// noxlux modifier and annuler: local changes of the reference, saved at once, told from which value to which.
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <memory>
+
+#include "compilateur/transcodage.h"
+#include "noxlux/bibliotheque.h"
+#include "noxlux/commandes.h"
+#include "noxlux/requete.h"
+
+namespace noxlux::commande {
+
+namespace {
+
+struct OptionsModifier {
+  OptionsReference reference;
+  std::string identifiant;
+  std::vector<std::string> champs;
+  std::string date;
+  std::string commentaire;
+  bool json = false;
+
+  void declarer(CLI::App& commande) {
+    commande.add_option("identifiant", identifiant, "donnée (CCAM_37, TB07_1...)")
+        ->required()
+        ->type_name("IDENTIFIANT");
+    commande.add_option("champs", champs, "champs de la demande")->type_name("champ=valeur");
+    commande.add_option("--commentaire,-c", commentaire,
+                        "commentaire gardé avec le référentiel (200 caractères)");
+    reference.declarer(commande);
+    commande.add_flag("--json", json, "réponse en JSON, pour un programme");
+  }
+};
+
+// The consultations that show what a change or a cancellation touches: the one of the same name, or those
+// whose names it begins (TB11 undoes TB11_1 and TB11_2).
+std::vector<const FonctionDecrite*> consultationsDe(const std::string& identifiant) {
+  const DescriptionZones& socle = DescriptionZones::socle();
+  if (const FonctionDecrite* fonction = socle.fonction("consultation", identifiant)) {
+    return {fonction};
+  }
+  std::vector<const FonctionDecrite*> consultations;
+  for (const char* suite : {"_1", "_2"}) {
+    if (const FonctionDecrite* fonction = socle.fonction("consultation", identifiant + suite)) {
+      consultations.push_back(fonction);
+    }
+  }
+  return consultations;
+}
+
+// The values in force at a date, group by group; null for one that the reference does not have.
+Json valeursEnVigueur(const std::string& identifiant, const std::vector<std::string>& champs,
+                      const std::string& date) {
+  Json valeurs = Json::array();
+  for (const FonctionDecrite* fonction : consultationsDe(identifiant)) {
+    std::string zone = construireZone(*fonction, argumentsPour(*fonction, champs));
+    const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
+      return NOX_ConsulterDonnee(fonction->nom.c_str(), date.c_str(), zone.data(),
+                                 static_cast<unsigned int>(zone.size()), sortie, taille);
+    });
+    if (reponse.code != NOX_CR_OK) {
+      valeurs.push_back(nullptr);
+      continue;
+    }
+    for (const Json& groupe : decoderZone(reponse.zone, true)) {
+      valeurs.push_back(groupe["champs"]);
+    }
+  }
+  return valeurs;
+}
+
+std::string enClair(const Json& valeurs) {
+  std::string texte;
+  for (const Json& valeur : valeurs) {
+    for (const auto& [nom, element] : valeur.items()) {
+      texte += (texte.empty() ? "" : ", ") + nom + " " +
+               texteValeur(element, nom == "montant"       ? 'M'
+                                    : nom == "coefficient" ? 'F'
+                                                           : 'T');
+    }
+  }
+  return texte.empty() ? "(rien)" : texte;
+}
+
+// Keeps of two lists of values those that are not in both.
+void garderLesDifferences(Json& avant, Json& apres) {
+  const auto retirer = [](Json& liste, const Json& autre) {
+    Json reste = Json::array();
+    for (const Json& valeur : liste) {
+      if (std::find(autre.begin(), autre.end(), valeur) == autre.end()) {
+        reste.push_back(valeur);
+      }
+    }
+    return reste;
+  };
+  Json seulementAvant = retirer(avant, apres);
+  apres = retirer(apres, avant);
+  avant = std::move(seulementAvant);
+}
+
+void exigerSucces(const char* fonction, unsigned short code) {
+  if (code != NOX_CR_OK) {
+    throw ErreurBibliotheque(fonction, code);
+  }
+}
+
+template <class F>
+void changer(const OptionsModifier& options, const std::string& identifiant, const std::string& date,
+             const char* verbe, F changement) {
+  const compilateur::TexteLatin1 commentaire = compilateur::versLatin1(options.commentaire);
+  const Bibliotheque bibliotheque(options.reference);
+  Json avant = valeursEnVigueur(identifiant, options.champs, date);
+  changement();
+  Json apres = valeursEnVigueur(identifiant, options.champs, date);
+  exigerSucces("NOX_SauvegarderReferentiel", NOX_SauvegarderReferentiel(commentaire.texte.c_str()));
+  garderLesDifferences(avant, apres);
+  if (options.json) {
+    std::cout << Json{{"identifiant", identifiant}, {"date", date}, {"avant", avant}, {"apres", apres}}.dump(
+                     2)
+              << '\n';
+    return;
+  }
+  const std::string jour = date.substr(6, 2) + "/" + date.substr(4, 2) + "/" + date.substr(0, 4);
+  std::cout << identifiant << " " << verbe << " au " << jour << '\n'
+            << "  avant : " << enClair(avant) << '\n'
+            << "  après : " << enClair(apres) << '\n'
+            << "Sauvegardé dans modifref.nox.\n";
+}
+
+void modifier(const OptionsModifier& options) {
+  const FonctionDecrite& fonction = trouverFonction("modification", options.identifiant);
+  std::string zone = construireZone(fonction, options.champs);
+  const std::string effet = dateReference(options.date);
+  changer(options, fonction.nom, effet, "modifié, valeurs", [&] {
+    exigerSucces("NOX_ModifierDonnee", NOX_ModifierDonnee(fonction.nom.c_str(), effet.c_str(), zone.data(),
+                                                          static_cast<unsigned int>(zone.size())));
+  });
+}
+
+void annuler(const OptionsModifier& options) {
+  const FonctionDecrite& fonction = trouverFonction("annulation", options.identifiant);
+  std::string zone = construireZone(fonction, options.champs);
+  const std::string date = dateReference(options.date);
+  changer(options, fonction.nom, date, "rétabli, valeurs", [&] {
+    exigerSucces("NOX_AnnulerModification", NOX_AnnulerModification(fonction.nom.c_str(), zone.data(),
+                                                                    static_cast<unsigned int>(zone.size())));
+  });
+}
+
+}  // namespace
+
+void enregistrerModifier(CLI::App& application) {
+  auto options = std::make_shared<OptionsModifier>();
+  CLI::App* commande =
+      application.add_subcommand("modifier", "Change une valeur du référentiel, et la sauvegarde");
+  options->declarer(*commande);
+  commande->add_option("--effet,-e", options->date, "date d'effet")->required()->type_name("AAAA-MM-JJ");
+  commande->callback([options] { modifier(*options); });
+}
+
+void enregistrerAnnuler(CLI::App& application) {
+  auto options = std::make_shared<OptionsModifier>();
+  CLI::App* commande = application.add_subcommand("annuler", "Annule les changements d'une valeur");
+  options->declarer(*commande);
+  commande->add_option("--date,-d", options->date, "date des valeurs montrées (par défaut : aujourd'hui)")
+      ->type_name("AAAA-MM-JJ");
+  commande->callback([options] { annuler(*options); });
+}
+
+}  // namespace noxlux::commande
