@@ -48,20 +48,20 @@ Texte formater(const char* format, ArgumentsLibelle codes) { return Texte(*forma
 Texte expliquer(const LigneCCAM& ligne, const Constat& constat) {
   switch (constat.gravite) {
     case Gravite::CODE_REQUIS:
-      return Texte(
-          texte("L'acte %s appartient à la même procédure %s que l'acte %s ; ces deux actes peuvent "
-                "cependant être associés en renseignant le code \"association non prévue\".",
-                {ligne.acte, constat.procedure, constat.autre->acte});
+      return formater(
+          "L'acte %s appartient à la même procédure %s que l'acte %s ; ces deux actes peuvent "
+          "cependant être associés en renseignant le code \"association non prévue\".",
+          {ligne.acte, constat.procedure, constat.autre->acte});
     case Gravite::MEME_PROCEDURE:
-      return Texte(
-          texte("L'acte %s appartient à la même procédure %s que l'acte %s ; ces deux actes ne "
-                "peuvent pas être associés.",
-                {ligne.acte, constat.procedure, constat.autre->acte});
+      return formater(
+          "L'acte %s appartient à la même procédure %s que l'acte %s ; ces deux actes ne "
+          "peuvent pas être associés.",
+          {ligne.acte, constat.procedure, constat.autre->acte});
     case Gravite::INCOMPATIBLE:
-      return Texte(
-          texte("L'acte %s est incompatible médicalement avec l'acte %s ; ces deux actes ne peuvent "
-                "pas être associés.",
-                {ligne.acte, constat.autre->acte});
+      return formater(
+          "L'acte %s est incompatible médicalement avec l'acte %s ; ces deux actes ne peuvent "
+          "pas être associés.",
+          {ligne.acte, constat.autre->acte});
     case Gravite::AUCUNE:
       break;
   }
