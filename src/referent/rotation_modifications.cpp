@@ -17,7 +17,7 @@ namespace {
 // A file that cannot be looked at is taken to be there: using it will tell.
 bool existe(const std::string& nom) { return access(nom.c_str(), F_OK) == 0 || errno != ENOENT; }
 
-CodeRetour signaler(FormatVerifie<const char*> message) {
+CodeRetour signaler(FormatVerifie<char*> message) {
   Trace::erreur(TRACE_SAUVEGARDE, message, std::strerror(errno));
   return NOX_CR_ECRITURE_MODIF;
 }
