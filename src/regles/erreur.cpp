@@ -32,9 +32,7 @@ void Erreur::initialiser() {
   libelleSecondaire_ = Texte();
 }
 
-bool Erreur::imposeForcage() const {
-  return estOutrepassable() && indicateurForcage_.estRenseigne();
-}
+bool Erreur::imposeForcage() const { return estOutrepassable() && indicateurForcage_.estRenseigne(); }
 
 void Erreur::dump(unsigned short module) const {
   if (Trace::niveau(module) == 0) {
