@@ -21,10 +21,11 @@ enum Concept : unsigned short {
   CONCEPT_CATEGORIES_SANS_LIMITE = 20      // medical categories without limit on the number of acts
 };
 
+// The reimbursement code of a line whose act is reimbursed for once.
+constexpr const char* REMBOURSEMENT_EXCEPTIONNEL = "O";
+
 // Whether the code behind `cr` says that the reference holds no such datum, for the key or at the date.
-constexpr bool estAbsent(CodeRetour cr) {
-  return cr == NOX_CR_CODE_INCONNU || cr == NOX_CR_PAS_D_HISTORIQUE;
-}
+constexpr bool estAbsent(CodeRetour cr) { return cr == NOX_CR_CODE_INCONNU || cr == NOX_CR_PAS_D_HISTORIQUE; }
 
 // Whether a code is among the values of a concept.
 CodeRetour estDansConcept(LectureDonnees& lecture, Concept numero, const Date& date, const Code& code,

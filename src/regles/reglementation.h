@@ -14,6 +14,8 @@
 
 namespace noxlux {
 
+class RelationsActes;
+
 class Reglementation final : public Regles {
  public:
   // Answers of appliquerCCompatibilite.
@@ -107,23 +109,60 @@ class Reglementation final : public Regles {
   static std::string listerElements(const ListeCodes& codes);
 
  private:
-  CodeRetour chercherModificateurInconnu(const LigneCCAM& ligne, bool tarifants, const char* regle,
+  CodeRetour verifierPrestation(const LigneActe& ligne, const char* regle, Erreur& erreur);
+  enum class Rang { TARIFANTS, AU_DELA };
+  CodeRetour chercherModificateurInconnu(const LigneCCAM& ligne, Rang rang, const char* regle,
                                          Erreur& erreur);
   CodeRetour verifierAgeModificateur(const Date& dateNaissance, const Code& modificateur, const Date& date,
                                      bool& respecte);
   CodeRetour verifierNonRembourse(const LigneCCAM& ligne, Concept admissions, const char* regle,
                                   Erreur& erreur);
-  CodeRetour verifierAgeMinimal(const Date& dateNaissance, const Code& acte, const Code& activite,
-                                const Code& phase, const Date& date, bool& respecte);
-  CodeRetour verifierAgeMaximal(const Date& dateNaissance, const Code& acte, const Code& activite,
-                                const Code& phase, const Date& date, bool& respecte);
+  // Whether an age keeps within a limit of the phase; no limit is kept by all ages.
+  using VerificationAge = CodeRetour (Reglementation::*)(const Periode& age, const Code& acte,
+                                                         const Code& activite, const Code& phase,
+                                                         Periode& limite, bool& respecte);
+  CodeRetour verifierAgeMinimal(const Periode& age, const Code& acte, const Code& activite, const Code& phase,
+                                Periode& limite, bool& respecte);
+  CodeRetour verifierAgeMaximal(const Periode& age, const Code& acte, const Code& activite, const Code& phase,
+                                Periode& limite, bool& respecte);
+  CodeRetour verifierAgeLigne(const LigneCCAM& ligne, VerificationAge verifier, const char* regle,
+                              Erreur& erreur);
+  CodeRetour lireNombreDents(const LigneCCAM& ligne, std::int32_t& nombre);
+  CodeRetour lireDentsIncompatibles(const Code& acte, const Code& activite, const Code& phase,
+                                    ListeCodes& dents);
   CodeRetour verifierNatureAssurance(const Code& natureAssurance, const Code& acte, bool& admise);
   CodeRetour verifierObligationCodage(const Code& specialite, const Code& prestation, const Date& date,
                                       bool& obligatoire);
   CodeRetour verifierExecutant(const Code& specialite, const Code& acte, const Code& activite,
                                const Date& date, bool& admis);
-  CodeRetour verifierAgrement(const Code& agrementRadio, const Code& acte, const Code& activite,
-                              bool& suffisant);
+  // Whether a professional's approval is one of those required; none may be.
+  static bool suffit(const Code& agrementRadio, const ListeCodes& requis);
+  // Whether an age can be told: an act before birth is the matter of PROD511A.
+  static bool aUnAge(const Date& dateNaissance, const Date& date);
+
+  // Raises an association rule for the lines, by position, that `garder` keeps.
+  template <class Garder>
+  CodeRetour leverPour(const AssociationCCAM& association, const char* regle, ArgumentsLibelle arguments,
+                       Garder garder, Erreur& erreur);
+  CodeRetour leverProcedure(const AssociationCCAM& association, std::size_t i, std::size_t j,
+                            const Code& procedure, Erreur& erreur);
+  CodeRetour estIncompatible(const Code& acte1, const Code& acte2, const Date& date, bool& incompatible);
+  CodeRetour lireToutesLesRelations(RelationsActes& relations);
+  static bool appellentUnCode(const RelationsActes& relations, std::size_t i, std::size_t j);
+
+  // One side of a comparison of two acts.
+  struct ActeCompare {
+    const Code* acte = nullptr;
+    const Code* activite = nullptr;
+    const Code* numeroPS = nullptr;
+    ListeCodes incompatibles;
+    ListeCodes procedures;
+  };
+  CodeRetour lireActeCompare(const Code& acte, const Code& activite, const Code& numeroPS, const Date& date,
+                             ActeCompare& compare);
+  static const char* comparer(const ActeCompare& a, const ActeCompare& b, Code& procedure);
+  CodeRetour comparerPaires(const AssociationCCAM& association, bool& prevue);
+  void tracerCategories(const AssociationCCAM& association);
 };
 
 }  // namespace noxlux

@@ -1,9 +1,10 @@
-// The tariff rules: unit price, association coefficient, supplement for charges, reimbursement base, exemption
-// of the patient's share. Amounts are computed in doubles, in the order told by docs/rules.md, and rounded only
-// where it says so.
+// The tariff rules: unit price, association coefficient, supplement for charges, reimbursement base,
+// exemption of the patient's share. Amounts are computed in doubles, in the order told by docs/rules.md, and
+// rounded only where it says so.
 #ifndef NOXLUX_REGLES_TARIFICATION_H
 #define NOXLUX_REGLES_TARIFICATION_H
 
+#include "regles/concepts.h"
 #include "regles/facture.h"
 #include "regles/regles.h"
 #include "types/booleen.h"
@@ -14,6 +15,7 @@ class Tarification final : public Regles {
  public:
   // Exemption justifications with a meaning of their own; all others are data of the reference.
   static constexpr const char* SANS_EXONERATION = "0";
+  static constexpr const char* SANS_EXONERATION_9 = "9";
   static constexpr const char* ACTE_COUTEUX = "C";
 
   using Regles::Regles;
@@ -77,12 +79,28 @@ class Tarification final : public Regles {
                                Coefficient& taux, Code& code, Booleen& exonere);
 
  private:
-  CodeRetour estExonerableParSeuil(const Code& acte, const Date& date, bool& exonerable);
-  CodeRetour estActePrevention(const Code& acte, const Date& date, bool& prevention);
+  // The act's unit price times the fund's overseas increase.
+  CodeRetour calculerPrix(const Code& acte, const Code& activite, const Code& phase, const Date& date,
+                          const Code& caissePS, Montant& prix, Coefficient& majoration);
+  CodeRetour lireCoefficientRegle(const LigneCCAM& ligne, const Code& actePlusFort, Coefficient& coefficient);
+  // What the modifiers that count add: flat amounts, and the factor of their rates.
+  CodeRetour lireModificateurs(const LigneCCAM& ligne, double& forfaits, double& facteur);
+  CodeRetour comparerBase(const LigneCCAM& ligne, const std::optional<Montant>& facturee,
+                          const Montant& calculee, const char* regle, Erreur& erreur);
+  CodeRetour calculerBaseLigne(const Code& conventionPS, LigneCCAM& ligne, bool reductionPossible);
+
+  // Whether the act's exemption codes share one with a concept; none with a concept that is not there.
+  CodeRetour aCodeExoneration(const Code& acte, const Date& date, Concept numero, bool& commun);
   CodeRetour estMotifPrevention(const LigneCCAM& ligne, bool& prevention);
-  CodeRetour sommeAtteintSeuil(const Seance& seance, const Code& caissePS, bool& atteint);
   CodeRetour lireSeuil(const Code& caissePS, const Date& date, Montant& seuil);
-  CodeRetour entreDansSeuil(const LigneActe& ligne, const Code& acte, bool& compte);
+  // Whether the line counts in the sum that is compared with the threshold.
+  CodeRetour compteDansSeuil(const LigneCCAM& ligne, const ListeCodes& codesSeuil, bool& compte);
+  // Adds up the lines of a séance that count, until `arret` is reached.
+  CodeRetour sommerSeance(const Seance& seance, const Montant& arret, Montant& somme);
+  // Whether the line counts, and its séance reaches the threshold.
+  CodeRetour estExonereeParSeuil(const LigneCCAM& ligne, const Code& caissePS, bool& exoneree);
+  // Whether the line counts, and reaches the threshold by itself.
+  CodeRetour atteintSeuilSeule(const LigneCCAM& ligne, Montant& seuil, bool& atteint);
 };
 
 }  // namespace noxlux

@@ -1,0 +1,319 @@
+// Rules of an association: the codes its acts carry, and whether its acts may stand together.
+//
+// Two acts are planned together when one lists the other. Two that are not are each to carry an
+// unforeseen-association code. Complementary acts are billed on top of an act that plans them: they carry no
+// code and ask none of the others.
+#include <algorithm>
+
+#include "regles/reglementation.h"
+#include "regles/relations_actes.h"
+#include "regles/trace_regles.h"
+
+namespace noxlux {
+
+namespace {
+
+bool estCodee(const LigneCCAM* ligne) { return estDonne(ligne->codeAssociation); }
+
+// The numbers of some lines, for an error.
+template <class Garder>
+CodeRetour listerNumeros(const AssociationCCAM& association, TypeListe<Nombre>& numeros, Garder garder) {
+  CodeRetour cr = NOX_CR_OK;
+  for (std::size_t i = 0; i < association.lignes.size() && cr == NOX_CR_OK; ++i) {
+    if (garder(i)) {
+      cr = numeros.ajouterElement(association.lignes[i]->numero);
+    }
+  }
+  return cr;
+}
+
+void tracerAssociation(const AssociationCCAM& association) {
+  Trace::ecrire(TRACE_CONTROLE, "association n° %d, %d lignes", association.numero.lireValeur(),
+                static_cast<int>(association.lignes.size()));
+}
+
+}  // namespace
+
+template <class Garder>
+CodeRetour Reglementation::leverPour(const AssociationCCAM& association, const char* regle,
+                                     ArgumentsLibelle arguments, Garder garder, Erreur& erreur) {
+  TypeListe<Nombre> numeros;
+  const CodeRetour cr = listerNumeros(association, numeros, garder);
+  return cr == NOX_CR_OK ? copierValeurErreur(erreur, numeros, regle, arguments) : cr;
+}
+
+CodeRetour Reglementation::estIncompatible(const Code& acte1, const Code& acte2, const Date& date,
+                                           bool& incompatible) {
+  ListeCodes incompatibles1;
+  ListeCodes incompatibles2;
+  CodeRetour cr = lecture().rechercherActesIncompatibles(acte1, date, incompatibles1);
+  if (cr == NOX_CR_OK) {
+    cr = lecture().rechercherActesIncompatibles(acte2, date, incompatibles2);
+  }
+  incompatible = incompatibles1.contient(acte2) || incompatibles2.contient(acte1);
+  return cr;
+}
+
+CodeRetour Reglementation::appliquerProd590(const AssociationCCAM& association, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd590");
+  tracerAssociation(association);
+  const auto& lignes = association.lignes;
+  if (lignes.size() < 2) {
+    return cr;
+  }
+  RelationsActes relations(association);
+  cr = relations.lireProcedures(lecture());
+  bool prevuesLues = false;
+  for (std::size_t i = 0; i < lignes.size(); ++i) {
+    for (std::size_t j = i + 1; j < lignes.size(); ++j) {
+      if (cr != NOX_CR_OK || erreur.estRenseigne()) {
+        return cr;
+      }
+      if (!relations.aDesProcedures(i) && !relations.aDesProcedures(j)) {
+        continue;
+      }
+      const Code* const procedure = relations.procedureCommune(i, j);
+      if (procedure == nullptr) {
+        continue;
+      }
+      if (!prevuesLues) {
+        prevuesLues = true;
+        cr = relations.lireAssociationsPrevues(lecture());
+        if (cr != NOX_CR_OK) {
+          return cr;
+        }
+      }
+      if (!relations.estPrevu(i, j) && !relations.estComplementaire(i) && !relations.estComplementaire(j)) {
+        cr = leverProcedure(association, i, j, *procedure, erreur);
+      }
+    }
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::leverProcedure(const AssociationCCAM& association, std::size_t i, std::size_t j,
+                                          const Code& procedure, Erreur& erreur) {
+  const LigneCCAM& premiere = *association.lignes[i];
+  const LigneCCAM& seconde = *association.lignes[j];
+  const auto lesDeux = [=](std::size_t rang) { return rang == i || rang == j; };
+  if (procedure == premiere.acte || procedure == seconde.acte) {
+    // An act that is part of the other; incompatible acts are the matter of PROD600.
+    bool incompatible = false;
+    const CodeRetour cr = estIncompatible(premiere.acte, seconde.acte, *association.date, incompatible);
+    return cr != NOX_CR_OK || incompatible
+               ? cr
+               : leverPour(association, "PROD590B", {premiere.acte, seconde.acte, procedure}, lesDeux,
+                           erreur);
+  }
+  if (estCodee(&premiere) && estCodee(&seconde)) {
+    return NOX_CR_OK;
+  }
+  return leverPour(association, "PROD590A", {premiere.acte, seconde.acte, procedure}, lesDeux, erreur);
+}
+
+CodeRetour Reglementation::appliquerProd137(const LigneCCAM& ligne, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd137");
+  const Code& code = codeOuVide(ligne.codeAssociation);
+  Trace::ecrire(TRACE_CONTROLE, "codeAssociation = %s", code.lireTexte());
+  tracerDate("date = %s", ligne.date);
+  if (code.estRenseigne() && !lecture().rechercherExistenceAssociationNP(code, ligne.date)) {
+    cr = copierValeurErreur(erreur, "PROD137", {code});
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd648");
+  tracerAssociation(association);
+  const auto& lignes = association.lignes;
+  if (std::none_of(lignes.begin(), lignes.end(), estCodee)) {
+    return cr;
+  }
+  RelationsActes relations(association);
+  cr = relations.lireAssociationsPrevues(lecture());
+  // A code belongs on an act that some other is not planned with.
+  const auto appelleUnCode = [&](std::size_t i) {
+    for (std::size_t j = 0; j < lignes.size(); ++j) {
+      if (j != i && !relations.estComplementaire(i) && !relations.estComplementaire(j) &&
+          !relations.estPrevu(i, j)) {
+        return true;
+      }
+    }
+    return false;
+  };
+  for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !erreur.estRenseigne(); ++i) {
+    if (estCodee(lignes[i]) && !appelleUnCode(i)) {
+      Trace::ecrire(TRACE_CONTROLE, "L'acte %s contient un code association renseigné à tort ",
+                    lignes[i]->acte.lireTexte());
+      cr = leverPour(
+          association, "PROD648", {lignes[i]->acte}, [i](std::size_t rang) { return rang == i; }, erreur);
+    }
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::appliquerProd649(const AssociationCCAM& association, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd649");
+  tracerAssociation(association);
+  const auto& lignes = association.lignes;
+  // Of the acts with a code, the dearest is to be one that its code keeps in full.
+  const LigneCCAM* plusCher = nullptr;
+  Montant prixPlein(-1.0);
+  unsigned codees = 0;
+  const auto prix = [](const LigneCCAM& ligne) { return ligne.prixUnitaire.value_or(Montant()); };
+  for (const LigneCCAM* ligne : lignes) {
+    if (!estCodee(ligne)) {
+      continue;
+    }
+    Coefficient coefficient;
+    cr = lecture().rechercherCoefficientAssociationNonPrevue(*ligne->codeAssociation, ligne->date,
+                                                             coefficient);
+    if (estAbsent(cr)) {
+      cr = NOX_CR_OK;  // the matter of PROD137
+      continue;
+    }
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    ++codees;
+    if (plusCher == nullptr || prix(*ligne) > prix(*plusCher)) {
+      plusCher = ligne;
+    }
+    if (coefficient == Coefficient(1.0) && prix(*ligne) > prixPlein) {
+      prixPlein = prix(*ligne);
+    }
+  }
+  if (codees >= 2 && prix(*plusCher) > prixPlein) {
+    cr = leverPour(
+        association, "PROD649", {plusCher->acte, *plusCher->codeAssociation},
+        [&](std::size_t rang) { return estCodee(lignes[rang]); }, erreur);
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::appliquerProd650(const AssociationCCAM& association, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd650");
+  tracerAssociation(association);
+  const auto& lignes = association.lignes;
+  if (lignes.size() - static_cast<std::size_t>(std::count_if(lignes.begin(), lignes.end(), estCodee)) < 2) {
+    return cr;
+  }
+  RelationsActes relations(association);
+  cr = lireToutesLesRelations(relations);
+  for (std::size_t i = 0; i < lignes.size(); ++i) {
+    if (estCodee(lignes[i])) {
+      continue;
+    }
+    for (std::size_t j = i + 1; j < lignes.size(); ++j) {
+      if (cr != NOX_CR_OK || erreur.estRenseigne()) {
+        return cr;
+      }
+      if (!estCodee(lignes[j]) && appellentUnCode(relations, i, j)) {
+        Trace::ecrire(TRACE_CONTROLE, "Les deux actes dont l'association n'est pas prévue sont %s et %s",
+                      lignes[i]->acte.lireTexte(), lignes[j]->acte.lireTexte());
+        cr = leverPour(
+            association, "PROD650", {lignes[i]->acte, lignes[j]->acte},
+            [=](std::size_t rang) { return rang == i || rang == j; }, erreur);
+      }
+    }
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::lireToutesLesRelations(RelationsActes& relations) {
+  const CodeRetour cr = relations.lireAssociationsPrevues(lecture());
+  return cr == NOX_CR_OK ? relations.lireProcedures(lecture()) : cr;
+}
+
+// Whether two acts are to carry codes. Acts of one procedure are the matter of PROD590.
+bool Reglementation::appellentUnCode(const RelationsActes& relations, std::size_t i, std::size_t j) {
+  return !relations.estPrevu(i, j) && !relations.estComplementaire(i) && !relations.estComplementaire(j) &&
+         relations.procedureCommune(i, j) == nullptr;
+}
+
+CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd653");
+  tracerAssociation(association);
+  const auto& lignes = association.lignes;
+  if (lignes.size() < 2 || std::all_of(lignes.begin(), lignes.end(), estCodee)) {
+    return cr;
+  }
+  RelationsActes relations(association);
+  cr = lireToutesLesRelations(relations);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  std::size_t principaux = 0;
+  for (std::size_t i = 0; i < lignes.size(); ++i) {
+    principaux += relations.estComplementaire(i) ? 0U : 1U;
+  }
+  for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !erreur.estRenseigne(); ++i) {
+    if (estCodee(lignes[i])) {
+      continue;
+    }
+    if (relations.estComplementaire(i)) {
+      bool admis = principaux == 0;  // complementary acts alone are the matter of PROD580
+      for (std::size_t j = 0; j < lignes.size() && !admis; ++j) {
+        admis = j != i && relations.estPrevu(i, j);
+      }
+      if (!admis) {
+        cr = leverPour(
+            association, "PROD653", {lignes[i]->acte}, [i](std::size_t rang) { return rang == i; }, erreur);
+      }
+      continue;
+    }
+    const auto refuse = [&](std::size_t j) {
+      return j != i && estCodee(lignes[j]) && appellentUnCode(relations, i, j);
+    };
+    bool refusee = false;
+    for (std::size_t j = 0; j < lignes.size() && !refusee; ++j) {
+      refusee = refuse(j);
+    }
+    if (refusee) {
+      cr = leverPour(
+          association, "PROD653", {lignes[i]->acte},
+          [&](std::size_t rang) { return rang == i || refuse(rang); }, erreur);
+    }
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::appliquerProd654(const AssociationCCAM& association, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd654");
+  const auto nombre = static_cast<std::int32_t>(association.lignes.size());
+  Trace::ecrire(TRACE_CONTROLE, "nb d'actes dans l'association = %d", nombre);
+  const Date& date = *association.date;
+  Nombre maximum;
+  cr = lecture().rechercherNombreActeAssociation(date, maximum);
+  if (cr != NOX_CR_OK || nombre <= maximum.lireValeur()) {
+    return cr;
+  }
+  ListeCodes sansLimite;
+  ListeCodes dentaires;
+  cr = lecture().rechercherValeursConcept(CONCEPT_CATEGORIES_SANS_LIMITE, date, sansLimite);
+  if (cr == NOX_CR_OK) {
+    cr = lecture().rechercherValeursConcept(CONCEPT_DENTAIRE, date, dentaires);
+  }
+  bool limitee = false;
+  for (const LigneCCAM* ligne : association.lignes) {
+    Code categorie;
+    if (cr == NOX_CR_OK) {
+      cr = lecture().rechercherCategorieMedicale(ligne->acte, ligne->activite, date, categorie);
+    }
+    limitee = limitee || (!sansLimite.contient(categorie) && !dentaires.contient(categorie));
+  }
+  if (cr == NOX_CR_OK && limitee) {
+    cr = leverPour(
+        association, "PROD654", {nombre}, [](std::size_t) { return true; }, erreur);
+  }
+  return cr;
+}
+
+}  // namespace noxlux

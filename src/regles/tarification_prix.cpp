@@ -1,0 +1,347 @@
+// Unit prices and reimbursement bases.
+#include <algorithm>
+
+#include "regles/concepts.h"
+#include "regles/departements.h"
+#include "regles/tarification.h"
+#include "regles/trace_regles.h"
+
+namespace noxlux {
+
+CodeRetour Tarification::calculerPrix(const Code& acte, const Code& activite, const Code& phase,
+                                      const Date& date, const Code& caissePS, Montant& prix,
+                                      Coefficient& majoration) {
+  CodeRetour cr = lecture().rechercherPrixUnitaire(acte, activite, phase, date, prix);
+  const unsigned short position = departementDe(caissePS).positionMajoration;
+  if (cr == NOX_CR_OK && position != 0) {
+    cr = lecture().rechercherMajorationDOM(acte, activite, phase, position, date, majoration);
+    if (cr == NOX_CR_OK) {
+      prix = prix * majoration;
+    }
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd840(const Code& acte, const Code& activite, const Code& phase,
+                                          const Date& date, const Code& caissePS, Montant& prixUnitaire) {
+  CodeRetour cr = NOX_CR_OK;
+  Coefficient majoration(1.0);
+  Trace::debut(TRACE_CONTROLE, "Tarification::appliquerProd840");
+  const EnSortant fin([&] {
+    Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, prix unitaire = %.2fE, majoration DOM = %f", cr,
+               prixUnitaire.lireValeur(), majoration.lireValeur());
+  });
+  tracerPhase(acte, activite, phase);
+  tracerDate("date = %s", date);
+  Trace::ecrire(TRACE_CONTROLE, "caissePS = %s", caissePS.lireTexte());
+  cr = calculerPrix(acte, activite, phase, date, caissePS, prixUnitaire, majoration);
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd850(const LigneCCAM& ligne, const Montant& prixCalcule,
+                                          Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd850");
+  const Montant arrondi(prixCalcule.arrondir(2));
+  const Montant facture = ligne.prixUnitaire.value_or(Montant());
+  Trace::ecrire(TRACE_CONTROLE, "prix unitaire facturé = %.2fE, calculé = %.2fE", facture.lireValeur(),
+                arrondi.lireValeur());
+  if (!(facture == arrondi)) {
+    cr = copierValeurErreur(erreur, "PROD850", {ligne.acte, ligne.activite, ligne.phase, arrondi});
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd763A(const LigneCCAM& ligne, Booleen& rembourse) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd763A");
+  tracerActe(ligne.acte, ligne.date);
+  Code admission;
+  bool nonRembourse = false;
+  bool sousConditions = false;
+  cr = lecture().rechercherAdmissionRemboursement(ligne.acte, ligne.date, admission);
+  if (cr == NOX_CR_OK) {
+    Trace::ecrire(TRACE_CONTROLE, "admission au remboursement = %s", admission.lireTexte());
+    cr = estDansConcept(lecture(), CONCEPT_NON_REMBOURSES, ligne.date, admission, nonRembourse);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = estDansConcept(lecture(), CONCEPT_REMBOURSES_SOUS_CONDITIONS, ligne.date, admission, sousConditions);
+  }
+  if (cr == NOX_CR_OK) {
+    const bool exceptionnel = codeOuVide(ligne.codeRemboursement).vue() == REMBOURSEMENT_EXCEPTIONNEL;
+    rembourse = Booleen(!nonRembourse && (!sousConditions || exceptionnel));
+    Trace::ecrire(TRACE_CONTROLE, "remboursé = %s", vraiFaux(rembourse.estVrai()));
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd656A(AssociationCCAM& association) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd656A");
+  association.actePlusFort.reset();
+  ListeCodes complementaires;
+  cr = lecture().rechercherValeursConcept(CONCEPT_ACTES_COMPLEMENTAIRES, *association.date, complementaires);
+  LigneCCAM* plusForte = nullptr;
+  const auto prix = [](const LigneCCAM& ligne) { return ligne.prixUnitaire.value_or(Montant()); };
+  for (LigneCCAM* ligne : association.lignes) {
+    ligne->topActePuMax = false;
+    Code type;
+    if (cr == NOX_CR_OK) {
+      cr = lecture().rechercherTypeActe(ligne->acte, type);
+    }
+    if (cr == NOX_CR_OK && !complementaires.contient(type) &&
+        (plusForte == nullptr || prix(*ligne) > prix(*plusForte))) {
+      plusForte = ligne;
+    }
+  }
+  if (cr == NOX_CR_OK && plusForte != nullptr) {
+    plusForte->topActePuMax = true;
+    association.actePlusFort = plusForte->acte;
+    Trace::ecrire(TRACE_CONTROLE, "acte le plus fort = %s", plusForte->acte.lireTexte());
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd656B(LigneCCAM& ligne) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd656B");
+  bool complementaire = false;
+  cr = estActeComplementaire(lecture(), ligne.acte, ligne.date, complementaire);
+  if (cr == NOX_CR_OK) {
+    ligne.topReduction = Booleen(!complementaire && !ligne.topActePuMax);
+    Trace::ecrire(TRACE_CONTROLE, "top réduction = %s", vraiFaux(ligne.topReduction->estVrai()));
+  }
+  return cr;
+}
+
+namespace {
+
+bool subitReduction(const LigneCCAM& ligne) {
+  return ligne.topReduction.has_value() && ligne.topReduction->estVrai();
+}
+
+}  // namespace
+
+CodeRetour Tarification::appliquerProd655(const LigneCCAM& ligne, Coefficient& coefficient) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd655");
+  const Code& code = codeOuVide(ligne.codeAssociation);
+  Trace::ecrire(TRACE_CONTROLE, "code association = %s", code.lireTexte());
+  coefficient = Coefficient(1.0);
+  if (subitReduction(ligne)) {
+    cr = lecture().rechercherCoefficientAssociationNonPrevue(code, ligne.date, coefficient);
+  }
+  Trace::ecrire(TRACE_CONTROLE, "coefficient = %f", coefficient.lireValeur());
+  return cr;
+}
+
+// Either act of a planned pair may be the one that lists the other.
+CodeRetour Tarification::lireCoefficientRegle(const LigneCCAM& ligne, const Code& actePlusFort,
+                                              Coefficient& coefficient) {
+  Code regle;
+  CodeRetour cr =
+      lecture().rechercherRegleAssociation(ligne.acte, ligne.activite, actePlusFort, ligne.date, regle);
+  if (cr == NOX_CR_CODE_INCONNU) {
+    cr = lecture().rechercherRegleAssociation(actePlusFort, ligne.activite, ligne.acte, ligne.date, regle);
+  }
+  if (cr == NOX_CR_OK) {
+    Trace::ecrire(TRACE_CONTROLE, "regle tarifaire = %s", regle.lireTexte());
+    cr = lecture().rechercherCoefficientRegle(regle, ligne.date, coefficient);
+  }
+  return cr == NOX_CR_CODE_INCONNU ? static_cast<CodeRetour>(NOX_CR_DONNEE_ABSENTE) : cr;
+}
+
+CodeRetour Tarification::appliquerProd640(const LigneCCAM& ligne, Coefficient& coefficient) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd640");
+  tracerActivite(ligne.acte, ligne.activite, ligne.date);
+  coefficient = Coefficient(1.0);
+  if (subitReduction(ligne)) {
+    cr = lireCoefficientRegle(ligne, codeOuVide(ligne.association->actePlusFort), coefficient);
+  }
+  Trace::ecrire(TRACE_CONTROLE, "coefficient = %f", coefficient.lireValeur());
+  return cr;
+}
+
+namespace {
+
+// The supplement pays for the practice: it is due when the line asks for it, unless the line names another
+// place that the act was carried out at.
+bool ouvreSupplement(const LigneCCAM& ligne) {
+  const auto vautOui = [](const std::optional<Code>& code) { return estDonne(code) && code->vue() != "0"; };
+  const bool ailleurs = vautOui(ligne.lieuExecution) && vautOui(ligne.identifiantLieu);
+  return vautOui(ligne.supplementCharges) && !ailleurs;
+}
+
+}  // namespace
+
+CodeRetour Tarification::appliquerProd860(const LigneCCAM& ligne, Montant& supplement) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd860");
+  Trace::ecrire(TRACE_CONTROLE, "supplementCharges = %s, lieuExecution = %s, identifiantLieu = %s",
+                codeOuVide(ligne.supplementCharges).lireTexte(), codeOuVide(ligne.lieuExecution).lireTexte(),
+                codeOuVide(ligne.identifiantLieu).lireTexte());
+  supplement = Montant();
+  if (ouvreSupplement(ligne)) {
+    cr = lecture().rechercherSupplementCharges(ligne.acte, ligne.activite, ligne.phase, ligne.date,
+                                               supplement);
+  }
+  Trace::ecrire(TRACE_CONTROLE, "supplément = %.2fE", supplement.lireValeur());
+  return cr;
+}
+
+CodeRetour Tarification::lireModificateurs(const LigneCCAM& ligne, double& forfaits, double& facteur) {
+  if (ligne.modificateur.estVide()) {
+    return NOX_CR_OK;
+  }
+  Nombre tarifants;
+  CodeRetour cr = lecture().rechercherNombreModificateursTarifants(ligne.date, tarifants);
+  std::int32_t reste = tarifants.lireValeur();
+  double taux = 0.0;
+  int nombreTaux = 0;
+  for (const Code& modificateur : ligne.modificateur) {
+    if (cr != NOX_CR_OK || reste-- < 1) {
+      break;
+    }
+    Montant forfait;
+    cr = lecture().rechercherForfaitModificateur(modificateur, ligne.date, forfait);
+    if (cr == NOX_CR_OK && forfait.estRenseigne()) {
+      Trace::ecrire(TRACE_CONTROLE, "le forfait du modificateur = %.2fE", forfait.lireValeur());
+      forfaits += forfait.lireValeur();
+    } else if (cr == NOX_CR_OK) {
+      Coefficient tauxModificateur;
+      cr = lecture().rechercherTauxModificateur(modificateur, ligne.date, tauxModificateur);
+      Trace::ecrire(TRACE_CONTROLE, "le taux du modificateur = %.f%%", tauxModificateur.lireValeur() * 100);
+      taux += tauxModificateur.lireValeur();
+      ++nombreTaux;
+    }
+  }
+  if (cr == NOX_CR_OK && nombreTaux > 0) {
+    facteur = taux - (nombreTaux - 1);
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd870(const LigneCCAM& ligne, const Coefficient& coefficient,
+                                          const Montant& supplement, Montant& base,
+                                          Montant& baseHorsForfait) {
+  CodeRetour cr = NOX_CR_OK;
+  Trace::debut(TRACE_CONTROLE, "Tarification::appliquerProd870");
+  const EnSortant fin([&] {
+    Trace::fin(TRACE_CONTROLE,
+               "cr = 0x%04X, base de remboursment = %.2fE, base de remboursement hors forfait = %.2fE", cr,
+               base.lireValeur(), baseHorsForfait.lireValeur());
+  });
+  double forfaits = 0.0;
+  double facteur = 1.0;
+  cr = lireModificateurs(ligne, forfaits, facteur);
+  if (cr == NOX_CR_OK) {
+    const double prix = ligne.prixUnitaire.value_or(Montant()).lireValeur();
+    baseHorsForfait = Montant(prix * facteur * coefficient.lireValeur());
+    base = baseHorsForfait + Montant(forfaits) + supplement;
+  }
+  return cr;
+}
+
+namespace {
+
+constexpr std::string_view NON_CONVENTIONNE = "0";
+
+}  // namespace
+
+CodeRetour Tarification::appliquerProd740(const Code& conventionPS, const Date& date, Montant& base) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd740");
+  Trace::ecrire(TRACE_CONTROLE, "conventionPS = %s", conventionPS.lireTexte());
+  if (conventionPS.vue() != NON_CONVENTIONNE) {
+    Trace::ecrire(TRACE_CONTROLE, "Base de remboursement recalculée = base de remboursement calculée");
+    return cr;
+  }
+  Montant forfait;
+  cr = lecture().rechercherForfaitNonConventionnes(date, forfait);
+  if (cr == NOX_CR_OK && forfait.estRenseigne()) {
+    base = std::min(base, forfait);
+  } else if (cr == NOX_CR_OK) {
+    Coefficient taux;
+    cr = lecture().rechercherTauxNonConventionnes(date, taux);
+    if (cr == NOX_CR_OK) {
+      base = base * taux;
+    }
+  }
+  Trace::ecrire(TRACE_CONTROLE, "Base de remboursement recalculée = %.2fE", base.lireValeur());
+  return cr;
+}
+
+CodeRetour Tarification::comparerBase(const LigneCCAM& ligne, const std::optional<Montant>& facturee,
+                                      const Montant& calculee, const char* regle, Erreur& erreur) {
+  if (!facturee.has_value()) {
+    return NOX_CR_OK;
+  }
+  Trace::ecrire(TRACE_CONTROLE, "base facturée = %.2fE, base calculée = %.2fE", facturee->lireValeur(),
+                calculee.lireValeur());
+  return *facturee <= calculee ? static_cast<CodeRetour>(NOX_CR_OK)
+                               : copierValeurErreur(erreur, regle, {ligne.acte, calculee});
+}
+
+CodeRetour Tarification::appliquerProd880(const LigneCCAM& ligne, const Montant& baseCalculee,
+                                          Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd880");
+  cr = comparerBase(ligne, ligne.baseRemboursement, baseCalculee, "PROD880", erreur);
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd880A(const LigneCCAM& ligne, const Montant& baseCalculee,
+                                           Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd880A");
+  cr = comparerBase(ligne, ligne.baseTheoriqueAMO, baseCalculee, "PROD880A", erreur);
+  return cr;
+}
+
+CodeRetour Tarification::calculerBaseLigne(const Code& conventionPS, LigneCCAM& ligne,
+                                           bool reductionPossible) {
+  Coefficient coefficient(1.0);
+  Montant supplement;
+  Montant base;
+  Montant horsForfait;
+  ligne.topReduction = Booleen(false);
+  CodeRetour cr = reductionPossible ? appliquerProd656B(ligne) : static_cast<CodeRetour>(NOX_CR_OK);
+  if (cr == NOX_CR_OK) {
+    cr = estDonne(ligne.codeAssociation) ? appliquerProd655(ligne, coefficient)
+                                         : appliquerProd640(ligne, coefficient);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = appliquerProd860(ligne, supplement);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = appliquerProd870(ligne, coefficient, supplement, base, horsForfait);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = appliquerProd740(conventionPS, ligne.date, base);
+  }
+  if (cr == NOX_CR_OK) {
+    ligne.baseRemboursement = Montant(base.arrondir(2));
+    ligne.baseHorsForfait = Montant(horsForfait.arrondir(2));
+    if (ligne.baseTheoriqueAMO.has_value()) {
+      ligne.baseTheoriqueAMO = Montant(ligne.baseTheoriqueAMO->arrondir(2));
+    }
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerCBase(const Code& conventionPS, AssociationCCAM& association) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerCBase");
+  Trace::ecrire(TRACE_CONTROLE, "conventionPS = %s", conventionPS.lireTexte());
+  cr = appliquerProd656A(association);
+  for (LigneCCAM* ligne : association.lignes) {
+    if (cr != NOX_CR_OK) {
+      break;
+    }
+    cr = calculerBaseLigne(conventionPS, *ligne, association.actePlusFort.has_value());
+  }
+  return cr;
+}
+
+}  // namespace noxlux
