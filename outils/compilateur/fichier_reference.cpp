@@ -1,0 +1,148 @@
+#include "compilateur/fichier_reference.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "compilateur/rapport.h"
+#include "referent/lecteur.h"
+#include "referent/referentiel.h"
+
+namespace noxlux::compilateur {
+
+namespace {
+
+// The fields of fixed width, each followed by a separator.
+struct ChampEntete {
+  std::string EnteteFichier::*membre;
+  std::size_t largeur;
+};
+constexpr ChampEntete CHAMPS_ENTETE[] = {{&EnteteFichier::crc, 4},      {&EnteteFichier::nom, 12},
+                                         {&EnteteFichier::version, 4},  {&EnteteFichier::versionBaseCCAM, 5},
+                                         {&EnteteFichier::date, 8},     {&EnteteFichier::versionMinimum, 4},
+                                         {&EnteteFichier::revision, 5}, {&EnteteFichier::variante, 10}};
+
+constexpr int FIN_COMMENTAIRE = '\r';
+constexpr int SUITE_ENTETE = 2;  // bytes between the comment and the tables
+
+}  // namespace
+
+std::unique_ptr<FichierReference> FichierReference::ouvrir(const std::string& chemin, std::string& raison) {
+  std::FILE* const fichier = std::fopen(chemin.c_str(), "rb");
+  if (fichier == nullptr) {
+    raison = phrase("impossible à ouvrir (", std::strerror(errno), ")");
+    return nullptr;
+  }
+  std::unique_ptr<FichierReference> resultat(new FichierReference(fichier));
+  if (!resultat->lireEntete()) {
+    raison = "ce n'est ni un tablebin.nox ni un modifref.nox : l'entête manque";
+    return nullptr;
+  }
+  resultat->lireTables();
+  return resultat;
+}
+
+bool FichierReference::lireEntete() {
+  std::FILE* const fichier = fichier_.get();
+  for (const ChampEntete& champ : CHAMPS_ENTETE) {
+    std::string& valeur = entete_.*(champ.membre);
+    valeur.resize(champ.largeur);
+    if (std::fread(valeur.data(), 1, champ.largeur, fichier) != champ.largeur || std::fgetc(fichier) == EOF) {
+      return false;
+    }
+  }
+  modification_ = entete_.nom == NOM_FICHIER_MODIFICATION;
+  if (!modification_ && entete_.nom != NOM_FICHIER_REFERENCE) {
+    return false;
+  }
+  for (int c = std::fgetc(fichier); c != FIN_COMMENTAIRE; c = std::fgetc(fichier)) {
+    if (c == EOF) {
+      return false;
+    }
+    entete_.commentaire += static_cast<char>(c);
+  }
+  return std::fseek(fichier, SUITE_ENTETE, SEEK_CUR) == 0;
+}
+
+void FichierReference::lireTables() {
+  Referentiel referentiel;
+  Lecteur lecteur(&referentiel, fichier_.get());
+  CodeRetour cr = NOX_CR_OK;
+  bool indexLu = false;
+  while (cr == NOX_CR_OK && !indexLu) {
+    char identifiant[4] = {};
+    std::uint32_t nombreLignes = 0;
+    std::int32_t position = 0;
+    cr = lecteur.lireEnteteTable(identifiant, nombreLignes, position);
+    if (cr != NOX_CR_OK) {
+      break;
+    }
+    TableLue& table = tables_.emplace_back();
+    table.numero = static_cast<unsigned>(std::strtoul(identifiant, nullptr, 10));
+    table.nombreLignes = nombreLignes;
+    table.taille = lecteur.tailleTable();
+    table.position = static_cast<std::uint32_t>(position);
+    table.etat = modification_ ? Table::testerIdentifiantTableModif(table.numero)
+                               : Table::testerIdentifiantTableRef(table.numero);
+    indexLu = !modification_ && table.numero == Index::IDENTIFIANT;
+    cr = lecteur.tableSuivante();
+  }
+  if (cr != NOX_CR_OK && cr != FIN_DE_FICHIER) {
+    anomalie_ = "la suite du fichier est illisible";
+  } else if (!modification_ && !indexLu) {
+    anomalie_ = "la table d'index manque";
+  }
+  std::uint16_t crc = 0;
+  char texte[8] = "????";
+  if (Referentiel::calculerCRC16(fichier_.get(), crc)) {
+    std::snprintf(texte, sizeof texte, "%04X", crc);
+  }
+  entete_.crcCalcule = texte;
+}
+
+const TableLue* FichierReference::chercherTable(unsigned numero) const {
+  const auto trouvee = std::find_if(tables_.begin(), tables_.end(),
+                                    [&](const TableLue& table) { return table.numero == numero; });
+  return trouvee == tables_.end() ? nullptr : &*trouvee;
+}
+
+std::unique_ptr<LignesTable> FichierReference::lireLignes(const TableLue& table, CodeRetour& cr) const {
+  std::unique_ptr<LignesTable> lignes = creerLignes(table.numero);
+  Referentiel referentiel;
+  Lecteur lecteur(&referentiel, fichier_.get());
+  cr = lecteur.positionner(table.position);
+  if (lignes == nullptr || !Table::nombreLignesPlausible(table.numero, table.nombreLignes, lecteur.reste())) {
+    cr = NOX_CR_LECTURE_REFERENCE;
+  }
+  if (cr == NOX_CR_OK) {
+    lignes->creer(table.nombreLignes);
+  }
+  for (std::uint32_t i = 0; cr == NOX_CR_OK && i < table.nombreLignes; ++i) {
+    cr = lignes->lireLigne(i, lecteur);
+  }
+  return cr == NOX_CR_OK ? std::move(lignes) : nullptr;
+}
+
+CodeRetour FichierReference::lireActe(const CodeActe& code, NiveauActe& acte) const {
+  const TableLue* const table = modification_ ? nullptr : chercherTable(Index::IDENTIFIANT);
+  if (table == nullptr) {
+    return NOX_CR_CODE_INCONNU;
+  }
+  CodeRetour cr = NOX_CR_OK;
+  const std::unique_ptr<LignesTable> lignes = lireLignes(*table, cr);
+  if (lignes == nullptr) {
+    return cr;
+  }
+  const auto& index = static_cast<const LignesDe<Index>&>(*lignes).lignes;
+  const auto ligne = std::find_if(index.begin(), index.end(),
+                                  [&](const Index& candidate) { return candidate.acte == code; });
+  if (ligne == index.end()) {
+    return NOX_CR_CODE_INCONNU;
+  }
+  Referentiel referentiel;
+  Lecteur lecteur(&referentiel, fichier_.get());
+  cr = lecteur.positionner(ligne->position);
+  return cr == NOX_CR_OK ? acte.lireNiveauActe(lecteur) : cr;
+}
+
+}  // namespace noxlux::compilateur

@@ -1,0 +1,193 @@
+// noxlux lister: a reference file read back into text.
+#include <algorithm>
+#include <cctype>
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "compilateur/listage.h"
+#include "compilateur/transcodage.h"
+#include "noxlux/commandes.h"
+#include "noxlux/erreurs.h"
+#include "noxlux/tableau.h"
+#include "referent/lecteur.h"
+#include "referent/referentiel.h"
+
+namespace noxlux::commande {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace noxlux::compilateur;
+
+struct Options {
+  std::string chemin;
+  std::string sujet;
+  bool json = false;
+};
+
+// A value in one cell.
+std::string cellule(const JsonOrdonne& valeur) {
+  if (valeur.is_null()) {
+    return "-";
+  }
+  if (valeur.is_string()) {
+    return valeur.get<std::string>();
+  }
+  if (valeur.is_object() && valeur.contains("premiere")) {
+    return valeur["nombre"] == 0 ? "-" : valeur["premiere"].dump() + "+" + valeur["nombre"].dump();
+  }
+  if (valeur.is_structured()) {
+    std::string texte;
+    for (const JsonOrdonne& membre : valeur) {
+      texte += (texte.empty() ? "" : " ") + cellule(membre);
+    }
+    return texte;
+  }
+  return valeur.dump();
+}
+
+void afficherFichier(const JsonOrdonne& fichier) {
+  for (const auto& [nom, valeur] : fichier["entete"].items()) {
+    std::cout << nom << std::string(30 - largeur(nom), ' ') << cellule(valeur) << '\n';
+  }
+  std::cout << '\n';
+  Tableau tableau({"table", "nom", "lignes", "octets", "état"});
+  for (const JsonOrdonne& table : fichier["tables"]) {
+    tableau.ajouter({cellule(table["table"]), cellule(table["nom"]), cellule(table["lignes"]),
+                     cellule(table["octets"]), cellule(table["état"])});
+  }
+  tableau.afficher(std::cout);
+}
+
+void afficherLignes(const JsonOrdonne& lignes) {
+  if (lignes.empty()) {
+    std::cout << "(aucune ligne)\n";
+    return;
+  }
+  std::vector<std::string> titres{"n°"};
+  for (const auto& [nom, valeur] : lignes[0].items()) {
+    titres.push_back(nom);
+  }
+  Tableau tableau(std::move(titres));
+  std::size_t numero = 0;
+  for (const JsonOrdonne& ligne : lignes) {
+    std::vector<std::string> cellules{std::to_string(numero++)};
+    for (const JsonOrdonne& valeur : ligne) {
+      cellules.push_back(cellule(valeur));
+    }
+    tableau.ajouter(std::move(cellules));
+  }
+  tableau.afficher(std::cout);
+}
+
+// One field a line; lists of records are blocks set further to the right.
+void afficherObjet(const JsonOrdonne& objet, std::size_t retrait) {
+  const std::string marge(retrait, ' ');
+  for (const auto& [nom, valeur] : objet.items()) {
+    if (valeur.is_array() && !valeur.empty() && valeur[0].is_object()) {
+      for (const JsonOrdonne& membre : valeur) {
+        std::cout << marge << nom << '\n';
+        afficherObjet(membre, retrait + 2);
+      }
+    } else if (!cellule(valeur).empty()) {
+      const std::size_t gauche = retrait + largeur(nom) + 3;
+      const std::size_t droite = std::max<std::size_t>(largeurTerminal(), gauche + 30) - gauche;
+      std::string avant = marge + nom + " : ";
+      for (const std::string& ligne : plier(cellule(valeur), droite)) {
+        std::cout << avant << ligne << '\n';
+        avant.assign(gauche, ' ');
+      }
+    }
+  }
+}
+
+bool crcJuste(const EnteteFichier& entete) {
+  return std::equal(
+      entete.crc.begin(), entete.crc.end(), entete.crcCalcule.begin(), entete.crcCalcule.end(),
+      [](char ecrit, char calcule) { return std::toupper(static_cast<unsigned char>(ecrit)) == calcule; });
+}
+
+int listerSujet(const FichierReference& fichier, const Options& options) {
+  JsonOrdonne resultat;
+  const unsigned numero = numeroDeTable(options.sujet);
+  CodeRetour cr = NOX_CR_OK;
+  if (numero != NOMBRE_TABLES) {
+    const TableLue* const table = fichier.chercherTable(numero);
+    if (table == nullptr) {
+      throw ErreurUsage("le fichier ne contient pas la table " + options.sujet);
+    }
+    resultat = listerTable(fichier, *table, cr);
+  } else {
+    if (options.sujet.size() > 13 || !Lecteur::controlerCode(options.sujet)) {
+      throw ErreurUsage("« " + options.sujet + " » n'est ni une table ni un code d'acte");
+    }
+    NiveauActe acte;
+    cr = fichier.lireActe(CodeActe(options.sujet), acte);
+    resultat = cr == NOX_CR_OK ? listerActe(acte) : JsonOrdonne();
+  }
+  if (cr == NOX_CR_CODE_INCONNU) {
+    throw ErreurUsage("l'acte « " + options.sujet + " » n'est pas dans le fichier");
+  }
+  if (cr != NOX_CR_OK) {
+    throw ErreurUsage("« " + options.sujet + " » est illisible : " + signification(cr));
+  }
+  if (options.json) {
+    std::cout << resultat.dump(2) << '\n';
+  } else if (resultat.is_array()) {
+    afficherLignes(resultat);
+  } else {
+    afficherObjet(resultat, 0);
+  }
+  return STATUT_REPONDU;
+}
+
+int executer(const Options& options) {
+  fs::path chemin = options.chemin;
+  if (fs::is_directory(chemin)) {
+    chemin /= NOM_FICHIER_REFERENCE;
+  }
+  std::string raison;
+  const auto fichier = FichierReference::ouvrir(chemin.string(), raison);
+  if (fichier == nullptr) {
+    throw ErreurUsage(chemin.string() + " : " + raison);
+  }
+  if (!crcJuste(fichier->entete())) {
+    std::cerr << "noxlux : le CRC écrit n'est pas celui du contenu : le fichier est abîmé\n";
+  }
+  if (!options.sujet.empty()) {
+    return listerSujet(*fichier, options);
+  }
+  const JsonOrdonne resultat = listerFichier(*fichier);
+  if (options.json) {
+    std::cout << resultat.dump(2) << '\n';
+  } else {
+    afficherFichier(resultat);
+  }
+  if (!fichier->anomalie().empty()) {
+    throw ErreurUsage(chemin.string() + " : " + fichier->anomalie());
+  }
+  return STATUT_REPONDU;
+}
+
+}  // namespace
+
+void enregistrerLister(CLI::App& application, int& statut) {
+  const auto options = std::make_shared<Options>();
+  CLI::App* const commande = application.add_subcommand(
+      "lister", "Relit un tablebin.nox ou un modifref.nox : entête, tables, actes");
+  commande->add_option("fichier", options->chemin, "Fichier, ou répertoire de tablebin.nox")
+      ->required()
+      ->type_name("FICHIER");
+  commande
+      ->add_option("sujet", options->sujet,
+                   "Numéro ou nom d'une table, ou code d'un acte ; rien : l'entête et la liste des tables")
+      ->type_name("TABLE|ACTE");
+  commande->add_flag("--json", options->json, "réponse en JSON, pour un programme");
+  commande->callback([options, &statut] { statut = executer(*options); });
+}
+
+}  // namespace noxlux::commande
