@@ -15,17 +15,12 @@
 
 namespace noxlux::champs {
 
-inline CodeRetour lire(Lecteur& lecteur, char& valeur) {
-  unsigned char octet = 0;
-  const CodeRetour cr = lecteur.lireUnsignedChar(octet);
-  valeur = static_cast<char>(octet);
-  return cr;
-}
-inline CodeRetour lire(Lecteur& lecteur, std::uint16_t& valeur) { return lecteur.lireUnsignedShort(valeur); }
-inline CodeRetour lire(Lecteur& lecteur, std::uint32_t& valeur) { return lecteur.lireUnsignedLong(valeur); }
-inline CodeRetour lire(Lecteur& lecteur, double& valeur) { return lecteur.lireDouble(valeur); }
-inline CodeRetour lire(Lecteur& lecteur, DateBrute& valeur) { return lecteur.lireDate(valeur); }
-inline CodeRetour lire(Lecteur& lecteur, TexteVariable& valeur) { return lecteur.lireChaineVariable(valeur); }
+CodeRetour lire(Lecteur& lecteur, char& valeur);
+CodeRetour lire(Lecteur& lecteur, std::uint16_t& valeur);
+CodeRetour lire(Lecteur& lecteur, std::uint32_t& valeur);
+CodeRetour lire(Lecteur& lecteur, double& valeur);
+CodeRetour lire(Lecteur& lecteur, DateBrute& valeur);
+CodeRetour lire(Lecteur& lecteur, TexteVariable& valeur);
 template <std::size_t N>
 CodeRetour lire(Lecteur& lecteur, CodeFixe<N>& valeur) {
   return lecteur.lireChaineFixe(valeur.caracteres.data(), N);
@@ -44,20 +39,12 @@ CodeRetour lire(Lecteur& lecteur, std::array<double, N>& valeurs) {
   return cr;
 }
 
-inline CodeRetour ecrire(Ecrivain& ecrivain, char valeur) {
-  return ecrivain.ecrireUnsignedChar(static_cast<unsigned char>(valeur));
-}
-inline CodeRetour ecrire(Ecrivain& ecrivain, std::uint16_t valeur) {
-  return ecrivain.ecrireUnsignedShort(valeur);
-}
-inline CodeRetour ecrire(Ecrivain& ecrivain, std::uint32_t valeur) {
-  return ecrivain.ecrireUnsignedLong(valeur);
-}
-inline CodeRetour ecrire(Ecrivain& ecrivain, double valeur) { return ecrivain.ecrireDouble(valeur); }
-inline CodeRetour ecrire(Ecrivain& ecrivain, const DateBrute& valeur) { return ecrivain.ecrireDate(valeur); }
-inline CodeRetour ecrire(Ecrivain& ecrivain, const TexteVariable& valeur) {
-  return ecrivain.ecrireChaineVariable(valeur.vue());
-}
+CodeRetour ecrire(Ecrivain& ecrivain, char valeur);
+CodeRetour ecrire(Ecrivain& ecrivain, std::uint16_t valeur);
+CodeRetour ecrire(Ecrivain& ecrivain, std::uint32_t valeur);
+CodeRetour ecrire(Ecrivain& ecrivain, double valeur);
+CodeRetour ecrire(Ecrivain& ecrivain, const DateBrute& valeur);
+CodeRetour ecrire(Ecrivain& ecrivain, const TexteVariable& valeur);
 template <std::size_t N>
 CodeRetour ecrire(Ecrivain& ecrivain, const CodeFixe<N>& valeur) {
   return ecrivain.ecrireChaineFixe(valeur.entier());
@@ -103,48 +90,17 @@ struct TailleMinimale<std::array<double, N>> {
 };
 
 // A code of one character or of several: filled if it must be, and valid.
-inline bool controlerCode(std::string_view code, Controle controle) {
-  const bool facultatif = controle == Controle::CodeFacultatif;
-  return Lecteur::controlerCode(code) && (facultatif || Lecteur::codeRenseigne(code));
-}
-inline bool controler(char valeur, Controle controle) {
-  switch (controle) {
-    case Controle::Libre:
-      return true;
-    case Controle::Booleen:
-      return Lecteur::controlerBooleen(valeur);
-    case Controle::Octet:
-      return valeur == '\0' || Lecteur::controlerCode({&valeur, 1});
-    default:
-      return controlerCode({&valeur, 1}, controle);
-  }
-}
+bool controlerCode(std::string_view code, Controle controle);
+bool controler(char valeur, Controle controle);
 template <std::size_t N>
 bool controler(const CodeFixe<N>& valeur, Controle controle) {
   return controle == Controle::Libre || controlerCode(valeur.entier(), controle);
 }
-inline bool controler(const TexteVariable& valeur, Controle controle) {
-  return controle == Controle::Libre || !valeur.estVide();
-}
-inline bool controler(const DateBrute& valeur, Controle controle) {
-  return valeur.estValide() || (controle == Controle::DateFacultative && valeur.estNulle());
-}
-inline bool controler(double valeur, Controle controle) {
-  switch (controle) {
-    case Controle::Positif:
-      return Lecteur::controlerCoefficient(valeur);
-    case Controle::AuMoinsUn:
-      return valeur >= 1;
-    default:
-      return true;
-  }
-}
-inline bool controler(std::uint32_t valeur, Controle controle) {
-  return controle != Controle::NonNul || valeur != 0;
-}
-inline bool controler(std::uint16_t valeur, Controle controle) {
-  return controler(static_cast<std::uint32_t>(valeur), controle);
-}
+bool controler(const TexteVariable& valeur, Controle controle);
+bool controler(const DateBrute& valeur, Controle controle);
+bool controler(double valeur, Controle controle);
+bool controler(std::uint32_t valeur, Controle controle);
+bool controler(std::uint16_t valeur, Controle controle);
 template <unsigned CIBLE, class P>
 bool controler(const Plage<CIBLE, P>& /*valeur*/, Controle /*controle*/) {
   return true;  // checked once the table it points into is there
@@ -155,26 +111,12 @@ bool controler(const std::array<double, N>& valeurs, Controle controle) {
 }
 
 // One line of the trace: the label, then the value.
-inline void dump(unsigned short module, const char* libelle, const char* separateur, char valeur) {
-  Trace::ecrire(module, "%s%s%c", libelle, separateur, valeur == '\0' ? ' ' : valeur);
-}
-inline void dump(unsigned short module, const char* libelle, const char* separateur, std::uint32_t valeur) {
-  Trace::ecrire(module, "%s%s%lu", libelle, separateur, static_cast<unsigned long>(valeur));
-}
-inline void dump(unsigned short module, const char* libelle, const char* separateur, std::uint16_t valeur) {
-  dump(module, libelle, separateur, static_cast<std::uint32_t>(valeur));
-}
-inline void dump(unsigned short module, const char* libelle, const char* separateur, double valeur) {
-  Trace::ecrire(module, "%s%s%f", libelle, separateur, valeur);
-}
-inline void dump(unsigned short module, const char* libelle, const char* separateur,
-                 const DateBrute& valeur) {
-  Trace::ecrire(module, "%s%s%02u/%02u/%04u", libelle, separateur, valeur.jour, valeur.mois, valeur.annee);
-}
-inline void dump(unsigned short module, const char* libelle, const char* separateur,
-                 const TexteVariable& valeur) {
-  Trace::ecrire(module, "%s%s%s", libelle, separateur, valeur.lireTexte());
-}
+void dump(unsigned short module, const char* libelle, const char* separateur, char valeur);
+void dump(unsigned short module, const char* libelle, const char* separateur, std::uint32_t valeur);
+void dump(unsigned short module, const char* libelle, const char* separateur, std::uint16_t valeur);
+void dump(unsigned short module, const char* libelle, const char* separateur, double valeur);
+void dump(unsigned short module, const char* libelle, const char* separateur, const DateBrute& valeur);
+void dump(unsigned short module, const char* libelle, const char* separateur, const TexteVariable& valeur);
 template <std::size_t N>
 void dump(unsigned short module, const char* libelle, const char* separateur, const CodeFixe<N>& valeur) {
   Trace::ecrire(module, "%s%s\"%.*s\"", libelle, separateur, static_cast<int>(N), valeur.entier().data());

@@ -7,20 +7,18 @@ namespace noxlux {
 
 namespace {
 
-template <class L>
-CodeRetour signalerLecture(const char* mots, CodeRetour cr) {
-  Trace::erreur(TRACE_CHARGEMENT, "ERREUR de lecture %s, Code retour %s::lireLigne : 0x%04X", mots, L::NOM,
+CodeRetour signalerLecture(const char* classe, const char* mots, CodeRetour cr) {
+  Trace::erreur(TRACE_CHARGEMENT, "ERREUR de lecture %s, Code retour %s::lireLigne : 0x%04X", mots, classe,
                 cr);
   return cr;
 }
 
-template <class L>
-CodeRetour signalerRefus(const char* mots, const char* refus) {
+CodeRetour signalerRefus(const char* classe, const char* mots, const char* refus) {
   const CodeRetour cr = NOX_CR_LECTURE_REFERENCE;
   if (refus != nullptr) {
-    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : %s, Code retour %s::lireLigne : 0x%04X", refus, L::NOM, cr);
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : %s, Code retour %s::lireLigne : 0x%04X", refus, classe, cr);
   } else {
-    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : %s incorrect, Code retour %s::lireLigne : 0x%04X", mots, L::NOM,
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : %s incorrect, Code retour %s::lireLigne : 0x%04X", mots, classe,
                   cr);
   }
   return cr;
@@ -47,9 +45,9 @@ CodeRetour LignesDe<L>::lireLigne(std::uint32_t i, Lecteur& lecteur) {
   visiterTantQue(lignes[i], [&](const auto& champ, auto& valeur) {
     cr = champs::lire(lecteur, valeur);
     if (cr != NOX_CR_OK) {
-      cr = signalerLecture<L>(champ.mots, cr);
+      cr = signalerLecture(L::NOM, champ.mots, cr);
     } else if (!champs::controler(valeur, champ.controle)) {
-      cr = signalerRefus<L>(champ.mots, champ.refus);
+      cr = signalerRefus(L::NOM, champ.mots, champ.refus);
     }
     return cr == NOX_CR_OK;
   });
