@@ -177,7 +177,7 @@ void FonctionControleComplet::lirePrestation(CodeRetour& cr, Facture& facture) {
   ignoreChamp(cr);
   ligne->prixUnitaire = extraireMontant(cr);
   ligne->baseRemboursement = extraireMontant(cr);
-  ligne->tauxRemboursement = extraireCoefficient(cr);
+  ligne->tauxRemboursement = extraireTaux(cr);
 
   const auto suivi = [&](std::uint16_t groupe) {
     return groupeDeLaLigne(cr, groupe, ligne->numero, position);
@@ -239,7 +239,7 @@ void FonctionControleComplet::lireDeplacement(CodeRetour& cr, Facture& facture, 
   ignoreChamp(cr);
   ignoreChamp(cr);
   ignoreChamp(cr);
-  ligne->tauxRemboursement = extraireCoefficient(cr);
+  ligne->tauxRemboursement = extraireTaux(cr);
   ignoreChamp(cr);
   ignoreChamp(cr);
   ligne->qualificatifDepense = extraireCode(cr);

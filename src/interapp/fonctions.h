@@ -74,6 +74,12 @@ class Fonctions {
   // Of a coefficient or a rate: how many decimals it has is in the description of the field.
   Coefficient extraireCoefficient(CodeRetour& cr) { return extraire<Coefficient>(cr); }
 
+  // A rate; none when it is empty or zero, which says nothing of the patient's share.
+  std::optional<Coefficient> extraireTaux(CodeRetour& cr) {
+    const Coefficient taux = extraireCoefficient(cr);
+    return taux.estRenseigne() ? std::optional(taux) : std::nullopt;
+  }
+
   // A code, "0" when it is empty.
   Code extrairePhase(CodeRetour& cr);
   // 4 fields, the empty ones last: 0xD107 otherwise.

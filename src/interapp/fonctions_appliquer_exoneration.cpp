@@ -183,7 +183,7 @@ std::unique_ptr<LigneActe> FonctionsAppliquer::lireLigneExoneration(CodeRetour& 
     lireIdentite(cr, *ligne);
     ligne->baseHorsForfait = extraireMontant(cr);
     ligne->exonerationTM = extraireCode(cr);
-    ligne->tauxRemboursement = extraireCoefficient(cr);
+    ligne->tauxRemboursement = extraireTaux(cr);
     return ligne;
   }
   const bool deplacement = groupe == GROUPE_LIGNE_DEPLACEMENT;
@@ -198,7 +198,7 @@ std::unique_ptr<LigneActe> FonctionsAppliquer::lireLigneExoneration(CodeRetour& 
   ligne->date = extraireDate(cr);
   ligne->prestation = extraireCode(cr);
   ligne->exonerationTM = extraireCode(cr);
-  ligne->tauxRemboursement = extraireCoefficient(cr);
+  ligne->tauxRemboursement = extraireTaux(cr);
   return ligne;
 }
 
