@@ -8,6 +8,7 @@
 #include "regles/reglementation.h"
 #include "regles/seance.h"
 #include "regles/tarification.h"
+#include "regles/trace_regles.h"
 
 namespace noxlux {
 
@@ -126,7 +127,11 @@ CodeRetour LigneCCAM::controlerPU(Tarification& tarification, ListeErreurs& erre
 CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs& erreurs) {
   exiger(association != nullptr, "association != __null");
   CodeRetour cr = NOX_CR_OK;
-  BlocTrace bloc(TRACE_CONTROLE, cr, "LigneCCAM::controlerBaseActe");
+  baseHorsForfait = Montant();
+  Trace::debut(TRACE_CONTROLE, "LigneCCAM::controlerBaseActe");
+  const EnSortant fin([&] {
+    Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, base hors forfait = %.2fE", cr, baseHorsForfait->lireValeur());
+  });
   cr = compterModifications(tarification, FORCAGE_BASE, [&] {
     auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
     const BaseActe calcul = calculerBase(tarification, *this, deroulement);
@@ -141,7 +146,6 @@ CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs
     baseHorsForfait = calcul.horsForfait;
     return deroulement.code();
   });
-  Trace::ecrire(TRACE_CONTROLE, "cr = 0x%04X, base hors forfait = %.2fE", cr, baseHorsForfait->lireValeur());
   return cr;
 }
 
@@ -149,14 +153,16 @@ CodeRetour LigneCCAM::controlerExoActe(Tarification& tarification, ListeErreurs&
                                        Code& factureExoneree) {
   exiger(association != nullptr, "association != __null");
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "LigneCCAM::controlerExoActe");
+  Trace::debut(TRACE_CONTROLE, "LigneCCAM::controlerExoActe");
+  const EnSortant fin([&] {
+    Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, facture exoneree = %s", cr, factureExoneree.lireTexte());
+  });
   cr = compterModifications(tarification, FORCAGE_EXONERATION, [&] {
     auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
     deroulement.suite(REGLES_EXONERATION, *this);
     deroulement.calcul("PROD790A", [&] { return tarification.appliquerProd790A(*this, factureExoneree); });
     return deroulement.code();
   });
-  Trace::ecrire(TRACE_CONTROLE, "cr = 0x%04X, facture exoneree = %s", cr, factureExoneree.lireTexte());
   return cr;
 }
 
