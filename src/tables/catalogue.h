@@ -1,4 +1,5 @@
 // The catalogue of table lines: for each table identifier, its class and the fields of a line in file order.
+// The field lists are templates so that only the files that walk them pay for them.
 #ifndef NOXLUX_TABLES_CATALOGUE_H
 #define NOXLUX_TABLES_CATALOGUE_H
 
@@ -14,8 +15,8 @@ struct Index {
   static constexpr const char* NOM = "Index";
   CodeActe acte;
   std::uint32_t position = 0;
+  template <class L = Index>
   static constexpr auto champs() {
-    using L = Index;
     return std::tuple{champ(&L::acte, "code acte", Controle::Renseigne),
                       champ(&L::position, "position de l'acte")};
   }
@@ -27,8 +28,8 @@ struct AssociationNonPrevue {
   static constexpr const char* NOM = "AssociationNonPrevue";
   char code = ' ';
   Plage<2> historiques;
+  template <class L = AssociationNonPrevue>
   static constexpr auto champs() {
-    using L = AssociationNonPrevue;
     return std::tuple{champ(&L::code, "code association non prevue", Controle::Renseigne),
                       champ(&L::historiques, "historiques")};
   }
@@ -40,8 +41,8 @@ struct HistoriqueAssociationNonPrevue {
   DateBrute dateDebut;
   DateBrute dateFin;
   double coefficient = 0.0;
+  template <class L = HistoriqueAssociationNonPrevue>
   static constexpr auto champs() {
-    using L = HistoriqueAssociationNonPrevue;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::coefficient, "coefficient", Controle::Positif)};
@@ -54,8 +55,8 @@ struct RegleTarifaire {
   static constexpr const char* NOM = "RegleTarifaire";
   char code = ' ';
   Plage<4> historiques;
+  template <class L = RegleTarifaire>
   static constexpr auto champs() {
-    using L = RegleTarifaire;
     return std::tuple{champ(&L::code, "code regle tarifaire", Controle::Renseigne),
                       champ(&L::historiques, "historiques")};
   }
@@ -67,8 +68,8 @@ struct HistoriqueRegleTarifaire {
   DateBrute dateDebut;
   DateBrute dateFin;
   double coefficient = 0.0;
+  template <class L = HistoriqueRegleTarifaire>
   static constexpr auto champs() {
-    using L = HistoriqueRegleTarifaire;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::coefficient, "coefficient", Controle::Positif)};
@@ -81,8 +82,8 @@ struct Specialite {
   static constexpr const char* NOM = "Specialite";
   CodeFixe<2> code;
   Plage<6> historiques;
+  template <class L = Specialite>
   static constexpr auto champs() {
-    using L = Specialite;
     return std::tuple{champ(&L::code, "code specialite", Controle::Renseigne),
                       champ(&L::historiques, "historiques")};
   }
@@ -94,8 +95,8 @@ struct HistoriqueSpecialite {
   DateBrute dateDebut;
   DateBrute dateFin;
   CodeFixe<2> classe;
+  template <class L = HistoriqueSpecialite>
   static constexpr auto champs() {
-    using L = HistoriqueSpecialite;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::classe, "classe specialite", Controle::Renseigne)};
@@ -108,8 +109,8 @@ struct ClasseSpecialite {
   static constexpr const char* NOM = "ClasseSpecialite";
   CodeFixe<2> code;
   Plage<8> historiques;
+  template <class L = ClasseSpecialite>
   static constexpr auto champs() {
-    using L = ClasseSpecialite;
     return std::tuple{champ(&L::code, "classe specialite", Controle::Renseigne),
                       champ(&L::historiques, "historiques")};
   }
@@ -121,8 +122,8 @@ struct HistoriqueClasseSpecialite {
   DateBrute dateDebut;
   DateBrute dateFin;
   Plage<9> specialites;
+  template <class L = HistoriqueClasseSpecialite>
   static constexpr auto champs() {
-    using L = HistoriqueClasseSpecialite;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::specialites, "specialites")};
@@ -133,8 +134,8 @@ struct SpecialiteDansClasse {
   static constexpr unsigned IDENTIFIANT = 9;
   static constexpr const char* NOM = "SpecialiteDansClasse";
   CodeFixe<2> code;
+  template <class L = SpecialiteDansClasse>
   static constexpr auto champs() {
-    using L = SpecialiteDansClasse;
     return std::tuple{champ(&L::code, "code specialite", Controle::Renseigne)};
   }
 };
@@ -149,8 +150,8 @@ struct Seuil {
   double antilles = 0.0;
   double reunion = 0.0;
   double guyane = 0.0;
+  template <class L = Seuil>
   static constexpr auto champs() {
-    using L = Seuil;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::metropole, "seuil metropole", Controle::Positif),
@@ -166,8 +167,8 @@ struct JourFerieCaisse {
   static constexpr const char* NOM = "JourFerieCaisse";
   CodeFixe<3> caisse;
   Plage<12> jours;
+  template <class L = JourFerieCaisse>
   static constexpr auto champs() {
-    using L = JourFerieCaisse;
     return std::tuple{champ(&L::caisse, "code caisse", Controle::Renseigne),
                       champ(&L::jours, "jours feries")};
   }
@@ -180,8 +181,8 @@ struct JourFerieListe {
   char typeJour = ' ';
   DateBrute dateDebut;
   DateBrute dateFin;
+  template <class L = JourFerieListe>
   static constexpr auto champs() {
-    using L = JourFerieListe;
     return std::tuple{champ(&L::jour, "jour ferie", Controle::DateValide),
                       champ(&L::typeJour, "type de jour", Controle::Octet),
                       champ(&L::dateDebut, "date debut", Controle::DateValide),
@@ -197,8 +198,8 @@ struct ReductionNonConventionne {
   DateBrute dateFin;
   double forfait = 0.0;
   double coefficient = 0.0;
+  template <class L = ReductionNonConventionne>
   static constexpr auto champs() {
-    using L = ReductionNonConventionne;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::forfait, "forfait", Controle::Positif),
@@ -213,8 +214,8 @@ struct CodeRegroupement {
   CodeFixe<3> code;
   DateBrute dateDebut;
   DateBrute dateFin;
+  template <class L = CodeRegroupement>
   static constexpr auto champs() {
-    using L = CodeRegroupement;
     return std::tuple{champ(&L::code, "code regroupement", Controle::Renseigne),
                       champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative)};
@@ -227,8 +228,8 @@ struct ObligationCodage {
   static constexpr const char* NOM = "ObligationCodage";
   CodeFixe<3> prestation;
   Plage<17> specialites;
+  template <class L = ObligationCodage>
   static constexpr auto champs() {
-    using L = ObligationCodage;
     return std::tuple{champ(&L::prestation, "code nature de prestation", Controle::Renseigne),
                       champ(&L::specialites, "specialites")};
   }
@@ -239,8 +240,8 @@ struct DateObligationCodage {
   static constexpr const char* NOM = "DateObligationCodage";
   CodeFixe<2> specialite;
   DateBrute dateObligation;
+  template <class L = DateObligationCodage>
   static constexpr auto champs() {
-    using L = DateObligationCodage;
     return std::tuple{champ(&L::specialite, "code specialite", Controle::Renseigne),
                       champ(&L::dateObligation, "date d'obligation de codage", Controle::DateValide)};
   }
@@ -253,8 +254,8 @@ struct NombreModificateurTarifant {
   DateBrute dateDebut;
   DateBrute dateFin;
   std::uint16_t nombre = 0;
+  template <class L = NombreModificateurTarifant>
   static constexpr auto champs() {
-    using L = NombreModificateurTarifant;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::nombre, "nombre de modificateurs tarifants")};
@@ -266,8 +267,8 @@ struct ConceptCCAM {
   static constexpr unsigned IDENTIFIANT = 19;
   static constexpr const char* NOM = "ConceptCCAM";
   Plage<20> historiques;
+  template <class L = ConceptCCAM>
   static constexpr auto champs() {
-    using L = ConceptCCAM;
     return std::tuple{champ(&L::historiques, "historiques")};
   }
 };
@@ -278,8 +279,8 @@ struct HistoriqueConceptCCAM {
   DateBrute dateDebut;
   DateBrute dateFin;
   Plage<21> valeurs;
+  template <class L = HistoriqueConceptCCAM>
   static constexpr auto champs() {
-    using L = HistoriqueConceptCCAM;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::valeurs, "valeurs")};
@@ -290,8 +291,8 @@ struct ValeurConceptCCAM {
   static constexpr unsigned IDENTIFIANT = 21;
   static constexpr const char* NOM = "ValeurConceptCCAM";
   TexteVariable valeur;
+  template <class L = ValeurConceptCCAM>
   static constexpr auto champs() {
-    using L = ValeurConceptCCAM;
     return std::tuple{champ(&L::valeur, "valeur de concept", Controle::Renseigne)};
   }
 };
@@ -306,8 +307,8 @@ struct Modificateur {
   Plage<25> coherences;
   Plage<26> valeurs;
   Plage<27> modificateursOC;
+  template <class L = Modificateur>
   static constexpr auto champs() {
-    using L = Modificateur;
     return std::tuple{champ(&L::code, "code modificateur", Controle::Renseigne),
                       champ(&L::ages, "historiques age"),
                       champ(&L::compatibles, "modificateurs compatibles"),
@@ -326,8 +327,8 @@ struct HistoriqueAgeModificateur {
   std::uint16_t ageMinimum = 0;
   char uniteAgeMaximum = ' ';
   std::uint16_t ageMaximum = 0;
+  template <class L = HistoriqueAgeModificateur>
   static constexpr auto champs() {
-    using L = HistoriqueAgeModificateur;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::uniteAgeMinimum, "unite de temps age minimum", Controle::Octet),
@@ -343,8 +344,8 @@ struct ModificateurCompatible {
   char code = ' ';
   DateBrute dateEffet;
   DateBrute dateFin;
+  template <class L = ModificateurCompatible>
   static constexpr auto champs() {
-    using L = ModificateurCompatible;
     return std::tuple{champ(&L::code, "code modificateur compatible", Controle::Renseigne),
                       champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative)};
@@ -358,8 +359,8 @@ struct HistoriqueCoherenceModificateur {
   DateBrute dateFin;
   char topControleCoherence = ' ';
   char topPresenceMultiple = ' ';
+  template <class L = HistoriqueCoherenceModificateur>
   static constexpr auto champs() {
-    using L = HistoriqueCoherenceModificateur;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::topControleCoherence, "top controle de coherence", Controle::Booleen),
@@ -375,8 +376,8 @@ struct HistoriqueValeurModificateur {
   DateBrute dateFin;
   double forfait = 0.0;
   double coefficient = 0.0;
+  template <class L = HistoriqueValeurModificateur>
   static constexpr auto champs() {
-    using L = HistoriqueValeurModificateur;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::forfait, "forfait modificateur", Controle::Positif,
@@ -392,8 +393,8 @@ struct HistoriqueModificateurOC {
   DateBrute dateDebut;
   DateBrute dateFin;
   char code = ' ';
+  template <class L = HistoriqueModificateurOC>
   static constexpr auto champs() {
-    using L = HistoriqueModificateurOC;
     return std::tuple{champ(&L::dateDebut, "date de debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::code, "code modificateur OC", Controle::Renseigne)};
@@ -404,8 +405,8 @@ struct Synonyme {
   static constexpr unsigned IDENTIFIANT = 29;
   static constexpr const char* NOM = "Synonyme";
   TexteVariable texte;
+  template <class L = Synonyme>
   static constexpr auto champs() {
-    using L = Synonyme;
     return std::tuple{champ(&L::texte, "synonyme", Controle::Renseigne)};
   }
 };
@@ -416,8 +417,8 @@ struct ActeIndexe {
   static constexpr const char* NOM = "ActeIndexe";
   CodeActe acte;
   std::uint32_t masque = 0;
+  template <class L = ActeIndexe>
   static constexpr auto champs() {
-    using L = ActeIndexe;
     return std::tuple{champ(&L::acte, "code acte", Controle::Renseigne),
                       champ(&L::masque, "masque des champs concernes", Controle::NonNul)};
   }
@@ -431,8 +432,8 @@ struct Arborescence {
   TexteVariable libelle;
   std::uint32_t pere = 0;
   TexteVariable notes;
+  template <class L = Arborescence>
   static constexpr auto champs() {
-    using L = Arborescence;
     return std::tuple{champ(&L::code, "code menu"), champ(&L::libelle, "libelle menu", Controle::Renseigne),
                       champ(&L::pere, "code menu pere"), champ(&L::notes, "notes menu")};
   }
@@ -443,8 +444,8 @@ struct Codes {
   static constexpr unsigned IDENTIFIANT = 32;
   static constexpr const char* NOM = "Codes";
   Plage<33> valeurs;
+  template <class L = Codes>
   static constexpr auto champs() {
-    using L = Codes;
     return std::tuple{champ(&L::valeurs, "valeurs")};
   }
 };
@@ -454,8 +455,8 @@ struct LibelleCode {
   static constexpr const char* NOM = "LibelleCode";
   TexteVariable code;
   TexteVariable libelle;
+  template <class L = LibelleCode>
   static constexpr auto champs() {
-    using L = LibelleCode;
     return std::tuple{champ(&L::code, "valeur du code", Controle::Renseigne),
                       champ(&L::libelle, "libelle du code", Controle::Renseigne)};
   }
@@ -471,8 +472,8 @@ struct InformationRegle {
   char typeRegle = ' ';
   CodeFixe<10> reference;
   char indicateurForcage = ' ';
+  template <class L = InformationRegle>
   static constexpr auto champs() {
-    using L = InformationRegle;
     return std::tuple{champ(&L::identifiant, "identifiant de la regle", Controle::Renseigne),
                       champ(&L::libellePrincipal, "libelle principal"),
                       champ(&L::libelleSecondaire, "libelle secondaire"),
@@ -491,8 +492,8 @@ struct ModificationPrixUnitaire {
   char phase = ' ';
   DateBrute dateEffet;
   double valeur = 0.0;
+  template <class L = ModificationPrixUnitaire>
   static constexpr auto champs() {
-    using L = ModificationPrixUnitaire;
     return std::tuple{champ(&L::acte, "code acte", Controle::Renseigne),
                       champ(&L::activite, "code activite", Controle::Renseigne),
                       champ(&L::phase, "code phase", Controle::Renseigne),
@@ -510,8 +511,8 @@ struct ModificationSupplementCharge {
   char phase = ' ';
   DateBrute dateEffet;
   double valeur = 0.0;
+  template <class L = ModificationSupplementCharge>
   static constexpr auto champs() {
-    using L = ModificationSupplementCharge;
     return std::tuple{champ(&L::acte, "code acte", Controle::Renseigne),
                       champ(&L::activite, "code activite", Controle::Renseigne),
                       champ(&L::phase, "code phase", Controle::Renseigne),
@@ -530,8 +531,8 @@ struct ModificationMajorationDOM {
   std::uint16_t position = 0;
   DateBrute dateEffet;
   double valeur = 0.0;
+  template <class L = ModificationMajorationDOM>
   static constexpr auto champs() {
-    using L = ModificationMajorationDOM;
     return std::tuple{champ(&L::acte, "code acte", Controle::Renseigne),
                       champ(&L::activite, "code activite", Controle::Renseigne),
                       champ(&L::phase, "code phase", Controle::Renseigne),
@@ -547,8 +548,8 @@ struct ModificationRegleAssociationNonPrevue {
   char code = ' ';
   DateBrute dateEffet;
   double valeur = 0.0;
+  template <class L = ModificationRegleAssociationNonPrevue>
   static constexpr auto champs() {
-    using L = ModificationRegleAssociationNonPrevue;
     return std::tuple{champ(&L::code, "code association non prevue", Controle::Renseigne),
                       champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::valeur, "coefficient", Controle::Positif)};
@@ -562,8 +563,8 @@ struct ModificationSeuil {
   std::uint16_t position = 0;
   DateBrute dateEffet;
   double valeur = 0.0;
+  template <class L = ModificationSeuil>
   static constexpr auto champs() {
-    using L = ModificationSeuil;
     return std::tuple{champ(&L::position, "position seuil"),
                       champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::valeur, "seuil", Controle::Positif)};
@@ -578,8 +579,8 @@ struct ModificationModificateur {
   DateBrute dateEffet;
   double forfait = 0.0;
   double taux = 0.0;
+  template <class L = ModificationModificateur>
   static constexpr auto champs() {
-    using L = ModificationModificateur;
     return std::tuple{champ(&L::code, "code modificateur", Controle::Renseigne),
                       champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::forfait, "forfait", Controle::Positif),
@@ -594,8 +595,8 @@ struct ModificationNonConventionne {
   DateBrute dateEffet;
   double forfait = 0.0;
   double taux = 0.0;
+  template <class L = ModificationNonConventionne>
   static constexpr auto champs() {
-    using L = ModificationNonConventionne;
     return std::tuple{champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::forfait, "forfait", Controle::Positif),
                       champ(&L::taux, "taux", Controle::Positif)};
@@ -610,8 +611,8 @@ struct ModificationCodeRegroupement {
   char activite = ' ';
   DateBrute dateEffet;
   CodeFixe<3> code;
+  template <class L = ModificationCodeRegroupement>
   static constexpr auto champs() {
-    using L = ModificationCodeRegroupement;
     return std::tuple{champ(&L::acte, "code acte", Controle::Renseigne),
                       champ(&L::activite, "code activite", Controle::Renseigne),
                       champ(&L::dateEffet, "date d'effet", Controle::DateValide),
@@ -626,8 +627,8 @@ struct ModificationNouveauCodeRegroupement {
   DateBrute dateEffet;
   CodeFixe<3> code;
   TexteVariable libelle;
+  template <class L = ModificationNouveauCodeRegroupement>
   static constexpr auto champs() {
-    using L = ModificationNouveauCodeRegroupement;
     return std::tuple{champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::code, "code regroupement", Controle::Renseigne),
                       champ(&L::libelle, "libelle")};
@@ -641,8 +642,8 @@ struct NombreModificateurTransmissible {
   DateBrute dateDebut;
   DateBrute dateFin;
   std::uint16_t nombre = 0;
+  template <class L = NombreModificateurTransmissible>
   static constexpr auto champs() {
-    using L = NombreModificateurTransmissible;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::nombre, "nombre de modificateurs transmissibles")};
@@ -655,8 +656,8 @@ struct ServiceDebrayable {
   static constexpr const char* NOM = "ServiceDebrayable";
   TexteVariable identifiant;
   Plage<46> regles;
+  template <class L = ServiceDebrayable>
   static constexpr auto champs() {
-    using L = ServiceDebrayable;
     return std::tuple{champ(&L::identifiant, "identifiant du service", Controle::Renseigne),
                       champ(&L::regles, "regles")};
   }
@@ -666,8 +667,8 @@ struct ReferenceRegleEntrainantDebrayage {
   static constexpr unsigned IDENTIFIANT = 46;
   static constexpr const char* NOM = "ReferenceRegleEntrainantDebrayage";
   CodeFixe<10> reference;
+  template <class L = ReferenceRegleEntrainantDebrayage>
   static constexpr auto champs() {
-    using L = ReferenceRegleEntrainantDebrayage;
     return std::tuple{champ(&L::reference, "reference de la regle", Controle::Renseigne)};
   }
 };
@@ -678,8 +679,8 @@ struct ReferenceRegleEnErreur {
   static constexpr const char* NOM = "ReferenceRegleEnErreur";
   CodeFixe<10> reference;
   Plage<48> regles;
+  template <class L = ReferenceRegleEnErreur>
   static constexpr auto champs() {
-    using L = ReferenceRegleEnErreur;
     return std::tuple{champ(&L::reference, "reference de la regle", Controle::Renseigne),
                       champ(&L::regles, "regles")};
   }
@@ -689,8 +690,8 @@ struct ReferenceRegleNonVerifiable {
   static constexpr unsigned IDENTIFIANT = 48;
   static constexpr const char* NOM = "ReferenceRegleNonVerifiable";
   CodeFixe<10> reference;
+  template <class L = ReferenceRegleNonVerifiable>
   static constexpr auto champs() {
-    using L = ReferenceRegleNonVerifiable;
     return std::tuple{champ(&L::reference, "reference de la regle", Controle::Renseigne)};
   }
 };
@@ -703,8 +704,8 @@ struct DescriptifSuperGroupe {
   TexteVariable nom;
   char codeFonction = ' ';
   Plage<53> fils;
+  template <class L = DescriptifSuperGroupe>
   static constexpr auto champs() {
-    using L = DescriptifSuperGroupe;
     return std::tuple{champ(&L::numero, "numero du super-groupe"),
                       champ(&L::nom, "nom du super-groupe", Controle::Renseigne),
                       champ(&L::codeFonction, "code fonction", Controle::Octet), champ(&L::fils, "fils")};
@@ -717,8 +718,8 @@ struct DescriptifGroupe {
   static constexpr const char* NOM = "DescriptifGroupe";
   std::uint16_t numero = 0;
   Plage<51> listeChamps;
+  template <class L = DescriptifGroupe>
   static constexpr auto champs() {
-    using L = DescriptifGroupe;
     return std::tuple{champ(&L::numero, "numero du groupe"), champ(&L::listeChamps, "champs")};
   }
 };
@@ -732,8 +733,8 @@ struct DescriptifChamp {
   std::uint16_t tailleMin = 0;
   std::uint16_t tailleMax = 0;
   Plage<52> valeurs;
+  template <class L = DescriptifChamp>
   static constexpr auto champs() {
-    using L = DescriptifChamp;
     return std::tuple{champ(&L::format, "format attendu", Controle::Octet),
                       champ(&L::type, "type de donnee", Controle::Octet),
                       champ(&L::tailleMin, "taille minimale"), champ(&L::tailleMax, "taille maximale"),
@@ -745,8 +746,8 @@ struct ValeurAutorisee {
   static constexpr unsigned IDENTIFIANT = 52;
   static constexpr const char* NOM = "ValeurAutorisee";
   TexteVariable valeur;
+  template <class L = ValeurAutorisee>
   static constexpr auto champs() {
-    using L = ValeurAutorisee;
     return std::tuple{champ(&L::valeur, "de la valeur")};
   }
 };
@@ -759,8 +760,8 @@ struct FilsSuperGroupe {
   std::uint16_t superGroupe = 0;
   std::uint16_t minimum = 0;
   std::uint16_t maximum = 0;
+  template <class L = FilsSuperGroupe>
   static constexpr auto champs() {
-    using L = FilsSuperGroupe;
     return std::tuple{champ(&L::groupe, "position du groupe fils"),
                       champ(&L::superGroupe, "position du super-groupe fils"),
                       champ(&L::minimum, "nombre minimum d'occurrences"),
@@ -774,8 +775,8 @@ struct PrioriteIndicateurForcage {
   static constexpr const char* NOM = "PrioriteIndicateurForcage";
   char indicateur = ' ';
   std::uint16_t priorite = 0;
+  template <class L = PrioriteIndicateurForcage>
   static constexpr auto champs() {
-    using L = PrioriteIndicateurForcage;
     return std::tuple{champ(&L::indicateur, "indicateur de forcage", Controle::Octet),
                       champ(&L::priorite, "priorite")};
   }
@@ -787,8 +788,8 @@ struct ReferenceCdC {
   static constexpr const char* NOM = "ReferenceCdC";
   CodeFixe<10> identifiant;
   CodeFixe<10> reference;
+  template <class L = ReferenceCdC>
   static constexpr auto champs() {
-    using L = ReferenceCdC;
     return std::tuple{champ(&L::identifiant, "identifiant de la regle", Controle::Renseigne),
                       champ(&L::reference, "reference CdC de la regle", Controle::Renseigne)};
   }
@@ -800,8 +801,8 @@ struct ExceptionPrioriteIndicateur {
   static constexpr const char* NOM = "ExceptionPrioriteIndicateur";
   char indicateur = ' ';
   Plage<57> valeurs;
+  template <class L = ExceptionPrioriteIndicateur>
   static constexpr auto champs() {
-    using L = ExceptionPrioriteIndicateur;
     return std::tuple{champ(&L::indicateur, "indicateur a combiner", Controle::Octet),
                       champ(&L::valeurs, "exceptions")};
   }
@@ -812,8 +813,8 @@ struct ValeurException {
   static constexpr const char* NOM = "ValeurException";
   char indicateurPresent = ' ';
   char indicateurRetourne = ' ';
+  template <class L = ValeurException>
   static constexpr auto champs() {
-    using L = ValeurException;
     return std::tuple{champ(&L::indicateurPresent, "indicateur deja present", Controle::Octet),
                       champ(&L::indicateurRetourne, "indicateur retourne", Controle::Octet)};
   }
@@ -827,8 +828,8 @@ struct MotCle {
   TexteVariable formeCanonique;
   PlageLongue<29> synonymes;
   PlageLongue<30> actes;
+  template <class L = MotCle>
   static constexpr auto champs() {
-    using L = MotCle;
     return std::tuple{champ(&L::motCle, "mot cle", Controle::Renseigne),
                       champ(&L::formeCanonique, "forme canonique", Controle::Renseigne),
                       champ(&L::synonymes, "synonymes"), champ(&L::actes, "actes indexes")};
@@ -842,8 +843,8 @@ struct NombreActeAssociation {
   DateBrute dateDebut;
   DateBrute dateFin;
   std::uint16_t nombre = 0;
+  template <class L = NombreActeAssociation>
   static constexpr auto champs() {
-    using L = NombreActeAssociation;
     return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
                       champ(&L::dateFin, "date de fin", Controle::DateFacultative),
                       champ(&L::nombre, "nombre d'actes dans une association")};
