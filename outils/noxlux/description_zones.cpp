@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 
-#define TOML_EXCEPTIONS 1
+// As the compiler does: the two are linked together.
+#define TOML_EXCEPTIONS 0
 #include <toml++/toml.h>
 
 #include "noxlux/zones_toml.h"
@@ -71,7 +73,11 @@ const ChampDecrit* GroupeDecrit::champ(std::size_t rang) const {
 }
 
 DescriptionZones::DescriptionZones(std::string_view source) {
-  const toml::table racine = toml::parse(source);
+  const toml::parse_result lecture = toml::parse(source);
+  if (!lecture) {
+    throw std::logic_error("the built-in zone descriptions do not read");
+  }
+  const toml::table& racine = lecture.table();
   for (const bool reponse : {false, true}) {
     pourChaque(racine, reponse ? "groupe_reponse" : "groupe", [&](const toml::table& t) {
       GroupeDecrit groupe{nombre(t, "numero"), texte(t, "nom"), texte(t, "libelle"), reponse, {}};
