@@ -35,7 +35,7 @@ struct Contexte {
   std::string nomChemin() const {
     std::string nom;
     for (const std::string_view cle : chemin) {
-      nom += (nom.empty() ? "" : ".") + std::string(cle);
+      nom.append(nom.empty() ? "" : ".").append(cle);
     }
     return nom;
   }
@@ -312,7 +312,7 @@ void refuserClesInconnues(Contexte& contexte, const toml::table& table) {
     };
     std::apply([&](const auto&... c) { (comparer(c.nom), ...); }, CLES<E>);
     if (!connue) {
-      const std::string dans = contexte.chemin.empty() ? "" : " dans « " + contexte.nomChemin() + " »";
+      const std::string dans = contexte.chemin.empty() ? "" : phrase(" dans « ", contexte.nomChemin(), " »");
       contexte.rapport.signaler(
           contexte.lieu(cle.source()),
           phrase("clé inconnue « ", nom, " »", dans, proche.empty() ? "" : " ; vouliez-vous « ", proche,

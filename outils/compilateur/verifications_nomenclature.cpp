@@ -278,7 +278,7 @@ class Verification {
     const auto premier =
         std::min_element(acte.historiques.begin(), acte.historiques.end(),
                          [](const HistoriqueActe& g, const HistoriqueActe& d) { return g.effet < d.effet; });
-    if (premier != acte.historiques.end() && acte.creation < premier->effet) {
+    if (premier != acte.historiques.end() && !acte.creation.estNulle() && acte.creation < premier->effet) {
       refuser(acte.lieu, "l'acte est créé le ", jour(acte.creation),
               " et son premier historique n'a effet que le ", jour(premier->effet));
     }
