@@ -299,18 +299,20 @@ TEST(ControleurZone, arreteLaLectureALaFinDeCeQuiEstDemande) {
 TEST(ControleurZone, accepteLesDescriptionsLimites) {
   Groupe a(1000, 1);
   Groupe b(1001, 1);
+  Groupe c(1003, 1);
   const Groupe sansChamp(1002, 0);
-  for (Groupe* groupe : {&a, &b}) {
+  for (Groupe* groupe : {&a, &b, &c}) {
     ASSERT_EQ(groupe->ajouterChamp(Format::Libre, Type::Texte, 0, 0, {}), NOX_CR_OK);
   }
-  const auto racine = [&](const std::vector<const Groupe*>& internes) {
+  const auto racine = [&](const std::vector<const Groupe*>& internes, std::uint16_t minimum,
+                          std::uint16_t maximum) {
     auto nouvelle = std::make_unique<SuperGroupe>(std::uint16_t{1}, "LIMITE", std::uint16_t{2});
     auto interne =
         std::make_unique<SuperGroupe>(std::uint16_t{0}, "", static_cast<std::uint16_t>(internes.size()));
     for (const Groupe* groupe : internes) {
       EXPECT_EQ(interne->ajouterFils(groupe, 0, 1), NOX_CR_OK);
     }
-    EXPECT_EQ(nouvelle->ajouterFils(std::move(interne), 65535, 0), NOX_CR_OK);
+    EXPECT_EQ(nouvelle->ajouterFils(std::move(interne), minimum, maximum), NOX_CR_OK);
     EXPECT_EQ(nouvelle->ajouterFils(&b, 1, 1), NOX_CR_OK);
     EXPECT_EQ(nouvelle->ajouterFils(&b, 1, 1), NOX_CR_INCOHERENCE);
     return nouvelle;
@@ -320,6 +322,8 @@ TEST(ControleurZone, accepteLesDescriptionsLimites) {
     std::vector<const Groupe*> internes;
     essai::Zone groupes;
     CodeRetour code;
+    std::uint16_t minimum = 65535;
+    std::uint16_t maximum = 0;
   };
   for (const Cas& cas :
        std::vector<Cas>{{"bloc sans fils", {}, {{1001, {"b"}}}, 0},
@@ -328,9 +332,21 @@ TEST(ControleurZone, accepteLesDescriptionsLimites) {
                         {"bloc facultatif présent", {&a}, {{1000, {"a"}}, {1001, {"b"}}}, 0},
                         {"entrée par le second groupe", {&a, &sansChamp}, {{1002, {"x"}}}, 0xA801},
                         {"groupe sans champ", {&sansChamp}, {{1002, {}}}, 0},
+                        {"bloc entré par son second groupe, puis repris",
+                         {&a, &c},
+                         {{1003, {"c"}}, {1000, {"a"}}, {1001, {"b"}}},
+                         0,
+                         2,
+                         2},
+                        {"de même, une fois de trop",
+                         {&a, &c},
+                         {{1003, {"c"}}, {1000, {"a"}}, {1001, {"b"}}},
+                         0xB000 + 1000,
+                         1,
+                         1},
                         {"identifiant 0", {}, {{0, {}}}, 0xB000 + 1001}}) {
     SCOPED_TRACE(cas.quoi);
-    const auto description = racine(cas.internes);
+    const auto description = racine(cas.internes, cas.minimum, cas.maximum);
     ZoneEssai essai(cas.groupes);
     unsigned lus = 0;
     std::uint16_t identifiant = 0;
