@@ -78,7 +78,7 @@ const char* nomType(const toml::node& noeud) {
 }
 
 void refuserType(Contexte& contexte, const toml::node& noeud, const char* attendu) {
-  contexte.refuser(noeud, attendu, " est attendu, ", nomType(noeud), " est donné");
+  contexte.refuser(noeud, "il faut ", attendu, ", et non ", nomType(noeud));
 }
 
 // The text in ISO-8859-1. False when there is no text, or a character that it cannot hold.
@@ -236,7 +236,7 @@ bool estVide(const T&) {
 bool lireValeur(Contexte& contexte, const toml::node& noeud, std::array<double, 4>& cible) {
   const auto* const liste = noeud.as_array();
   if (liste == nullptr || liste->size() != cible.size()) {
-    contexte.refuser(noeud, "une liste de quatre nombres est attendue");
+    contexte.refuser(noeud, "il faut une liste de quatre nombres");
     return false;
   }
   bool lue = true;

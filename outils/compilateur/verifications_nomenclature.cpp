@@ -22,7 +22,7 @@ std::string jour(const DateBrute& date) {
   return texte;
 }
 
-std::string lire(char code) { return {code}; }
+std::string lire(char code) { return code == ' ' ? std::string() : std::string(1, code); }
 std::string lire(const std::string& code) { return versUtf8(code); }
 std::string lire(std::uint32_t code) { return std::to_string(code); }
 template <std::size_t N>
@@ -145,7 +145,7 @@ class Verification {
     std::map<std::decay_t<decltype(std::invoke(cle, elements[0]))>, Lieu> vus;
     for (const E& element : elements) {
       const auto [place, nouveau] = vus.emplace(std::invoke(cle, element), element.lieu);
-      if (!nouveau) {
+      if (!nouveau && !lire(place->first).empty()) {  // an empty key has been refused by its reader
         refuser(element.lieu, nom, " « ", lire(place->first), " » est en double (déjà à la ligne ",
                 std::to_string(place->second.ligne), " de ", rapport_.nomSource(place->second.source), ")");
       }

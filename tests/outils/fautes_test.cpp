@@ -19,11 +19,11 @@ struct Cas {
 
 constexpr Cas FAUTES[] = {
     // The shape of the sources.
-    {"prix = 48", "prix = \"48\"", "un nombre est attendu, un texte est donn"},
+    {"prix = 48", "prix = \"48\"", "il faut un nombre, et non un texte"},
     {"prix = 48", "prix = -1", "entre 0 et 999999"},
     {"prix = 48", "pris = 48", "vouliez-vous", "pris = 48"},
     {"menu = 2\ncreation = 2005-03-25", "menu = 2\ncreation = \"hier\"",
-     "une date (AAAA-MM-JJ) est attendue, un texte", "creation = \"hier\""},
+     "il faut une date (AAAA-MM-JJ), et non un texte", "creation = \"hier\""},
     {"[[menu]]\ncode = 1\n", "[[menu]]\n", "menu.code", "[[menu]]"},
     {"[recherche]", "[recherches]", "inconnue"},
     {"revision = 7", "revision = 65536", "entre 0 et 65535"},

@@ -225,18 +225,23 @@ inline std::string lireOctets(const fs::path& chemin) {
 
 inline const Avancement SANS_AVANCEMENT = [](std::string_view, std::size_t, std::size_t) {};
 
-// The socle's code labels and concepts are left out: the small nomenclature has its own.
-inline std::vector<std::string> socle() {
-  return {(depot() / "reference/socle/regles.toml").string(),
-          (depot() / "reference/socle/zones.toml").string()};
-}
+// What a compilation begins with: the repository's rules and zones, read once. Its code labels and concepts
+// are left out: the small nomenclature has its own.
+struct Socle {
+  Modele modele;
+  Rapport rapport;
+  Socle() {
+    const fs::path socle = depot() / "reference/socle";
+    lireSourcesToml({(socle / "regles.toml").string(), (socle / "zones.toml").string()}, modele, rapport);
+  }
+};
 
 // The faults of the socle and a TOML text compiled together.
 inline std::vector<std::string> compilerTexte(const std::string& texte, const fs::path& sortie) {
-  Modele modele;
-  Rapport rapport;
+  static const Socle SOCLE;
+  Modele modele = SOCLE.modele;
+  Rapport rapport = SOCLE.rapport;
   Bilan bilan;
-  lireSourcesToml(socle(), modele, rapport);
   lireTexteToml(texte, "essai.toml", modele, rapport);
   compiler(modele, sortie.string(), SANS_AVANCEMENT, rapport, bilan);
   return rapport.lignes();
