@@ -133,12 +133,11 @@ class EditeurPlage {
   }
 
   // REQUIRES: preparer, indice <= number of lines of the run
-  H& inserer(std::size_t indice, H&& ligne) {
+  void inserer(std::size_t indice, H&& ligne) {
     const std::size_t position = mienne_.premiere + indice;
     lignes_.insert(lignes_.begin() + static_cast<std::ptrdiff_t>(position), std::move(ligne));
     decalerSuivantes(position, 1);
     ++mienne_.nombre;
-    return lignes_[position];
   }
 
   // REQUIRES: indice + nombre <= number of lines of the run; the run shares no line
