@@ -206,6 +206,23 @@ TEST_F(Compilation, RelitUnFichierAbime) {
   EXPECT_EQ(relire(perdu, raison)->lireActe(CodeActe("HHFA001"), acte), NOX_CR_LECTURE_REFERENCE);
 }
 
+TEST_F(Compilation, RelitLesModifications) {
+  referentiel_.lignes<ModificationSeuil>().push_back({2, {2026, 3, 1}, 130.5});
+  ASSERT_EQ(referentiel_.sauvegarderModifications(), NOX_CR_OK);
+  std::string raison;
+  const auto modifications = FichierReference::ouvrir((sortie_.chemin() / "modifref.nox").string(), raison);
+  ASSERT_NE(modifications, nullptr) << raison;
+  EXPECT_TRUE(modifications->estModification());
+  EXPECT_EQ(modifications->anomalie(), "");
+  EXPECT_EQ(modifications->entete().crc, modifications->entete().crcCalcule);
+  EXPECT_EQ(modifications->tables().size(), NOMBRE_TABLES_MODIFICATION);
+  CodeRetour cr = NOX_CR_OK;
+  EXPECT_EQ(listerTable(*modifications, *modifications->chercherTable(39), cr).dump(),
+            R"([{"position seuil":2,"date d'effet":"2026-03-01","seuil":130.5}])");
+  NiveauActe acte;
+  EXPECT_EQ(modifications->lireActe(CodeActe("HHFA001"), acte), NOX_CR_CODE_INCONNU);
+}
+
 // The example: every price asked from the store is the one its source tells.
 TEST(Exemple, RepondCeQueSesSourcesDisent) {
   Modele modele;
