@@ -299,49 +299,4 @@ CodeRetour Tarification::appliquerProd880A(const LigneCCAM& ligne, const Montant
   return cr;
 }
 
-CodeRetour Tarification::calculerBaseLigne(const Code& conventionPS, LigneCCAM& ligne,
-                                           bool reductionPossible) {
-  Coefficient coefficient(1.0);
-  Montant supplement;
-  Montant base;
-  Montant horsForfait;
-  ligne.topReduction = Booleen(false);
-  CodeRetour cr = reductionPossible ? appliquerProd656B(ligne) : static_cast<CodeRetour>(NOX_CR_OK);
-  if (cr == NOX_CR_OK) {
-    cr = estDonne(ligne.codeAssociation) ? appliquerProd655(ligne, coefficient)
-                                         : appliquerProd640(ligne, coefficient);
-  }
-  if (cr == NOX_CR_OK) {
-    cr = appliquerProd860(ligne, supplement);
-  }
-  if (cr == NOX_CR_OK) {
-    cr = appliquerProd870(ligne, coefficient, supplement, base, horsForfait);
-  }
-  if (cr == NOX_CR_OK) {
-    cr = appliquerProd740(conventionPS, ligne.date, base);
-  }
-  if (cr == NOX_CR_OK) {
-    ligne.baseRemboursement = Montant(base.arrondir(2));
-    ligne.baseHorsForfait = Montant(horsForfait.arrondir(2));
-    if (ligne.baseTheoriqueAMO.has_value()) {
-      ligne.baseTheoriqueAMO = Montant(ligne.baseTheoriqueAMO->arrondir(2));
-    }
-  }
-  return cr;
-}
-
-CodeRetour Tarification::appliquerCBase(const Code& conventionPS, AssociationCCAM& association) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerCBase");
-  Trace::ecrire(TRACE_CONTROLE, "conventionPS = %s", conventionPS.lireTexte());
-  cr = appliquerProd656A(association);
-  for (LigneCCAM* ligne : association.lignes) {
-    if (cr != NOX_CR_OK) {
-      break;
-    }
-    cr = calculerBaseLigne(conventionPS, *ligne, association.actePlusFort.has_value());
-  }
-  return cr;
-}
-
 }  // namespace noxlux

@@ -1,0 +1,200 @@
+// Exemption by the threshold: of an act, of the acts of a séance, of an invoice.
+#include <limits>
+
+#include "regles/departements.h"
+#include "regles/exoneration.h"
+
+namespace noxlux {
+
+CodeRetour Tarification::lireSeuil(const Code& caissePS, const Date& date, Montant& seuil) {
+  return lecture().rechercherSeuilExoTM(departementDe(caissePS).zoneSeuil, date, seuil);
+}
+
+CodeRetour Tarification::compteDansSeuil(const LigneCCAM& ligne, const ListeCodes& codesSeuil, bool& compte) {
+  compte = false;
+  if (!reclameActeCouteux(ligne) && !neReclameRien(ligne)) {
+    return NOX_CR_OK;
+  }
+  ListeCodes codes;
+  const CodeRetour cr = lecture().rechercherCodesExonerationTM(ligne.acte, ligne.date, codes);
+  compte = cr == NOX_CR_OK && ontUneValeurCommune(codes, codesSeuil);
+  return cr;
+}
+
+CodeRetour Tarification::sommerSeance(const Seance& seance, const Montant& arret, Montant& somme) {
+  ListeCodes codesSeuil;
+  CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, *seance.date, codesSeuil);
+  for (const LigneCCAM* ligne : seance.lignes) {
+    if (cr != NOX_CR_OK || somme >= arret) {
+      break;
+    }
+    bool compte = false;
+    cr = compteDansSeuil(*ligne, codesSeuil, compte);
+    if (estAbsent(cr)) {
+      cr = NOX_CR_OK;  // an act that the reference does not know at the date counts for nothing
+    }
+    if (cr == NOX_CR_OK && compte) {
+      somme = somme + ligne->baseHorsForfait.value_or(Montant());
+    }
+  }
+  return cr;
+}
+
+CodeRetour Tarification::estExonereeParSeuil(const LigneCCAM& ligne, const Code& caissePS, bool& exoneree) {
+  ListeCodes codesSeuil;
+  Montant seuil;
+  Montant somme;
+  bool compte = false;
+  CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, ligne.date, codesSeuil);
+  if (cr == NOX_CR_OK) {
+    cr = compteDansSeuil(ligne, codesSeuil, compte);
+  }
+  if (cr == NOX_CR_OK && compte) {
+    cr = lireSeuil(caissePS, ligne.date, seuil);
+  }
+  if (cr == NOX_CR_OK && compte) {
+    cr = sommerSeance(*ligne.seance, seuil, somme);
+  }
+  exoneree = cr == NOX_CR_OK && compte && somme >= seuil;
+  return cr;
+}
+
+CodeRetour Tarification::atteintSeuilSeule(const LigneCCAM& ligne, Montant& seuil, bool& atteint) {
+  ListeCodes codesSeuil;
+  bool compte = false;
+  CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, ligne.date, codesSeuil);
+  if (cr == NOX_CR_OK) {
+    cr = compteDansSeuil(ligne, codesSeuil, compte);
+  }
+  if (cr == NOX_CR_OK && compte) {
+    cr = lireSeuil(codeOuVide(ligne.factureParent->caissePS), ligne.date, seuil);
+    Trace::ecrire(TRACE_CONTROLE, "Le seuil d'exonération est %.2fE", seuil.lireValeur());
+  }
+  atteint = cr == NOX_CR_OK && compte && ligne.baseHorsForfait.value_or(Montant()) >= seuil;
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd790A(const LigneCCAM& ligne, Code& factureExoneree) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790A");
+  tracerExoneration(ligne);
+  Montant seuil;
+  bool atteint = false;
+  if (factureExoneree.vue() != Facture::EXONEREE) {
+    cr = atteintSeuilSeule(ligne, seuil, atteint);
+  }
+  if (cr == NOX_CR_OK && atteint) {
+    factureExoneree = Code(Facture::EXONEREE);
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& caissePS,
+                                           Code& factureExoneree) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790B");
+  Montant somme;
+  Montant seuil;
+  cr = sommerSeance(seance, Montant(std::numeric_limits<double>::infinity()), somme);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  Trace::ecrire(TRACE_CONTROLE, "la somme des bases de remboursement hors forfait pour la séance = %.2fE",
+                somme.lireValeur());
+  cr = lireSeuil(caissePS, *seance.date, seuil);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  Trace::ecrire(TRACE_CONTROLE, "le seuil d'exonération est %.2fE", seuil.lireValeur());
+  if (!(somme < seuil)) {
+    factureExoneree = Code(Facture::EXONEREE);
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd790C(LigneCCAM& ligne, const Code& caissePS,
+                                           const Code& factureExoneree) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790C");
+  tracerExoneration(ligne);
+  bool exoneree = false;
+  if (factureExoneree.vue() == Facture::EXONEREE) {
+    cr = estExonereeParSeuil(ligne, caissePS, exoneree);
+  }
+  if (exoneree) {
+    exonerer(ligne);
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd790D(LigneActe& deplacement, const Code& caissePS,
+                                           const Code& factureExoneree) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790D");
+  tracerExoneration(deplacement);
+  const LigneCCAM& acte = static_cast<const LigneCCAM&>(*deplacement.rattachement);
+  bool exoneree = false;
+  if (factureExoneree.vue() == Facture::EXONEREE &&
+      (neReclameRien(deplacement) || reclameActeCouteux(deplacement))) {
+    cr = estExonereeParSeuil(acte, caissePS, exoneree);
+  }
+  if (exoneree) {
+    exonerer(deplacement);
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd792(const LigneCCAM& ligne, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd792");
+  tracerExoneration(ligne);
+  if (!neReclameRien(ligne)) {
+    return cr;
+  }
+  Montant seuil;
+  bool seule = false;
+  bool exoneree = false;
+  bool parNature = false;
+  cr = atteintSeuilSeule(ligne, seuil, seule);
+  if (cr == NOX_CR_OK && !seule) {
+    cr = estExonereeParSeuil(ligne, codeOuVide(ligne.factureParent->caissePS), exoneree);
+  }
+  if (cr == NOX_CR_OK && exoneree) {
+    cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_NATURE, parNature);
+  }
+  if (cr == NOX_CR_OK && exoneree && !parNature) {
+    cr = copierValeurErreur(erreur, "PROD792", {ligne.acte});
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd792B(const LigneActe& deplacement, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd792B");
+  tracerExoneration(deplacement);
+  const LigneCCAM& acte = static_cast<const LigneCCAM&>(*deplacement.rattachement);
+  bool exoneree = false;
+  if (neReclameRien(deplacement)) {
+    cr = estExonereeParSeuil(acte, codeOuVide(deplacement.factureParent->caissePS), exoneree);
+  }
+  if (cr == NOX_CR_OK && exoneree) {
+    cr = copierValeurErreur(erreur, "PROD792B", {deplacement.prestation, acte.acte});
+  }
+  return cr;
+}
+
+CodeRetour Tarification::appliquerProd791A(const LigneCCAM& ligne, Erreur& erreur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd791A");
+  tracerExoneration(ligne);
+  bool exonerable = false;
+  if (reclameActeCouteux(ligne) && !laisseUnePart(ligne)) {
+    cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_SEUIL, exonerable);
+  }
+  if (cr == NOX_CR_OK && exonerable) {
+    cr = copierValeurErreur(erreur, "PROD791A", {ligne.acte});
+  }
+  return cr;
+}
+
+}  // namespace noxlux
