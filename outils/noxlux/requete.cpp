@@ -166,7 +166,12 @@ std::string texteValeur(const Json& valeur, char type) {
     }
     return joindre(textes);
   }
-  return valeur.is_string() ? valeur.get<std::string>() : valeur.dump();
+  if (!valeur.is_string()) {
+    return valeur.dump();
+  }
+  std::string texte = valeur.get<std::string>();
+  texte.erase(texte.find_last_not_of(' ') + 1);  // codes come padded to their width
+  return texte;
 }
 
 namespace {
