@@ -84,7 +84,9 @@ std::string generer() {
   for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
     modele.actes.push_back(acteGenere(i, patron));
   }
-  if (!compilateur::compilerModele(modele, rapport, dossier.string())) {
+  compilateur::Bilan bilan;
+  const compilateur::Avancement sansProgression = [](std::string_view, std::size_t, std::size_t) {};
+  if (!compilateur::compiler(modele, dossier.string(), sansProgression, rapport, bilan)) {
     for (const std::string& ligne : rapport.lignes()) {
       std::fprintf(stderr, "%s\n", ligne.c_str());
     }
