@@ -31,9 +31,12 @@ std::vector<const E*> trier(const std::vector<E>& elements, C cle) {
   return ordre;
 }
 
+// Dated lines, the newest first: the library takes the first for the current one, which local changes follow.
 template <class E>
 std::vector<const E*> parDate(const std::vector<E>& elements) {
-  return trier(elements, [](const E& element) { return element.debut; });
+  std::vector<const E*> ordre = trier(elements, [](const E& element) { return element.debut; });
+  std::reverse(ordre.begin(), ordre.end());
+  return ordre;
 }
 
 DateBrute lendemain(DateBrute date) {
