@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""Builds and runs the example host programs as their documents say; the README shows the first of them as it is.
+
+Usage: verifier-hotes.py LIBRARY COMPILED_REFERENCE SOURCES"""
+import shutil
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+bibliotheque, reference, sources = Path(sys.argv[1]).resolve(), Path(sys.argv[2]), Path(sys.argv[3])
+resultats = {True: 0, False: 0}
+
+
+def verifier(quoi, vrai, detail=""):
+    resultats[bool(vrai)] += 1
+    if not vrai:
+        print(f"FAILED: {quoi}: {detail}")
+
+
+def lancer(*commande, dossier=None):
+    fait = subprocess.run([str(c) for c in commande], cwd=dossier, capture_output=True, timeout=120)
+    return fait.returncode, (fait.stdout + fait.stderr).decode("utf-8", "replace")
+
+
+with tempfile.TemporaryDirectory() as nom:
+    dossier = Path(nom)
+
+    def configuration():
+        """A fresh reference, so that one host does not see what another saved."""
+        tables = dossier / "tables"
+        shutil.rmtree(tables, ignore_errors=True)
+        tables.mkdir()
+        shutil.copy(reference / "tablebin.nox", tables)
+        (dossier / "orvan.ini").write_text(
+            f"[NOX]\nrepertoiretable={tables}/\n[COMMUN]\nrepertoiretravail={dossier}\n")
+        return tables
+
+    lier = ["-L", bibliotheque.parent, "-lnoxlux", f"-Wl,-rpath,{bibliotheque.parent}"]
+    compiler = ["cc", "-Wall", "-Wextra", "-Werror", "-I", sources / "include"]
+
+    statut, sortie = lancer(*compiler, sources / "examples/premier.c", "-o", dossier / "premier", *lier)
+    verifier("premier.c compiles", statut == 0, sortie)
+    statut, sortie = lancer(dossier / "premier", f"{configuration()}/", dossier=dossier)
+    verifier("premier answers a price", statut == 0 and sortie == "HHFA001 : 17679 centimes\n", sortie)
+    verifier("the README shows premier.c as it is",
+             (sources / "examples/premier.c").read_text() in (sources / "README.md").read_text())
+
+    statut, sortie = lancer(*compiler, sources / "examples/hote.c", "-o", dossier / "hote", "-ldl")
+    verifier("hote.c compiles", statut == 0, sortie)
+    tables = configuration()
+    statut, sortie = lancer(dossier / "hote", bibliotheque, dossier)
+    verifier("hote checks, changes, checks again", statut == 0 and "0x0000" in sortie and "0xD121" in sortie, sortie)
+    verifier("hote saves", (tables / "modifref.nox").exists())
+
+    configuration()
+    statut, sortie = lancer(sys.executable, sources / "examples/hote.py", bibliotheque, dossier)
+    verifier("hote.py checks, changes, saves, reads again", statut == 0 and "205.00" in sortie, sortie)
+
+print(f"{resultats[True]} passed, {resultats[False]} failed")
+sys.exit(1 if resultats[False] else 0)
