@@ -1,29 +1,11 @@
 // Changes, cancellations and re-application: bounds of the effect date, what a change leaves alone, states
 // given back exactly, lack of memory at every allocation.
-#include <cstdlib>
 #include <functional>
 #include <new>
 
 #include "referent/ecrivain.h"
+#include "requetes/allocations.h"
 #include "requetes/magasin_essai.h"
-
-namespace {
-// The allocations that still succeed before one fails; negative: none fails.
-long allocationsPermises = -1;
-}  // namespace
-
-void* operator new(std::size_t taille) {
-  if (allocationsPermises >= 0 && allocationsPermises-- == 0) {
-    throw std::bad_alloc();
-  }
-  void* adresse = std::malloc(taille == 0 ? 1 : taille);
-  if (adresse == nullptr) {
-    throw std::bad_alloc();
-  }
-  return adresse;
-}
-void operator delete(void* adresse) noexcept { std::free(adresse); }
-void operator delete(void* adresse, std::size_t) noexcept { std::free(adresse); }
 
 namespace noxlux {
 namespace {
