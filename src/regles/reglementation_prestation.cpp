@@ -65,12 +65,14 @@ CodeRetour Reglementation::appliquerProd690A(const LigneActe& ligne, Erreur& err
   Code frais;
   bool present = true;
   cr = lecture().rechercherFraisDeplacement(acte, frais);
-  if (cr == NOX_CR_OK) {
+  if (estAbsent(cr)) {
+    cr = NOX_CR_OK;  // an unknown act is told once, on its own line
+  } else if (cr == NOX_CR_OK) {
     Trace::ecrire(TRACE_CONTROLE, "frais de deplacement = %s", frais.lireTexte());
     cr = estDansConcept(lecture(), admis, ligne.date, frais, present);
   }
   if (cr == NOX_CR_OK && !present) {
-    cr = copierValeurErreur(erreur, "PROD690A", {ligne.prestation, acte});
+    cr = copierValeurErreur(erreur, "PROD690A", {acte, ligne.prestation});
   }
   return cr;
 }

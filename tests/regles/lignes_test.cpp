@@ -353,6 +353,8 @@ TEST_F(ReglesLigne, LignesNonCcam) {
   verifier("frais admis", reglementation, &R::appliquerProd690A, forfait, RIEN);
   verifier("frais non admis", reglementation, &R::appliquerProd690A, kilometres,
            {"R690A", {"AAAA001", "IFD"}});
+  ligne->acte = Code("XXXX999");
+  verifier("frais d'un acte inconnu", reglementation, &R::appliquerProd690A, kilometres, RIEN);
 }
 
 TEST_F(ReglesLigne, Questions) {
