@@ -96,17 +96,6 @@ CodeRetour echouer(FormatVerifie<> message, CodeRetour cr) {
   return cr;
 }
 
-// The lines of a table must take the size that its header tells: what follows is read from there.
-CodeRetour lireLignes(Table& table, Lecteur& lecteur) {
-  const std::uint64_t fin = std::uint64_t{lecteur.positionCourante()} + lecteur.tailleTable();
-  const CodeRetour cr = table.lireTable(lecteur);
-  if (cr == NOX_CR_OK && lecteur.positionCourante() != fin) {
-    return echouer("ERREUR : les lignes de la table ne font pas la taille annoncee",
-                   NOX_CR_LECTURE_REFERENCE);
-  }
-  return cr;
-}
-
 }  // namespace
 
 CodeRetour Referentiel::chargerReferentiel(const char* pcRepertoire, const char* pcRepertoireModification,
@@ -253,7 +242,7 @@ CodeRetour Referentiel::lireUneTable(Lecteur& lecteur, const char* identifiant, 
                   static_cast<unsigned short>(numero));
     cr = lecteur.tableSuivante();
   } else {
-    cr = lireLignes(*table, lecteur);
+    cr = table->lireDonnees(lecteur, lecteur.tailleTable());
   }
   if (cr == NOX_CR_OK) {
     tables[numero] = std::move(table);
