@@ -25,6 +25,8 @@ struct Seance {
   const Date* date;
   std::vector<LigneCCAM*> lignes;  // not owned
   bool topDebrayage = false;
+  // The bases that count towards the exemption threshold, once they have been added up.
+  mutable std::optional<Montant> sommeHorsForfait;
   ListeCodes referencesPropagees;  // references whose dependent rules every line already holds
 };
 

@@ -95,8 +95,8 @@ class Tarification final : public Regles {
   CodeRetour lireSeuil(const Code& caissePS, const Date& date, Montant& seuil);
   // Whether the line counts in the sum that is compared with the threshold.
   CodeRetour compteDansSeuil(const LigneCCAM& ligne, const ListeCodes& codesSeuil, bool& compte);
-  // Adds up the lines of a séance that count, until `arret` is reached.
-  CodeRetour sommerSeance(const Seance& seance, const Montant& arret, Montant& somme);
+  // The sum of the lines of a séance that count. It is kept with the séance: each of its lines asks for it.
+  CodeRetour sommerSeance(const Seance& seance, Montant& somme);
   // Whether the line counts, and its séance reaches the threshold.
   CodeRetour estExonereeParSeuil(const LigneCCAM& ligne, const Code& caissePS, bool& exoneree);
   // Whether the line counts, and reaches the threshold by itself.

@@ -1,6 +1,4 @@
 // Exemption by the threshold: of an act, of the acts of a séance, of an invoice.
-#include <limits>
-
 #include "regles/departements.h"
 #include "regles/exoneration.h"
 
@@ -21,21 +19,30 @@ CodeRetour Tarification::compteDansSeuil(const LigneCCAM& ligne, const ListeCode
   return cr;
 }
 
-CodeRetour Tarification::sommerSeance(const Seance& seance, const Montant& arret, Montant& somme) {
+CodeRetour Tarification::sommerSeance(const Seance& seance, Montant& somme) {
+  if (seance.sommeHorsForfait.has_value()) {
+    somme = *seance.sommeHorsForfait;
+    return NOX_CR_OK;
+  }
   ListeCodes codesSeuil;
   CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, *seance.date, codesSeuil);
   for (const LigneCCAM* ligne : seance.lignes) {
-    if (cr != NOX_CR_OK || somme >= arret) {
-      break;
-    }
     bool compte = false;
-    cr = compteDansSeuil(*ligne, codesSeuil, compte);
+    if (cr == NOX_CR_OK) {
+      cr = compteDansSeuil(*ligne, codesSeuil, compte);
+    }
     if (estAbsent(cr)) {
       cr = NOX_CR_OK;  // an act that the reference does not know at the date counts for nothing
     }
-    if (cr == NOX_CR_OK && compte) {
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    if (compte) {
       somme = somme + ligne->baseHorsForfait.value_or(Montant());
     }
+  }
+  if (cr == NOX_CR_OK) {
+    seance.sommeHorsForfait = somme;
   }
   return cr;
 }
@@ -53,7 +60,7 @@ CodeRetour Tarification::estExonereeParSeuil(const LigneCCAM& ligne, const Code&
     cr = lireSeuil(caissePS, ligne.date, seuil);
   }
   if (cr == NOX_CR_OK && compte) {
-    cr = sommerSeance(*ligne.seance, seuil, somme);
+    cr = sommerSeance(*ligne.seance, somme);
   }
   exoneree = cr == NOX_CR_OK && compte && somme >= seuil;
   return cr;
@@ -95,7 +102,7 @@ CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& cai
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790B");
   Montant somme;
   Montant seuil;
-  cr = sommerSeance(seance, Montant(std::numeric_limits<double>::infinity()), somme);
+  cr = sommerSeance(seance, somme);
   if (cr != NOX_CR_OK) {
     return cr;
   }

@@ -3,13 +3,29 @@
 #ifndef NOXLUX_TESTS_REGLES_REGLES_ESSAI_H
 #define NOXLUX_TESTS_REGLES_REGLES_ESSAI_H
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
+#include <span>
+#include <string>
+#include <tuple>
+#include <vector>
 
 #include "regles/reglementation.h"
 #include "regles/tarification.h"
-#include "requetes/magasin_essai.h"
 
 namespace noxlux {
+
+inline DateBrute jour(unsigned aaaammjj) {
+  return {static_cast<std::uint16_t>(aaaammjj / 10000), static_cast<std::uint8_t>(aaaammjj / 100 % 100),
+          static_cast<std::uint8_t>(aaaammjj % 100)};
+}
+inline Date date(unsigned aaaammjj) { return Date(jour(aaaammjj)); }
+
+template <class T>
+ListeCompacte<T> compacte(const std::vector<T>& valeurs) {
+  return ListeCompacte<T>(std::span<const T>(valeurs));
+}
 
 // What a rule is to raise: nothing when there is no reference; else its reference, and texts that its detail
 // must show, in this order.
@@ -19,12 +35,13 @@ struct Attente {
 };
 inline const Attente RIEN;
 
-class ReglesEssai : public MagasinEssai {
+class ReglesEssai : public ::testing::Test {
  protected:
   static constexpr unsigned DEBUT = 20000101;
   static constexpr unsigned JOUR = 20240610;
 
   ReglesEssai() {
+    creerTables(std::type_identity<Catalogue>{});
     copierCatalogue();
     poserConcepts();
     poserActes();
@@ -116,6 +133,13 @@ class ReglesEssai : public MagasinEssai {
   NiveauActivite& activite(const char* code) { return acte(code).activites.front(); }
   NiveauPhase& phase(const char* code) { return activite(code).phases.front(); }
 
+  template <class L>
+  void poser(std::vector<L> lignes) {
+    referentiel.lignes<L>() = std::move(lignes);
+  }
+
+  Referentiel referentiel;
+  LectureDonnees lecture{&referentiel};
   Facture facture;
   LigneCCAM* ligne = nullptr;
   TypeListe<Nombre> prestations;  // of the last error raised
@@ -123,6 +147,11 @@ class ReglesEssai : public MagasinEssai {
   Tarification tarification{lecture};
 
  private:
+  template <class... L>
+  void creerTables(std::type_identity<std::tuple<L...>>) {
+    ((referentiel.tables[L::IDENTIFIANT] = std::make_unique<Table>(std::vector<L>{})), ...);
+  }
+
   // The labels and references of the rules, as the compiled example has them.
   void copierCatalogue() {
     const char* const chemin = std::getenv("NOXLUX_REFERENCE_EXEMPLE");
@@ -157,12 +186,28 @@ class ReglesEssai : public MagasinEssai {
   void poserActes() {
     for (const char* code :
          {"AAAA001", "BBBB001", "CCCC001", "CCCC002", "DDDD001", "EEEE001", "PPPP001", "ZZZZ001"}) {
-      NiveauActe& pose = poserActe(code);
-      pose.fraisDeplacement = '1';
-      pose.historiques[0].ententePrealable = 'N';
-      pose.historiques[0].exonerationsTM = compacte<char>({'1'});
-      pose.activites[0].phases[0].historiques = {{jour(20050301), 100.0, 12.0, {1.5, 1.25, 1.1, 1.2}}};
-      pose.activites[0].historiques[0].modificateurs = compacte<char>({'A', 'B', 'E', 'F'});
+      auto pose = std::make_unique<NiveauActe>();
+      pose->codeStructure = CodeActe(code);
+      pose->typeActe = '1';
+      pose->dateCreation = jour(20050301);
+      pose->fraisDeplacement = '1';
+      pose->historiques.resize(1);
+      pose->historiques[0].dateEffet = jour(20050301);
+      pose->historiques[0].admissionRemboursement = '1';
+      pose->historiques[0].ententePrealable = 'N';
+      pose->historiques[0].exonerationsTM = compacte<char>({'1'});
+      NiveauActivite& activite_ = pose->activites.emplace_back();
+      activite_.codeActivite = '1';
+      activite_.historiques.resize(1);
+      activite_.historiques[0].dateEffet = jour(20050301);
+      activite_.historiques[0].categorieMedicale = CodeFixe<2>("01");
+      activite_.historiques[0].codeRegroupement = CodeFixe<3>("ADC");
+      activite_.historiques[0].modificateurs = compacte<char>({'A', 'B', 'E', 'F'});
+      NiveauPhase& phase_ = activite_.phases.emplace_back();
+      phase_.codePhase = '0';
+      phase_.historiques = {{jour(20050301), 100.0, 12.0, {1.5, 1.25, 1.1, 1.2}}};
+      referentiel.lignes<Index>().push_back({CodeActe(code), 0});
+      referentiel.actes.push_back({std::move(pose), false});
     }
     activite("AAAA001").historiques[0].associations =
         compacte<Association>({{CodeActe("BBBB001"), '2'}, {CodeActe("ZZZZ001"), '1'}});

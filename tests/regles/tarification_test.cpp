@@ -266,6 +266,7 @@ class ExonerationFacture : public ReglesEssai {
     grouper();
   }
   std::string etatSeance(const char* caisse) {
+    grouper();
     Code etat(Facture::NON_EXONEREE);
     EXPECT_EQ(tarification.appliquerProd790B(facture.seances.front(), Code(caisse), etat), NOX_CR_OK);
     return std::string(etat.vue());
@@ -311,6 +312,7 @@ TEST_F(ExonerationFacture, CeQueReclamentLesLignes) {
   ligne->baseHorsForfait = Montant(120.0);
   verifier("affaire de la règle 793", tarification, &T::appliquerProd792, *ligne, RIEN);
   ligne->baseHorsForfait = Montant(69.99);
+  grouper();
   verifier("la séance n'atteint pas le seuil", tarification, &T::appliquerProd792, *ligne, RIEN);
 }
 
