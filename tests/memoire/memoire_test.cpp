@@ -1,0 +1,302 @@
+// Out of memory: the n-th allocation fails, for every n in turn, over a scenario that touches each entry
+// point. Each time a code tells it, the outputs are null, and the same request made again answers as if
+// nothing had happened.
+#include <cerrno>
+#include <cstdlib>
+#include <functional>
+#include <new>
+
+#include "bout_en_bout/bibliotheque_essai.h"
+
+using namespace essai;
+
+namespace {
+
+// Allocations left before the one that fails; negative: none fails.
+long restantes = -1;
+bool echec = false;
+
+bool doitEchouer() {
+  if (restantes < 0 || restantes-- > 0) {
+    return false;
+  }
+  echec = true;
+  return true;
+}
+
+}  // namespace
+
+#if defined(__SANITIZE_ADDRESS__)
+// The sanitizer keeps malloc for itself: only what goes through new fails.
+void* operator new(std::size_t taille) {
+  void* bloc = doitEchouer() ? nullptr : std::malloc(taille);
+  if (bloc == nullptr) {
+    throw std::bad_alloc();
+  }
+  return bloc;
+}
+void operator delete(void* bloc) noexcept { std::free(bloc); }
+void operator delete(void* bloc, std::size_t) noexcept { std::free(bloc); }
+#else
+// Everything fails: new, the blocks of zones, the buffers of files.
+extern "C" void* __libc_malloc(std::size_t taille);
+extern "C" void* malloc(std::size_t taille) {
+  if (doitEchouer()) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+  return __libc_malloc(taille);
+}
+#endif
+
+namespace {
+
+constexpr const char* DATE = "20260201";
+
+// Calls `appel` with the n-th allocation failing; false when it did not come to that many.
+template <class Appel>
+bool avecEchec(long n, Reponse& reponse, const Appel& appel) {
+  char rebut = 0;
+  void* zone = &rebut;
+  unsigned taille = 0;
+  echec = false;
+  restantes = n;
+  const unsigned code = appel(&zone, &taille);
+  restantes = -1;
+  if (zone == &rebut) {
+    zone = nullptr;  // a function without answer zone
+  }
+  reponse = lireReponse(code, zone, taille);
+  return echec;
+}
+
+// Codes by which a lack of memory is told: that of the place, or that of a file that cannot be opened for it.
+testing::AssertionResult diteMemoire(unsigned code) {
+  for (const unsigned permis : {0xDFFCU, 0xF801U, 0xD610U, 0xD611U, 0xD700U, 0xD680U, 0xF6F1U, 0xF6F2U}) {
+    if (code == permis) {
+      return testing::AssertionSuccess();
+    }
+  }
+  return testing::AssertionFailure() << std::hex << "0x" << code;
+}
+
+using Appel = std::function<unsigned(void**, unsigned*)>;
+
+Appel consultation(const char* identifiant, const Zone& entree) {
+  return [identifiant, bloc = Bloc(entree)](void** z, unsigned* t) mutable {
+    return NOX_ConsulterDonnee(identifiant, DATE, bloc.adresse(), bloc.taille(), z, t);
+  };
+}
+Appel regle(const char* identifiant, const Zone& entree) {
+  return [identifiant, bloc = Bloc(entree)](void** z, unsigned* t) mutable {
+    return NOX_AppliquerRegle(identifiant, bloc.adresse(), bloc.taille(), z, t);
+  };
+}
+Appel changement(const char* identifiant, const Zone& entree) {
+  return [identifiant, bloc = Bloc(entree)](void**, unsigned*) mutable {
+    return NOX_ModifierDonnee(identifiant, DATE, bloc.adresse(), bloc.taille());
+  };
+}
+Appel annulation(const char* identifiant, const Zone& entree) {
+  return [identifiant, bloc = Bloc(entree)](void**, unsigned*) mutable {
+    return NOX_AnnulerModification(identifiant, bloc.adresse(), bloc.taille());
+  };
+}
+
+const Zone PHASE = {{3012, {"HBFD008", "1", "0"}}};
+
+class Memoire : public AvecReference {
+ protected:
+  void TearDown() override {
+    EXPECT_GT(essais_, 10) << "hardly anything was allocated: hardly anything was tried";
+    AvecReference::TearDown();
+  }
+
+  // The n-th allocation fails, for n from 0 up to where none does any more, by growing steps beyond
+  // `serre`; `preparer` runs before each call.
+  template <class Preparation, class Verification>
+  void epuiser(const Appel& appel, const Reponse& attendue, long serre, const Preparation& preparer,
+               const Verification& verifier) {
+    Reponse reponse;
+    long n = 0;
+    for (; preparer(), avecEchec(n, reponse, appel); n += n < serre ? 1 : 1 + n / 50) {
+      SCOPED_TRACE(testing::Message() << "allocation " << n);
+      // A failure that the library can do without changes nothing.
+      if (!(reponse == attendue)) {
+        ASSERT_TRUE(diteMemoire(reponse.code));
+        ASSERT_FALSE(reponse.remise);
+        verifier();
+      }
+    }
+    EXPECT_EQ(reponse, attendue);
+    essais_ += n;
+  }
+
+  long essais_ = 0;
+};
+
+TEST_F(Memoire, RequestsOnLoadedData) {
+  Bloc controle(Zone{{3025, {"", "HBFD008", "1"}}});
+  char resultat = 0;
+  const Appel appels[] = {
+      consultation("CCAM_37", PHASE),
+      consultation("CCAM_6", {{3011, {"HBFD008", "1"}}}),
+      consultation("CCAM_16a", {{3010, {"HBFD008"}}}),
+      consultation("CCAM_32a", {{3011, {"HEAE001", "1"}}}),
+      consultation("TB13_1", {}),
+      consultation("TB21_1", {}),
+      [](void** z, unsigned* t) { return NOX_RechercherParMotCle("molaire", 0, z, t); },
+      [](void** z, unsigned* t) { return NOX_RechercherParFiltre("", z, t); },
+      [](void** z, unsigned* t) { return NOX_LireVersion(z, t); },
+      regle("C_Pu", {{3400, {"1", "974"}}, {3410, {"1", DATE, "HBFD008", "1", "0"}}}),
+      regle("C_Association", {{3310, {"1", DATE, "HHFA002", "1", "123456789", "01"}},
+                              {3310, {"2", DATE, "ZZHA001", "1", "123456789", "01"}}}),
+      [&](void**, unsigned*) {
+        return NOX_ControlerDonnees("C_Radio", DATE, controle.adresse(), controle.taille(), &resultat);
+      },
+  };
+  for (const Appel& appel : appels) {
+    SCOPED_TRACE(&appel - appels);
+    Reponse attendue;
+    avecEchec(-1, attendue, appel);
+    ASSERT_EQ(attendue.code, unsigned{NOX_CR_OK});
+    epuiser(
+        appel, attendue, 1000, [] {},
+        [&] {
+          Reponse encore;
+          avecEchec(-1, encore, appel);
+          ASSERT_EQ(encore, attendue);
+        });
+  }
+}
+
+TEST_F(Memoire, FullCheck) {
+  Zone facture = {{1110, {"123456789", "01", "", "", "1", "08", "", "", "", "", "", "", "19800229"}},
+                  {1511, {"N"}}};
+  for (const char* numero : {"1", "2"}) {
+    facture.push_back({1610, {numero, DATE, "0", "END", "", "", "", "", "", "", "10400", "10400", "70"}});
+    facture.push_back({2020, {numero, "10400"}});
+    facture.push_back({2100, {numero, "HBFD008", "", "1", "0", "", "", "", "", "", "", "", ""}});
+    facture.push_back({3530, {numero, "ABC"}});
+  }
+  facture.push_back({3500, {""}});
+  Bloc bloc(facture);
+  const Appel appel = [&](void** z, unsigned* t) {
+    return NOX_ControleComplet(bloc.adresse(), bloc.taille(), z, t);
+  };
+  Reponse attendue;
+  avecEchec(-1, attendue, appel);
+  ASSERT_TRUE(attendue.remise) << attendue;
+  epuiser(
+      appel, attendue, 300, [] {},
+      [&] {
+        Reponse encore;
+        avecEchec(-1, encore, appel);
+        ASSERT_EQ(encore, attendue);
+      });
+}
+
+// What is read on first use is read again after a failure.
+TEST_F(Memoire, FirstUse) {
+  const Appel appels[] = {
+      consultation("CCAM_37", PHASE),
+      consultation("CCAM_16a", {{3010, {"HBFD008"}}}),
+      [](void** z, unsigned* t) { return NOX_RechercherParMotCle("molaire", 0, z, t); },
+  };
+  for (const Appel& appel : appels) {
+    SCOPED_TRACE(&appel - appels);
+    Reponse attendue;
+    avecEchec(-1, attendue, appel);
+    ASSERT_EQ(attendue.code, unsigned{NOX_CR_OK});
+    epuiser(
+        appel, attendue, 150, [&] { ASSERT_EQ(recharger(), NOX_CR_OK); },
+        [&] {
+          Reponse encore;
+          avecEchec(-1, encore, appel);
+          ASSERT_EQ(encore, attendue);
+        });
+  }
+}
+
+TEST_F(Memoire, ChangesCancellationsAndSaves) {
+  const struct {
+    const char* identifiant;
+    Zone changement;
+    const char* annulation;
+    Zone cle;
+  } cas[] = {
+      {"CCAM_37", {{3201, {"HBFD008", "1", "0", "11050"}}}, "CCAM_37", PHASE},
+      {"CCAM_42", {{3202, {"HHFA002", "1", "ADI"}}}, "CCAM_42", {{3011, {"HHFA002", "1"}}}},
+      {"CCAM_47a",
+       {{3203, {"973", "HBFD008", "1", "0", "1200"}}},
+       "CCAM_47a",
+       {{3013, {"973", "HBFD008", "1", "0"}}}},
+      {"TB02_1", {{3204, {"2", "600"}}}, "TB02_1", {{3014, {"2"}}}},
+      {"TB07_1", {{3205, {"972", "15000"}}}, "TB07_1", {{3017, {"972"}}}},
+      {"TB11_1", {{3206, {"M", "3000"}}}, "TB11", {{3015, {"M"}}}},
+      {"TB12_1", {{3208, {"1500"}}}, "TB12", {}},
+      {"TB13_1", {{3210, {"ZZ9", "Actes du cabinet"}}}, "TB13_1", {}},
+  };
+  const Reponse reussite{NOX_CR_OK, {}, false};
+  for (const auto& [identifiant, nouvelle, annulee, cle] : cas) {
+    SCOPED_TRACE(identifiant);
+    const std::string nomAnnulation = annulee;
+    const Zone& cleAnnulation = cle;
+    const Zone entree = nomAnnulation == "TB11" ? Zone{{3015, {"M"}}} : cle;
+    const Reponse avant = consulter(identifiant, DATE, entree);
+    epuiser(
+        changement(identifiant, nouvelle), reussite, 1000, [] {},
+        [&, id = identifiant] {
+          ASSERT_EQ(consulter(id, DATE, entree), avant);
+          ASSERT_EQ(annuler(nomAnnulation, cleAnnulation), NOX_CR_NON_MODIFIE);
+        });
+    const Reponse apres = consulter(identifiant, DATE, entree);
+    EXPECT_FALSE(apres == avant);
+
+    Reponse version;
+    epuiser([](void**, unsigned*) { return NOX_SauvegarderReferentiel("essai"); }, reussite, 1000,
+            [&] { version = lireVersion(); }, [&] { ASSERT_EQ(lireVersion(), version); });
+    epuiser(
+        annulation(annulee, cle), reussite, 1000, [] {},
+        [&, id = identifiant] { ASSERT_EQ(consulter(id, DATE, entree), apres); });
+    EXPECT_EQ(consulter(identifiant, DATE, entree), avant);
+  }
+}
+
+TEST_F(Memoire, StartUp) {
+  // With something to apply again.
+  ASSERT_EQ(modifier("TB07_1", DATE, {{3205, {"972", "15000"}}}), NOX_CR_OK);
+  ASSERT_EQ(modifier("TB11_1", DATE, {{3206, {"M", "3000"}}}), NOX_CR_OK);
+  ASSERT_EQ(NOX_SauvegarderReferentiel(nullptr), NOX_CR_OK);
+  const Reponse version = lireVersion();
+  Reponse reponse;
+  long n = 0;
+  for (; NOX_TermLIB(), avecEchec(n, reponse, [](void**, unsigned*) { return NOX_InitLIB(); });
+       n += n < 200 ? 1 : 1 + n / 40) {
+    SCOPED_TRACE(testing::Message() << "allocation " << n);
+    const bool chargee = reponse.code == NOX_CR_OK || reponse.code == NOX_CR_SUIVI_REPERTOIRE ||
+                         reponse.code == NOX_CR_SUIVI_ECRITURE;
+    if (!chargee) {
+      ASSERT_TRUE(diteMemoire(reponse.code));
+      ASSERT_EQ(lireVersion().code, unsigned{NOX_CR_NON_CHARGE});
+    }
+  }
+  EXPECT_EQ(reponse.code, unsigned{NOX_CR_OK});
+  EXPECT_EQ(lireVersion(), version);
+  essais_ = n;
+}
+
+TEST(BlocsDeZone, OutOfMemory) {
+#if !defined(__SANITIZE_ADDRESS__)
+  void* zone = &echec;
+  restantes = 0;
+  const unsigned code = NOX_AllouerZoneMem(&zone, 100);
+  restantes = -1;
+  EXPECT_EQ(code, unsigned{NOX_CR_MEMOIRE_ZONE});
+  EXPECT_EQ(zone, nullptr);
+#else
+  GTEST_SKIP() << "the sanitizer keeps malloc for itself";
+#endif
+}
+
+}  // namespace
