@@ -103,6 +103,19 @@ Reponse lireVersion() {
   return recevoir([](void** zone, unsigned* taille) { return NOX_LireVersion(zone, taille); });
 }
 
+Zone factureDentaire(const std::string& prix) {
+  std::vector<std::string> dents(17);
+  dents[0] = "1";
+  dents[1] = "16";
+  return {{1110, {"123456789", "01", "", "", "1", "18", "", "", "", "", "", "", "19800229"}},
+          {1511, {"N"}},
+          {1610, {"1", "20260302", "0", "END", "", "", "", "", "", "", prix, prix, "70"}},
+          {2020, {"1", prix}},
+          {2100, {"1", "HBFD008", "", "1", "0", "", "", "", "", "", "", "", ""}},
+          {2200, dents},
+          {3500, {""}}};
+}
+
 TraceEssai::TraceEssai(std::vector<unsigned short> modules)
     : fichier_(dossier_.fichier("trace.txt")), modules_(std::move(modules)) {
   for (const unsigned short module : modules_) {

@@ -56,6 +56,9 @@ Reponse rechercherMotCle(const std::string& motCle, unsigned long cadre = 0);
 Reponse rechercherFiltre(const std::string& filtre);
 Reponse lireVersion();
 
+// A dental act billed alone at `prix` (in cents), with nothing to reproach but that.
+Zone factureDentaire(const std::string& prix);
+
 // The trace of some modules, at the most detailed level, while it lives.
 class TraceEssai {
  public:

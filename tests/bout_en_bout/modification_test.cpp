@@ -228,4 +228,19 @@ TEST_F(Modification, Saving) {
   EXPECT_FALSE(trace.contient("\ncr = 0x0000\n"));
 }
 
+// The full check forces the lines whose prices were changed locally, and only while they are.
+TEST_F(Modification, LocalPricesMarkTheInvoice) {
+  const Reponse refusee = controlerComplet(factureDentaire("11050"));
+  EXPECT_EQ(refusee.code, unsigned{NOX_CR_CONTROLE_NIVEAU_1});
+  EXPECT_TRUE(refusee.remise);
+  EXPECT_EQ(controlerComplet(factureDentaire("10400")), (Reponse{NOX_CR_OK, {}, true}));
+
+  ASSERT_EQ(modifier("CCAM_37", EFFET, {{3201, {"HBFD008", "1", "0", "11050"}}}), NOX_CR_OK);
+  EXPECT_EQ(controlerComplet(factureDentaire("11050")), (Reponse{NOX_CR_OK, {{2000, {"00001", "R"}}}, true}));
+
+  ASSERT_EQ(annuler("CCAM_37", {{3012, {"HBFD008", "1", "0"}}}), NOX_CR_OK);
+  EXPECT_EQ(controlerComplet(factureDentaire("11050")), refusee);
+  EXPECT_EQ(controlerComplet(factureDentaire("10400")), (Reponse{NOX_CR_OK, {}, true}));
+}
+
 }  // namespace

@@ -177,4 +177,39 @@ TEST_F(Parametres, MalformedZones) {
             (Zone{{3116, {"O"}}}));
 }
 
+// Every cut and every changed byte of real requests: an answer or a code, never a byte read outside.
+TEST_F(Parametres, CutAndChangedZones) {
+  const std::string facture = ecrire(factureDentaire("10400"));
+  const std::string base = ecrire(
+      {{3400, {"1", "974"}},
+       {3420,
+        {"1", DATE, "HBFD008", "1", "0", "F", "", "", "", "", "0", "", "", "123456789", "01", "10400"}}});
+  const auto demander = [](const std::string& octets, bool complet) {
+    Bloc bloc(octets);
+    return recevoir([&](void** z, unsigned* t) {
+      return complet ? NOX_ControleComplet(bloc.adresse(), bloc.taille(), z, t)
+                     : NOX_AppliquerRegle("C_Base", bloc.adresse(), bloc.taille(), z, t);
+    });
+  };
+  unsigned refus = 0;
+  for (const bool complet : {true, false}) {
+    const std::string& octets = complet ? facture : base;
+    const Reponse entiere = demander(octets, complet);
+    ASSERT_EQ(entiere.code, unsigned{NOX_CR_OK});
+    for (std::size_t i = 0; i < octets.size(); ++i) {
+      SCOPED_TRACE(i);
+      // A rule may be asked of no line at all.
+      const bool sansLigne = !complet && i == ecrire({{3400, {"1", "974"}}}).size();
+      EXPECT_EQ(demander(octets.substr(0, i), complet).remise, sansLigne);
+      for (const unsigned masque : {0x01U, 0x80U, 0xFFU}) {
+        std::string abimee = octets;
+        abimee[i] = static_cast<char>(static_cast<unsigned char>(abimee[i]) ^ masque);
+        refus += demander(abimee, complet).remise ? 0U : 1U;
+      }
+    }
+    EXPECT_EQ(demander(octets, complet), entiere);
+  }
+  EXPECT_GT(refus, facture.size());
+}
+
 }  // namespace

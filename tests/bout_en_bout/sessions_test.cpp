@@ -108,6 +108,11 @@ TEST_F(Sessions, TheFirstCodeThatIsNotZeroIsAnswered) {
 }
 
 TEST_F(Sessions, FullCheckPassesItsAnswerOnWithTheErrorsFound) {
+  gestionnaire.entrees[5] = ecrire(factureDentaire("11050"));
+  EXPECT_EQ(NOX_ControleComplet_S(5), NOX_CR_CONTROLE_NIVEAU_1);
+  EXPECT_EQ(sortie(5), controlerComplet(factureDentaire("11050")).zone);
+  EXPECT_FALSE(sortie(5).empty());
+  gestionnaire.ecritures = 0;
   gestionnaire.codeLecture = NOX_CR_CONTROLE_NIVEAU_2;
   EXPECT_EQ(NOX_ControleComplet_S(1), NOX_CR_CONTROLE_NIVEAU_2);
   EXPECT_EQ(gestionnaire.ecritures, 1) << "the code alone decides, wherever it comes from";
