@@ -42,7 +42,7 @@ int Systeme::comparerIdentifiant(const char* gauche, const char* droite) {
   const auto minuscule = [](char c) {
     return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
   };
-  while (*gauche != '\0' && minuscule(*gauche) == minuscule(*droite)) {
+  while (*gauche != '\0' && (*gauche == *droite || minuscule(*gauche) == minuscule(*droite))) {
     ++gauche;
     ++droite;
   }

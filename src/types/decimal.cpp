@@ -1,8 +1,10 @@
 #include "types/decimal.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -13,7 +15,20 @@ namespace noxlux {
 
 namespace {
 
-double puissanceDeDix(std::size_t n) { return std::pow(10.0, static_cast<double>(n)); }
+double puissanceDeDix(std::size_t n) {
+  constexpr double PUISSANCES[] = {1.0, 10.0, 100.0, 1000.0, 10000.0};
+  return n < std::size(PUISSANCES) ? PUISSANCES[n] : std::pow(10.0, static_cast<double>(n));
+}
+
+// The digits of a whole value, as "%.0f" prints them.
+std::size_t ecrireEntier(double valeur, char* chiffres, std::size_t place) {
+  constexpr double ENTIER_EXACT = 9007199254740992.0;  // 2^53
+  if (valeur < ENTIER_EXACT) {
+    return static_cast<std::size_t>(
+        std::to_chars(chiffres, chiffres + place, static_cast<std::uint64_t>(valeur)).ptr - chiffres);
+  }
+  return static_cast<std::size_t>(std::snprintf(chiffres, place, "%.0f", valeur));
+}
 
 bool sontDesChiffres(const byte* champ, std::size_t longueur) {
   return std::all_of(champ, champ + longueur, [](byte b) { return b >= '0' && b <= '9'; });
@@ -49,7 +64,7 @@ std::unique_ptr<byte[]> Flottant::lireBytes(std::size_t& longueur, std::size_t d
   exiger(valeur_ >= 0, "valeur >= 0");
   const double unites = std::floor(valeur_ * puissanceDeDix(decimales) + PRECISION);
   char chiffres[std::numeric_limits<double>::max_exponent10 + 32];
-  const auto ecrits = static_cast<std::size_t>(std::snprintf(chiffres, sizeof chiffres, "%.0f", unites));
+  const std::size_t ecrits = ecrireEntier(unites, chiffres, sizeof chiffres);
   const std::size_t zeros = ecrits < decimales + 1 ? decimales + 1 - ecrits : 0;
   longueur = zeros + ecrits;
   std::unique_ptr<byte[]> octets(new byte[longueur]);
