@@ -98,6 +98,16 @@ CodeRetour Table::lireTable(Lecteur& lecteur) {
   return cr;
 }
 
+CodeRetour Table::lireDonnees(Lecteur& lecteur, std::uint32_t taille) {
+  const std::uint64_t fin = std::uint64_t{lecteur.positionCourante()} + taille;
+  const CodeRetour cr = lireTable(lecteur);
+  if (cr == NOX_CR_OK && lecteur.positionCourante() != fin) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : les lignes de la table ne font pas la taille annoncee");
+    return NOX_CR_LECTURE_REFERENCE;
+  }
+  return cr;
+}
+
 CodeRetour Table::ecrireTable(Ecrivain& ecrivain) const {
   const std::uint32_t nombre = lignes_->nombre();
   CodeRetour cr = ecrivain.ecrireEnteteTable(identifiant_, nombre);
@@ -128,20 +138,25 @@ CodeRetour Table::chargerTable(Referentiel* referentiel, std::FILE* fichier) {
   return cr;
 }
 
+// The data size stands just before the data.
 CodeRetour Table::chargerLignes(Referentiel* referentiel, std::FILE* fichier) {
-  if (std::fseek(fichier, position_, SEEK_SET) != 0) {
+  if (std::fseek(fichier, position_ - static_cast<long>(sizeof(std::uint32_t)), SEEK_SET) != 0) {
     Trace::erreur(TRACE_CHARGEMENT, "La position des données (%ld) n'est pas valide",
                   static_cast<long>(position_));
     return NOX_CR_DONNEE_ABSENTE;
   }
   Lecteur lecteur(referentiel, fichier);
-  if (!nombreLignesPlausible(numero_, nombreAnnonce_, lecteur.reste())) {
-    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : nombre de lignes superieur a ce que le fichier contient");
+  std::uint32_t taille = 0;
+  const CodeRetour cr = lecteur.lireUnsignedLong(taille);
+  if (cr != NOX_CR_OK || taille > lecteur.reste() ||
+      !nombreLignesPlausible(numero_, nombreAnnonce_, taille)) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : la table n'est plus telle que son entete l'annoncait");
     return NOX_CR_LECTURE_REFERENCE;
   }
   etat_ = ETAT_CHARGEE;
   creerLignesTable(nombreAnnonce_);
-  return etat_ == ETAT_ERREUR_ALLOCATION ? static_cast<CodeRetour>(NOX_CR_MEMOIRE) : lireTable(lecteur);
+  return etat_ == ETAT_ERREUR_ALLOCATION ? static_cast<CodeRetour>(NOX_CR_MEMOIRE)
+                                         : lireDonnees(lecteur, taille);
 }
 
 void Table::dechargerTable(std::uint32_t nombreLignes, std::int32_t position) {

@@ -78,6 +78,8 @@ class Table {
   std::vector<L>& lignes();
 
   CodeRetour lireTable(Lecteur& lecteur);
+  // The same, for lines that must take just that size: what follows is read from there.
+  CodeRetour lireDonnees(Lecteur& lecteur, std::uint32_t taille);
   CodeRetour ecrireTable(Ecrivain& ecrivain) const;
   // Loads a deferred table from the open tablebin.nox; a failure leaves it as it was. REQUIRES: not loaded.
   CodeRetour chargerTable(Referentiel* referentiel, std::FILE* fichier);
