@@ -9,8 +9,9 @@
  *     function reads and writes is told in docs/zones.md.
  *   - An input zone (zoneIn, tailleZoneIn bytes) stays the caller's; it is read in place, never kept.
  *   - An output zone is a new block of exactly *tailleZoneOut bytes, which the caller gives back with
- *     NOX_LibererZoneMem. On every failure *zoneOut is NULL and *tailleZoneOut is 0, except for the
- *     codes that are told to come with an answer.
+ *     NOX_LibererZoneMem; an answer without any group has a size of 0, and a block to give back all the same.
+ *     On every failure *zoneOut is NULL and *tailleZoneOut is 0, except for the codes that are told to come
+ *     with an answer.
  *   - The library is not thread-safe: one thread at a time, or a lock of the caller's around each call.
  */
 #ifndef NOXLUX_NOXLUX_H
