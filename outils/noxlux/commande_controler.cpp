@@ -23,14 +23,6 @@ struct OptionsControler {
   bool detail = false;
 };
 
-Json lireJson(const std::string& texte, const std::string& source) {
-  try {
-    return Json::parse(texte);
-  } catch (const Json::parse_error& faute) {
-    throw ErreurUsage(source + " : JSON mal formé, octet " + std::to_string(faute.byte));
-  }
-}
-
 std::unique_ptr<std::istream> ouvrir(const std::string& nom) {
   if (nom == "-") {
     return std::make_unique<std::istream>(std::cin.rdbuf());
@@ -101,7 +93,7 @@ void afficher(const Json& resultat) {
 int controlerUne(const OptionsControler& options) {
   const std::string nom = options.fichiers.empty() ? "-" : options.fichiers.front();
   const auto entree = ouvrir(nom);
-  const Json facture = lireJson({std::istreambuf_iterator<char>(*entree), {}}, nom);
+  const Json facture = lireFacture({std::istreambuf_iterator<char>(*entree), {}}, nom);
   const std::string zone = zoneDeFacture(facture);
   const Bibliotheque bibliotheque(options.reference);
   Json resultat = controlerFacture(zone);
@@ -125,7 +117,7 @@ struct Compte {
 
 Json repondre(const std::string& ligne, const OptionsControler& options, Compte& compte) {
   try {
-    const Json facture = lireJson(ligne, "$");
+    const Json facture = lireFacture(ligne, "$");
     Json resultat = controlerFacture(zoneDeFacture(facture));
     if (options.detail) {
       resultat["lignes"] = detaillerLignes(facture);

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <map>
 #include <span>
+#include <string_view>
 #include <tuple>
 
 #include "noxlux/erreurs.h"
@@ -36,7 +38,10 @@ constexpr std::array<std::pair<const char*, unsigned>, 4> NATURES = {
 constexpr std::array<std::pair<const char*, unsigned>, 2> DEPLACEMENTS = {
     {{"forfait", 1620}, {"kilometres", 1630}}};
 // Fields of the header that are the patient's.
-constexpr std::array CHAMPS_BENEFICIAIRE = {"numeroBeneficiaire", "dateNaissance"};
+constexpr std::array<std::string_view, 2> CHAMPS_BENEFICIAIRE = {"numeroBeneficiaire", "dateNaissance"};
+// Lists that the zone spreads over numbered fields: the field before its number, and the list.
+constexpr std::array<std::pair<std::string_view, const char*>, 2> LISTES_ETALEES = {
+    {{"modificateur", "modificateurs"}, {"dent", "dents"}}};
 
 [[noreturn]] void refuser(const std::string& chemin, const std::string& raison) {
   throw ErreurUsage(chemin + " : " + raison);
@@ -63,6 +68,34 @@ void controlerDate(const std::string& texte, const std::string& chemin) {
   if (!Date::estValide(reinterpret_cast<const byte*>(chiffres.data()), chiffres.size())) {
     refuser(chemin, "une date AAAA-MM-JJ du calendrier est attendue");
   }
+}
+
+// The number at the end of a spread field's name, 0 for any other name.
+std::size_t rangEtale(std::string_view nom, std::string_view prefixe) {
+  std::size_t rang = 0;
+  if (nom.starts_with(prefixe)) {
+    nom.remove_prefix(prefixe.size());
+    const auto [fin, faute] = std::from_chars(nom.data(), nom.data() + nom.size(), rang);
+    rang = faute == std::errc() && fin == nom.data() + nom.size() ? rang : 0;
+  }
+  return rang;
+}
+
+bool estEtale(std::string_view nom) {
+  return std::any_of(LISTES_ETALEES.begin(), LISTES_ETALEES.end(),
+                     [&](const auto& liste) { return rangEtale(nom, liste.first) != 0; });
+}
+
+// Where a field of a group stands in the invoice.
+std::string cheminDuChamp(const std::string& chemin, const std::string& nom) {
+  for (const auto& [prefixe, liste] : LISTES_ETALEES) {
+    if (const std::size_t rang = rangEtale(nom, prefixe); rang != 0) {
+      return chemin + "." + liste + "[" + std::to_string(rang - 1) + "]";
+    }
+  }
+  const bool beneficiaire =
+      std::find(CHAMPS_BENEFICIAIRE.begin(), CHAMPS_BENEFICIAIRE.end(), nom) != CHAMPS_BENEFICIAIRE.end();
+  return (beneficiaire ? "$.beneficiaire" : chemin) + "." + nom;
 }
 
 // What the JSON type of a value must be, by the type of its field.
@@ -94,12 +127,14 @@ void controlerType(const ChampDecrit& champ, const Json& valeur, const std::stri
 }
 
 void controlerOctets(const ChampDecrit& champ, const std::string& octets, const std::string& chemin) {
+  const auto caracteres = [](std::size_t n) {
+    return std::to_string(n) + (n > 1 ? " caractères" : " caractère");
+  };
   if (octets.size() < champ.min) {
-    refuser(chemin, octets.empty() ? "manque (" + champ.libelle + ")"
-                                   : std::to_string(champ.min) + " caractères au moins");
+    refuser(chemin, octets.empty() ? "manque (" + champ.libelle + ")" : caracteres(champ.min) + " au moins");
   }
   if (champ.max != 0 && octets.size() > champ.max) {
-    refuser(chemin, std::to_string(champ.max) + " caractères au plus");
+    refuser(chemin, caracteres(champ.max) + " au plus");
   }
   const auto refuse = [&](char c) {
     return champ.format == 'A' && !(c == ' ' || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'));
@@ -109,10 +144,15 @@ void controlerOctets(const ChampDecrit& champ, const std::string& octets, const 
   }
 }
 
-// A group whose values are already known to be of its fields.
+// A group, once every value is known to suit a field of it.
 std::string ecrireGroupe(const GroupeDecrit& decrit, const Json& valeurs, const std::string& chemin) {
+  for (const auto& [nom, valeur] : valeurs.items()) {
+    if (champNomme(decrit, nom) == nullptr) {
+      refuser(cheminDuChamp(chemin, nom), "champ inconnu");
+    }
+  }
   for (const ChampDecrit& champ : decrit.champs) {
-    const std::string place = chemin + "." + champ.nom;
+    const std::string place = cheminDuChamp(chemin, champ.nom);
     const auto valeur = valeurs.find(champ.nom);
     const bool donnee = valeur != valeurs.end() && !valeur->is_null();
     if (donnee) {
@@ -154,7 +194,7 @@ class LigneRangee {
               std::size_t numeroParDefaut)
       : chemin_(chemin), numero_(ligne.value("numero", Json(numeroParDefaut))) {
     for (const auto& [nom, valeur] : ligne.items()) {
-      if (nom != "numero" && !valeur.is_null()) {
+      if (nom != "numero") {
         ranger(nom, valeur, groupes);
       }
     }
@@ -174,10 +214,11 @@ class LigneRangee {
       refuser(chemin_ + "." + autres_.begin()->first, "champ inconnu");
     }
   }
-  std::string ecrire(unsigned numero) {
+  std::string ecrire(unsigned numero) { return ecrire(numero, chemin_); }
+  std::string ecrire(unsigned numero, const std::string& chemin) {
     Json valeurs = {{"numero", numero_}};
     valeurs.update(valeurs_.contains(numero) ? valeurs_[numero] : Json::object());
-    return ecrireGroupe(groupe(numero), valeurs, chemin_);
+    return ecrireGroupe(groupe(numero), valeurs, chemin);
   }
   std::string ecrireSiDonne(unsigned numero) { return contient(numero) ? ecrire(numero) : std::string(); }
   std::string ecrireOutrepassees(const Json& references) const {
@@ -196,7 +237,7 @@ class LigneRangee {
  private:
   void ranger(const std::string& nom, const Json& valeur, std::span<const unsigned> groupes) {
     for (const unsigned numero : groupes) {
-      if (champNomme(groupe(numero), nom) != nullptr) {
+      if (champNomme(groupe(numero), nom) != nullptr && !estEtale(nom)) {
         valeurs_[numero][nom] = valeur;
         return;
       }
@@ -241,8 +282,12 @@ std::string zoneLigne(const Json& json, const std::string& chemin, std::size_t& 
                                          GROUPE_LIEU,  GROUPE_BASE_AMO,    GROUPE_ACTE};
   exigerObjet(json, chemin);
   LigneRangee ligne(json, GROUPES, chemin, ++compte);
+  const std::string cheminExecutant = chemin + ".executant";
   if (const Json executant = ligne.prendre("executant"); !executant.is_null()) {
-    ligne.valeurs(GROUPE_EXECUTANT) = exigerObjet(executant, chemin + ".executant");
+    if (exigerObjet(executant, cheminExecutant).contains("numero")) {
+      refuser(cheminExecutant + ".numero", "champ inconnu");
+    }
+    ligne.valeurs(GROUPE_EXECUTANT) = executant;
   }
   if (const Json modificateurs = ligne.prendre("modificateurs"); !modificateurs.is_null()) {
     etaler(modificateurs, "modificateur", 4, ligne.valeurs(GROUPE_ACTE), chemin + ".modificateurs");
@@ -255,8 +300,11 @@ std::string zoneLigne(const Json& json, const std::string& chemin, std::size_t& 
   ligne.exigerToutPris();
 
   std::string zone = ligne.ecrire(GROUPE_LIGNE);
-  for (const unsigned numero : {GROUPE_EXONERATION, GROUPE_ENTENTE, GROUPE_EXECUTANT, GROUPE_LIEU,
-                                GROUPE_BASE_AMO, GROUPE_ACTE, GROUPE_DENTS}) {
+  zone += ligne.ecrireSiDonne(GROUPE_EXONERATION) + ligne.ecrireSiDonne(GROUPE_ENTENTE);
+  if (ligne.contient(GROUPE_EXECUTANT)) {
+    zone += ligne.ecrire(GROUPE_EXECUTANT, cheminExecutant);
+  }
+  for (const unsigned numero : {GROUPE_LIEU, GROUPE_BASE_AMO, GROUPE_ACTE, GROUPE_DENTS}) {
     zone += ligne.ecrireSiDonne(numero);
   }
   zone += ligne.ecrireOutrepassees(outrepassees);
@@ -269,7 +317,7 @@ std::string zoneLigne(const Json& json, const std::string& chemin, std::size_t& 
   return zone;
 }
 
-void exigerCles(const Json& objet, std::span<const char* const> connues, const std::string& chemin) {
+void exigerCles(const Json& objet, std::span<const std::string_view> connues, const std::string& chemin) {
   for (const auto& [nom, valeur] : objet.items()) {
     if (std::find(connues.begin(), connues.end(), nom) == connues.end()) {
       refuser(chemin + "." + nom, "champ inconnu");
@@ -281,9 +329,9 @@ std::string zoneEntete(const Json& facture) {
   const Json professionnel = exigerObjet(facture.value("professionnel", Json()), "$.professionnel");
   const Json beneficiaire = exigerObjet(facture.value("beneficiaire", Json()), "$.beneficiaire");
   exigerCles(beneficiaire, CHAMPS_BENEFICIAIRE, "$.beneficiaire");
-  for (const char* champ : CHAMPS_BENEFICIAIRE) {
+  for (const std::string_view champ : CHAMPS_BENEFICIAIRE) {
     if (professionnel.contains(champ)) {
-      refuser(std::string("$.professionnel.") + champ, "se donne dans $.beneficiaire");
+      refuser("$.professionnel." + std::string(champ), "se donne dans $.beneficiaire");
     }
   }
   if (!beneficiaire.contains("dateNaissance")) {
@@ -294,11 +342,43 @@ std::string zoneEntete(const Json& facture) {
   return ecrireGroupe(groupe(GROUPE_ENTETE), entete, "$.professionnel");
 }
 
+// A member that is null is one that was not given. A list keeps its nulls: they are no elements of it.
+void oterNuls(Json& valeur) {
+  if (valeur.is_object()) {
+    for (auto membre = valeur.begin(); membre != valeur.end();) {
+      membre = membre->is_null() ? valeur.erase(membre) : std::next(membre);
+    }
+  }
+  if (valeur.is_structured()) {
+    for (Json& element : valeur) {
+      oterNuls(element);
+    }
+  }
+}
+
 }  // namespace
 
+Json lireFacture(const std::string& texte, const std::string& source) {
+  // What an invoice needs, with room; deeper values would only exhaust the stack.
+  constexpr int PROFONDEUR_MAX = 32;
+  const auto filtre = [&](int profondeur, Json::parse_event_t, const Json&) {
+    if (profondeur > PROFONDEUR_MAX) {
+      throw ErreurUsage(source + " : JSON trop imbriqué");
+    }
+    return true;
+  };
+  try {
+    Json facture = Json::parse(texte, filtre);
+    oterNuls(facture);
+    return facture;
+  } catch (const Json::parse_error& faute) {
+    throw ErreurUsage(source + " : JSON mal formé, octet " + std::to_string(faute.byte));
+  }
+}
+
 std::string zoneDeFacture(const Json& facture) {
-  static constexpr std::array CLES = {"professionnel",   "beneficiaire", "remplacant",
-                                      "natureAssurance", "lignes",       "caissePS"};
+  static constexpr std::array<std::string_view, 6> CLES = {"professionnel",   "beneficiaire", "remplacant",
+                                                           "natureAssurance", "lignes",       "caissePS"};
   exigerObjet(facture, "$");
   exigerCles(facture, CLES, "$");
   std::string zone = zoneEntete(facture);

@@ -13,6 +13,9 @@
 
 namespace noxlux::commande {
 
+// An invoice out of its text; `source` names the text in messages. Throws ErreurUsage when it is no JSON.
+Json lireFacture(const std::string& texte, const std::string& source);
+
 // The input zone of an invoice. Throws ErreurUsage with the JSON path of the first fault.
 std::string zoneDeFacture(const Json& facture);
 
