@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all demo test test-release test-release32 test-assaini bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini bench format propre paquets release release32
 
 all: release release32
 
@@ -17,6 +17,12 @@ release: paquets
 release32: paquets
 	@$(call CONFIGURER,release32) -DNOXLUX_TESTS=OFF
 	@cmake --build build/release32 -j $(TACHES)
+
+install: release
+	@cmake --install build/release
+
+package: release
+	@cd build/release && cpack
 
 demo: release
 	@packaging/demo build/release
