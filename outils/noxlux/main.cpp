@@ -2,6 +2,7 @@
 #include <CLI/CLI.hpp>
 #include <exception>
 #include <iostream>
+#include <string>
 
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
@@ -20,16 +21,30 @@ void franciser(CLI::App& application) {
   application.get_formatter()->label("Usage", "Usage");
   application.get_formatter()->label("SUBCOMMAND", "COMMANDE");
   application.get_formatter()->label("SUBCOMMANDS", "COMMANDES");
-  application.get_formatter()->label("Subcommands", "Commandes");
   application.get_formatter()->label("TEXT", "TEXTE");
   application.get_formatter()->column_width(34);
+}
+
+// What CLI11 says in English of the commonest faults, in French.
+std::string enFrancais(const CLI::ParseError& erreur) {
+  const std::string texte = erreur.what();
+  if (dynamic_cast<const CLI::ExtrasError*>(&erreur) != nullptr) {
+    const std::size_t deuxPoints = texte.rfind(": ");
+    return "argument inattendu : " + texte.substr(deuxPoints == std::string::npos ? 0 : deuxPoints + 2);
+  }
+  const std::size_t requis = texte.find(" is required");
+  if (requis == std::string::npos) {
+    return texte;
+  }
+  const std::string quoi = texte.substr(0, requis);
+  return quoi == "A subcommand" ? "il faut une commande" : "il manque " + quoi;
 }
 
 int erreurDeSyntaxe(const CLI::App& application, const CLI::ParseError& erreur) {
   if (erreur.get_exit_code() == 0) {
     return application.exit(erreur);
   }
-  std::cerr << "noxlux : " << erreur.what() << "\nVoir « noxlux --help ».\n";
+  std::cerr << "noxlux : " << enFrancais(erreur) << "\nVoir « noxlux --help ».\n";
   return STATUT_MAUVAIS_USAGE;
 }
 
@@ -51,6 +66,9 @@ int main(int argc, char** argv) {
   enregistrerModifier(application);
   enregistrerAnnuler(application);
   enregistrerZone(application);
+  for (CLI::App* const commande : application.get_subcommands({})) {
+    commande->group("Commandes");
+  }
   try {
     application.parse(argc, argv);
   } catch (const CLI::ParseError& erreur) {

@@ -18,18 +18,18 @@ Resultat lancer(const Repertoire& dossier, const std::string& arguments) {
   const fs::path commande = fs::read_symlink("/proc/self/exe").parent_path() / "noxlux";
   const fs::path sortie = dossier.chemin() / "sortie.txt";
   const fs::path erreurs = dossier.chemin() / "erreurs.txt";
-  const int etat = std::system(("'" + commande.string() + "' " + arguments + " >'" + sortie.string() +
-                                "' 2>'" + erreurs.string() + "'")
-                                   .c_str());
+  const std::string ligne =
+      phrase("'", commande.string(), "' ", arguments, " >'", sortie.string(), "' 2>'", erreurs.string(), "'");
+  const int etat = std::system(ligne.c_str());
   return {WIFEXITED(etat) ? WEXITSTATUS(etat) : -1, lireOctets(sortie), lireOctets(erreurs)};
 }
 
 TEST(Commande, CompileEtListe) {
   const Repertoire dossier;
   const std::string socleEtExemple =
-      (depot() / "reference/exemple").string() + " --socle " + (depot() / "reference/socle").string();
+      phrase((depot() / "reference/exemple").string(), " --socle ", (depot() / "reference/socle").string());
   const std::string produit = (dossier.chemin() / "produit").string();
-  const Resultat compile = lancer(dossier, "compiler " + socleEtExemple + " -o " + produit);
+  const Resultat compile = lancer(dossier, phrase("compiler ", socleEtExemple, " -o ", produit));
   EXPECT_EQ(compile.statut, 0) << compile.erreurs;
   EXPECT_NE(compile.sortie.find("actes"), std::string::npos);
   EXPECT_EQ(compile.erreurs, "");
@@ -48,7 +48,7 @@ TEST(Commande, CompileEtListe) {
       {" 026 trop", 2, "trop"},
   };
   for (const auto& c : cas) {
-    const Resultat liste = lancer(dossier, "lister " + produit + c.sujet);
+    const Resultat liste = lancer(dossier, phrase("lister ", produit, c.sujet));
     EXPECT_EQ(liste.statut, c.statut) << c.sujet << liste.erreurs;
     EXPECT_NE((c.statut == 0 ? liste.sortie : liste.erreurs).find(c.fragment), std::string::npos) << c.sujet;
   }
@@ -58,8 +58,8 @@ TEST(Commande, RefuseAvecLeStatut2) {
   const Repertoire dossier;
   const std::string faux = dossier.ecrire("faux.toml", "[[menu]]\ncode = \"un\"\n").string();
   const std::string produit = (dossier.chemin() / "produit").string();
-  const Resultat refus = lancer(
-      dossier, "compiler " + faux + " --socle " + (depot() / "reference/socle").string() + " -o " + produit);
+  const Resultat refus = lancer(dossier, phrase("compiler ", faux, " --socle ",
+                                                (depot() / "reference/socle").string(), " -o ", produit));
   EXPECT_EQ(refus.statut, 2);
   EXPECT_EQ(refus.sortie, "");
   EXPECT_NE(refus.erreurs.find(faux + ":2: "), std::string::npos) << refus.erreurs;

@@ -103,8 +103,8 @@ TEST(Fautes, SontDitesAvecLeurPlace) {
     const std::string texte = remplacer(NOMENCLATURE, cas.ancien, cas.nouveau);
     const Repertoire sortie;
     const std::vector<std::string> fautes = compilerTexte(texte, sortie.chemin());
-    const std::string place =
-        "essai.toml:" + std::to_string(ligneDe(texte, cas.lieu == nullptr ? cas.nouveau : cas.lieu)) + ": ";
+    const std::string place = phrase(
+        "essai.toml:", std::to_string(ligneDe(texte, cas.lieu == nullptr ? cas.nouveau : cas.lieu)), ": ");
     const bool dite = std::any_of(fautes.begin(), fautes.end(), [&](const std::string& faute) {
       return faute.starts_with(place) && faute.find(cas.fragment) != std::string::npos;
     });
