@@ -194,7 +194,7 @@ TEST(ControleComplet, supporteTouteZone) {
                dents(1, {"11"}), complement(3530, 1, {"R850"}), trajet(1620, 2), trajet(1630, 3)}));
   unsigned refusees = 0;
   for (std::size_t taille = 1; taille < entiere.size(); ++taille) {
-    refusees += controler(entiere.substr(0, taille)).code != 0 ? 1 : 0;
+    refusees += controler(entiere.substr(0, taille)).code != 0 ? 1U : 0U;
   }
   EXPECT_EQ(refusees, entiere.size() - 1);
   for (std::size_t i = 0; i < entiere.size(); ++i) {

@@ -276,7 +276,7 @@ TEST(FonctionsAppliquer, dents) {
       {"", "C_Dent", {ligne, dents("7", {"16", "11", "26"})}, 0, {reponse({"O", "N", "O"})}},
       {"aucune", "C_Dent", {ligne, dents("7", {})}, 0, {reponse({})}},
       {"autre ligne", "C_Dent", {ligne, dents("8", {"16"})}, 0xE001, {}},
-      {"groupe de trop", "C_Dent", {ligne, dents("7", {}), dents("7", {})}, 0xB000 + 2200, {}},
+      {"groupe de trop", "C_Dent", {ligne, dents("7", {}), dents("7", {})}, 0xA003, {}},
   });
 }
 
@@ -354,7 +354,7 @@ TEST(FonctionsAppliquer, exonerationDeLaFacture) {
        {etat("4"), debrayee(1), exoneration(2, "070", "0"), exoneration(3, "070", "0")}},
       {"790C débrayée",
        "C_ExoFacture",
-       {metropole, acte(1, "6000"), outrepassee(1, "R786"), autre(3462, 2), acte(3, "6000")},
+       {metropole, acte(1, "6000"), outrepassee(1, "R793"), autre(3462, 2), acte(3, "6000")},
        0,
        {etat("2"), exoneration(1, "070", "0"), exoneration(2, "070", "0"), exoneration(3, "100", "C")}},
       {"trajet un autre jour",
