@@ -37,7 +37,7 @@ struct AssociationCCAM {
   std::vector<LigneCCAM*> lignes;    // not owned
   std::optional<Code> typeAssociation;
   bool topDebrayage = false;
-  ListeCodes referencesPropagees;  // references whose dependent rules every line already holds
+  EtatDepot depot;
 };
 
 }  // namespace noxlux

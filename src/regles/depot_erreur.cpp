@@ -1,6 +1,8 @@
 #include "regles/depot_erreur.h"
 
 #include "basics/trace.h"
+#include "regles/association_ccam.h"
+#include "regles/seance.h"
 
 namespace noxlux {
 
@@ -25,6 +27,16 @@ CodeRetour CombinaisonForcage::combiner(LigneActe& ligne) {
 CodeRetour exclureRegles(LigneActe& ligne, const ListeCodes& regles) {
   if (!ligne.reglesNonVerifiables.has_value()) {
     ligne.reglesNonVerifiables.emplace();
+  }
+  if (LigneCCAM* const ligneCCAM = enLigneCCAM(&ligne); ligneCCAM != nullptr) {
+    for (const Code& reference : regles) {
+      if (ligneCCAM->association != nullptr) {
+        ligneCCAM->association->depot.exclues.emplace(reference.vue());
+      }
+      if (ligneCCAM->seance != nullptr) {
+        ligneCCAM->seance->depot.exclues.emplace(reference.vue());
+      }
+    }
   }
   return ligne.reglesNonVerifiables->unionListe(regles);
 }

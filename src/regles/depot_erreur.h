@@ -25,7 +25,7 @@ class CombinaisonForcage {
   Code resultat_;
 };
 
-// Appends the rules to those that may no longer be checked on the line.
+// Appends the rules to those that may no longer be checked on the line, and on what holds it.
 CodeRetour exclureRegles(LigneActe& ligne, const ListeCodes& regles);
 
 // Draws the consequences of an error on every line of a group (association, séance); `annoncer` traces the
@@ -47,7 +47,7 @@ CodeRetour deposerSurGroupe(Groupe& groupe, const Erreur& erreur, Regles& regles
       }
     }
   }
-  if (groupe.referencesPropagees.contient(erreur.lireReference())) {
+  if (groupe.depot.propagees.contains(erreur.lireReference().vue())) {
     return NOX_CR_OK;
   }
   ListeCodes exclues;
@@ -57,7 +57,10 @@ CodeRetour deposerSurGroupe(Groupe& groupe, const Erreur& erreur, Regles& regles
       cr = exclureRegles(*ligne, exclues);
     }
   }
-  return cr != NOX_CR_OK ? cr : groupe.referencesPropagees.ajouterElement(erreur.lireReference());
+  if (cr == NOX_CR_OK) {
+    groupe.depot.propagees.emplace(erreur.lireReference().vue());
+  }
+  return cr;
 }
 
 // Empties an error when its filing ends, however it ends.

@@ -2,6 +2,10 @@
 #ifndef NOXLUX_REGLES_LIGNE_CCAM_H
 #define NOXLUX_REGLES_LIGNE_CCAM_H
 
+#include <functional>
+#include <set>
+#include <string>
+
 #include "regles/ligne_acte.h"
 #include "types/booleen.h"
 
@@ -9,6 +13,14 @@ namespace noxlux {
 
 struct AssociationCCAM;
 struct Seance;
+
+using References = std::set<std::string, std::less<>>;
+
+// What the errors filed since a group was made left on it.
+struct EtatDepot {
+  References exclues;    // what one of the lines at least excludes from checking
+  References propagees;  // errors whose dependent rules every line already excludes
+};
 
 struct LigneCCAM final : LigneActe {
   LigneCCAM() : LigneActe(Type::CCAM) {}

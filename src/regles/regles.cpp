@@ -1,7 +1,5 @@
 #include "regles/regles.h"
 
-#include <algorithm>
-
 #include "basics/trace.h"
 #include "regles/association_ccam.h"
 #include "regles/seance.h"
@@ -59,20 +57,6 @@ CodeRetour Regles::demanderVerifiable(const Code& regle, bool& verifiable, Exclu
   return cr;
 }
 
-namespace {
-
-bool exclut(const LigneActe& ligne, const Code& reference) {
-  return ligne.reglesNonVerifiables.has_value() && ligne.reglesNonVerifiables->contient(reference);
-}
-
-template <class Lignes>
-bool uneLigneExclut(const Lignes& lignes, const Code& reference) {
-  return std::any_of(lignes.begin(), lignes.end(),
-                     [&](const auto* ligne) { return exclut(*ligne, reference); });
-}
-
-}  // namespace
-
 CodeRetour Regles::estVerifiable(const Code& regle, const ListeCodes& reglesNonVerifiables,
                                  bool& verifiable) {
   return demanderVerifiable(regle, verifiable,
@@ -80,19 +64,21 @@ CodeRetour Regles::estVerifiable(const Code& regle, const ListeCodes& reglesNonV
 }
 
 CodeRetour Regles::estVerifiable(const Code& regle, const LigneActe& ligne, bool& verifiable) {
-  return demanderVerifiable(regle, verifiable,
-                            [&](const Code& reference) { return exclut(ligne, reference); });
+  return demanderVerifiable(regle, verifiable, [&](const Code& reference) {
+    return ligne.reglesNonVerifiables.has_value() && ligne.reglesNonVerifiables->contient(reference);
+  });
 }
 
 CodeRetour Regles::estVerifiable(const Code& regle, const AssociationCCAM& association, bool& verifiable) {
   return demanderVerifiable(regle, verifiable, [&](const Code& reference) {
-    return uneLigneExclut(association.lignes, reference);
+    return association.depot.exclues.contains(reference.vue());
   });
 }
 
 CodeRetour Regles::estVerifiable(const Code& regle, const Seance& seance, bool& verifiable) {
-  return demanderVerifiable(regle, verifiable,
-                            [&](const Code& reference) { return uneLigneExclut(seance.lignes, reference); });
+  return demanderVerifiable(regle, verifiable, [&](const Code& reference) {
+    return seance.depot.exclues.contains(reference.vue());
+  });
 }
 
 CodeRetour Regles::estIndicateurPrioritaire(const Code& a, const Code& b, bool& resultat) {

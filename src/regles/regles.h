@@ -28,7 +28,7 @@ class Regles {
                                 ArgumentsLibelle arguments = {});
 
   // Whether the rule may still be checked: its reference is not in the list; in the list of no line of the
-  // association or of the séance.
+  // association or of the séance, as errors filed since the grouping left them.
   CodeRetour estVerifiable(const Code& regle, const ListeCodes& reglesNonVerifiables, bool& verifiable);
   CodeRetour estVerifiable(const Code& regle, const LigneActe& ligne, bool& verifiable);
   CodeRetour estVerifiable(const Code& regle, const AssociationCCAM& association, bool& verifiable);

@@ -27,7 +27,7 @@ struct Seance {
   bool topDebrayage = false;
   // The bases that count towards the exemption threshold, once they have been added up.
   mutable std::optional<Montant> sommeHorsForfait;
-  ListeCodes referencesPropagees;  // references whose dependent rules every line already holds
+  EtatDepot depot;
 };
 
 }  // namespace noxlux

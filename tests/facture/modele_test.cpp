@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "catalogue_essai.h"
+#include "regles/depot_erreur.h"
 
 namespace noxlux {
 namespace {
@@ -212,7 +213,9 @@ TEST_F(Depot, surUneSeance) {
   bool verifiable = false;
   EXPECT_EQ(regles.estVerifiable(Code("PROD650"), facture.seances[0], verifiable), NOX_CR_OK);
   EXPECT_TRUE(verifiable);
-  ligne(4).reglesNonVerifiables->ajouterElement(Code("R650"));
+  ListeCodes r650;
+  ASSERT_EQ(r650.ajouterElement(Code("R650")), NOX_CR_OK);
+  ASSERT_EQ(exclureRegles(ligne(4), r650), NOX_CR_OK);
   EXPECT_EQ(regles.estVerifiable(Code("PROD650"), facture.seances[0], verifiable), NOX_CR_OK);
   EXPECT_FALSE(verifiable);
   EXPECT_EQ(regles.estVerifiable(Code("PROD650"), facture.seances[1], verifiable), NOX_CR_OK);
