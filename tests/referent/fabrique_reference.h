@@ -21,6 +21,8 @@ namespace essai {
 
 using Octets = std::vector<unsigned char>;
 
+constexpr unsigned short TABLES_DIFFEREES[] = {30, 31, 58};
+
 // A directory of its own, gone with what it holds. Its name ends with "/".
 class Repertoire {
  public:

@@ -1,0 +1,308 @@
+// Saving the modifications: the files seen at the end, and what is left when an operation on a file fails or
+// the process dies at it. The operations of the C library are replaced here, to fail or die on demand.
+#include <dlfcn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <map>
+
+#include "referent/fabrique_reference.h"
+
+namespace {
+
+enum class Panne { Aucune, Unique, Durable, Mort };
+
+struct Plan {
+  Panne panne = Panne::Aucune;
+  int restantes = 0;  // operations until the fault
+  int erreur = EIO;
+  const char* seule = nullptr;  // counts only this operation
+  bool survenue = false;
+};
+Plan plan;
+
+// Whether the operation at hand must fail.
+bool echoue(const char* operation) {
+  if (plan.panne == Panne::Aucune || (plan.seule != nullptr && std::string(plan.seule) != operation) ||
+      (plan.survenue && plan.panne == Panne::Unique) || (!plan.survenue && plan.restantes-- > 0)) {
+    return false;
+  }
+  plan.survenue = true;
+  errno = plan.erreur;
+  return true;
+}
+
+bool echoueOuMeurt(const char* operation) {
+  const bool oui = echoue(operation);
+  if (oui && plan.panne == Panne::Mort) {
+    _exit(9);
+  }
+  return oui;
+}
+
+template <class F>
+F* veritable(F* /*fonction*/, const char* nom) {
+  return reinterpret_cast<F*>(dlsym(RTLD_NEXT, nom));
+}
+
+#ifdef __USE_FILE_OFFSET64
+constexpr const char* FOPEN = "fopen64";
+#else
+constexpr const char* FOPEN = "fopen";
+#endif
+
+}  // namespace
+
+extern "C" {
+
+FILE* fopen(const char* nom, const char* mode) {
+  static const auto reelle = veritable(&fopen, FOPEN);
+  return echoueOuMeurt("fopen") ? nullptr : reelle(nom, mode);
+}
+// A process that dies while it writes leaves half of it.
+size_t fwrite(const void* octets, size_t taille, size_t nombre, FILE* fichier) {
+  static const auto reelle = veritable(&fwrite, "fwrite");
+  if (!echoue("fwrite")) {
+    return reelle(octets, taille, nombre, fichier);
+  }
+  if (plan.panne == Panne::Mort) {
+    plan = {};
+    reelle(octets, taille, nombre / 2, fichier);
+    fflush(fichier);
+    _exit(9);
+  }
+  return 0;
+}
+int fflush(FILE* fichier) {
+  static const auto reelle = veritable(&fflush, "fflush");
+  return echoueOuMeurt("fflush") ? EOF : reelle(fichier);
+}
+int fclose(FILE* fichier) {
+  static const auto reelle = veritable(&fclose, "fclose");
+  const bool panne = echoueOuMeurt("fclose");
+  const int erreur = errno;
+  const int resultat = reelle(fichier);
+  errno = panne ? erreur : errno;
+  return panne ? EOF : resultat;
+}
+int fsync(int descripteur) {
+  static const auto reelle = veritable(&fsync, "fsync");
+  return echoueOuMeurt("fsync") ? -1 : reelle(descripteur);
+}
+int remove(const char* nom) noexcept {
+  static const auto reelle = veritable(&remove, "remove");
+  return echoueOuMeurt("remove") ? -1 : reelle(nom);
+}
+int rename(const char* ancien, const char* nouveau) noexcept {
+  static const auto reelle = veritable(&rename, "rename");
+  return echoueOuMeurt("rename") ? -1 : reelle(ancien, nouveau);
+}
+}
+
+using namespace noxlux;
+using namespace essai;
+
+namespace {
+
+using Fichiers = std::map<std::string, Octets>;
+
+class Sauvegarde : public testing::Test {
+ protected:
+  void SetUp() override {
+    Reference().ecrire(repertoire_);
+    ASSERT_EQ(charger(referentiel_, repertoire_), 0);
+    modifier(1);
+    ASSERT_EQ(referentiel_.sauvegarderModifications(), 0);
+    versions_.push_back(repertoire_.lire("modifref.nox"));
+    modifier(2);
+    ASSERT_EQ(referentiel_.sauvegarderModifications(), 0);
+    versions_.push_back(repertoire_.lire("modifref.nox"));
+    modifier(3);
+    ASSERT_EQ(referentiel_.sauvegarderModifications(), 0);
+    versions_.push_back(repertoire_.lire("modifref.nox"));
+  }
+  void TearDown() override { plan = {}; }
+
+  void modifier(std::uint16_t revision) {
+    referentiel_.entete.numeroRevision = revision;
+    referentiel_.lignes<ModificationSeuil>().push_back({1, {2026, 1, 1}, 120.0 + revision});
+  }
+  // The modification files, by name.
+  Fichiers photographier() const {
+    Fichiers fichiers;
+    for (const char* nom : {"modifref.nox", "modif~.nox", "modif~.sav", "modiftmp.nox"}) {
+      if (repertoire_.contient(nom)) {
+        fichiers[nom] = repertoire_.lire(nom);
+      }
+    }
+    return fichiers;
+  }
+  void retablir(const Fichiers& fichiers) const {
+    for (const auto& [nom, octets] : photographier()) {
+      std::filesystem::remove(repertoire_.chemin(nom.c_str()));
+    }
+    for (const auto& [nom, octets] : fichiers) {
+      repertoire_.ecrire(nom.c_str(), octets);
+    }
+  }
+  // The states a save may start from, the version in memory being the third.
+  std::vector<Fichiers> departs() const {
+    const Octets coupe(versions_[2].begin(), versions_[2].begin() + 100);
+    return {{},
+            {{"modifref.nox", versions_[1]}},
+            {{"modifref.nox", versions_[1]}, {"modif~.nox", versions_[0]}},
+            {{"modif~.nox", versions_[1]}, {"modiftmp.nox", coupe}},
+            {{"modifref.nox", versions_[1]}, {"modif~.sav", versions_[0]}, {"modiftmp.nox", coupe}}};
+  }
+  CodeRetour sauver(Panne panne, int rang, const char* seule = nullptr, int erreur = EIO) {
+    plan = {panne, rang, erreur, seule, false};
+    const CodeRetour cr = referentiel_.sauvegarderModifications();
+    survenue_ = plan.survenue;
+    plan = {};
+    return cr;
+  }
+  // Whether one of the two files loads with the version before or the new one.
+  bool versionSaine() const {
+    for (const char* nom : {"modifref.nox", "modif~.nox"}) {
+      const Octets octets = repertoire_.contient(nom) ? repertoire_.lire(nom) : Octets();
+      if (octets == versions_[1] || octets == versions_[2]) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  Repertoire repertoire_;
+  Referentiel referentiel_;
+  std::vector<Octets> versions_;  // what three saves in a row wrote
+  bool survenue_ = false;
+};
+
+TEST_F(Sauvegarde, fichiersVusALaFin) {
+  EXPECT_EQ(photographier(), (Fichiers{{"modifref.nox", versions_[2]}, {"modif~.nox", versions_[1]}}));
+  retablir({});
+  ASSERT_EQ(referentiel_.sauvegarderModifications(), 0);
+  EXPECT_EQ(photographier(), (Fichiers{{"modifref.nox", versions_[2]}}));
+  Date aujourdHui;
+  Referentiel::lireDateSysteme(aujourdHui);
+  Referentiel relu;
+  ASSERT_EQ(charger(relu, repertoire_), 0);
+  EXPECT_EQ(relu.entete.dateModification, aujourdHui.lireBrute());
+  EXPECT_EQ(relu.entete.numeroRevision, 3);
+  ASSERT_EQ(relu.lignes<ModificationSeuil>().size(), 3U);
+  EXPECT_EQ(relu.lignes<ModificationSeuil>()[1].valeur, 122.0);
+}
+
+TEST_F(Sauvegarde, entete) {
+  referentiel_.entete.commentaire = std::string(199, 'c') + "\r";
+  referentiel_.entete.dateModification = {};
+  ASSERT_EQ(referentiel_.sauvegarderModifications(), 0);
+  const Octets octets = repertoire_.lire("modifref.nox");
+  const std::string entete(octets.begin() + 4, octets.begin() + 263);
+  char date[16];
+  std::snprintf(date, sizeof date, "%04u%02u%02u", referentiel_.entete.dateModification.annee,
+                referentiel_.entete.dateModification.mois, referentiel_.entete.dateModification.jour);
+  EXPECT_EQ(entete, " modifref.nox 0121 V0810 " + std::string(date) + " 0000 00003 ESSAI      " +
+                        std::string(199, 'c') + " \r\n\x1A");
+  std::string tables;
+  for (const TableFichier& table : listerTables(octets)) {
+    tables += table.identifiant + " ";
+  }
+  EXPECT_EQ(tables, "035 036 037 038 039 040 041 042 043 ");
+  Referentiel relu;
+  EXPECT_EQ(charger(relu, repertoire_), 0) << "a carriage return does not cut the comment";
+}
+
+TEST_F(Sauvegarde, unePanneRendLeRepertoireTelQuIlEtait) {
+  int essais = 0;
+  for (const Fichiers& depart : departs()) {
+    survenue_ = true;
+    for (int rang = 0; survenue_; ++rang, ++essais) {
+      retablir(depart);
+      const CodeRetour cr = sauver(Panne::Unique, rang);
+      const Fichiers fin = photographier();
+      if (cr == 0) {
+        EXPECT_EQ(fin.at("modifref.nox"), versions_[2]) << "operation " << rang;
+        continue;
+      }
+      ASSERT_EQ(cr, 0xD700);
+      Fichiers attendu = depart;
+      for (const char* reste : {"modiftmp.nox", "modif~.sav"}) {
+        if (!fin.contains(reste)) {
+          attendu.erase(reste);  // left by another process: cleared away, or not reached
+        }
+      }
+      ASSERT_EQ(fin, attendu) << "operation " << rang;
+      ASSERT_EQ(referentiel_.lignes<ModificationSeuil>().size(), 3U);
+    }
+  }
+  EXPECT_GT(essais, 200);
+}
+
+TEST_F(Sauvegarde, unePanneDurableLaisseUneVersionSaine) {
+  for (const Fichiers& depart : departs()) {
+    survenue_ = true;
+    for (int rang = 0; survenue_; ++rang) {
+      retablir(depart);
+      sauver(Panne::Durable, rang);
+      ASSERT_TRUE(depart.empty() || versionSaine()) << "operation " << rang;
+    }
+  }
+}
+
+TEST_F(Sauvegarde, uneMortLaisseUneVersionSaine) {
+  for (const Fichiers& depart : departs()) {
+    int sortie = 9;
+    for (int rang = 0; sortie == 9; ++rang) {
+      retablir(depart);
+      const pid_t fils = fork();
+      ASSERT_GE(fils, 0);
+      if (fils == 0) {
+        _exit(sauver(Panne::Mort, rang) == 0 ? 0 : 1);
+      }
+      int etat = 0;
+      ASSERT_EQ(waitpid(fils, &etat, 0), fils);
+      ASSERT_TRUE(WIFEXITED(etat));
+      sortie = WEXITSTATUS(etat);
+      ASSERT_NE(sortie, 1);
+      ASSERT_TRUE(depart.empty() || versionSaine()) << "operation " << rang;
+      ASSERT_TRUE(!repertoire_.contient("modifref.nox") ||
+                  repertoire_.lire("modifref.nox") == versions_[depart.empty() ? 2 : 1] ||
+                  repertoire_.lire("modifref.nox") == versions_[2]);
+    }
+  }
+}
+
+TEST_F(Sauvegarde, messages) {
+  const struct {
+    const char* operation;
+    int rang;
+    int erreur;
+    CodeRetour cr;
+    const char* message;
+  } CAS[] = {
+      {"fopen", 0, EACCES, 0xD700, "ERREUR : probleme lors de l'ouverture du fichier: Permission denied"},
+      {"fopen", 1, EACCES, 0xD700, "ERREUR : probleme lors de l'ouverture du fichier: Permission denied"},
+      {"fclose", 0, EIO, 0xD700, "ERREUR : probleme lors de la fermeture du fichier: "},
+      {"remove", 0, EPERM, 0xD700, "modif~.nox : Operation not permitted"},
+      {"remove", 1, EPERM, 0xD700, "modif~.nox : Operation not permitted"},
+      {"rename", 0, EIO, 0xD700, "ERREUR : probleme lors du renommage: "},
+      {"rename", 0, ENOENT, 0, "Renommage du fichier "},
+  };
+  for (const auto& cas : CAS) {
+    retablir({{"modifref.nox", versions_[1]}, {"modif~.nox", versions_[0]}});
+    std::string trace;
+    CodeRetour cr = 0;
+    {
+      Ecoute ecoute;
+      cr = sauver(Panne::Unique, cas.rang, cas.operation, cas.erreur);
+      trace = ecoute.texte();
+    }
+    EXPECT_EQ(cr, cas.cr) << cas.operation;
+    EXPECT_NE(trace.find(cas.message), std::string::npos) << cas.operation << trace;
+  }
+  EXPECT_EQ(repertoire_.lire("modif~.nox"), versions_[1]) << "the version before is kept";
+}
+
+}  // namespace
