@@ -23,12 +23,14 @@ struct Faute {
 class Rapport {
  public:
   std::uint32_t declarerSource(std::string chemin);
+  std::uint32_t nombreSources() const { return static_cast<std::uint32_t>(sources_.size()); }
   const std::string& nomSource(std::uint32_t source) const { return sources_[source]; }
 
   void signaler(Lieu lieu, std::string phrase) { fautes_.push_back({lieu, std::move(phrase)}); }
 
   bool estVide() const { return fautes_.empty(); }
   std::size_t nombreFautes() const { return fautes_.size(); }
+  const std::vector<Faute>& fautes() const { return fautes_; }
   // One line per fault, "file:line: sentence", by file and line.
   std::vector<std::string> lignes() const;
 

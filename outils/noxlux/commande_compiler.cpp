@@ -1,4 +1,5 @@
 // noxlux compiler: sources to tablebin.nox.
+#include <algorithm>
 #include <chrono>
 #include <CLI/CLI.hpp>
 #include <filesystem>
@@ -7,7 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "compilateur/bilan_import.h"
 #include "compilateur/compilation.h"
+#include "compilateur/fusion.h"
+#include "compilateur/import_listing.h"
 #include "compilateur/lecteur_toml.h"
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
@@ -22,26 +26,83 @@ using namespace noxlux::compilateur;
 
 struct Options {
   std::vector<std::string> sources;
+  std::vector<std::string> complement;
   std::string socle;
   std::string sortie;
+  std::string listing;
+  unsigned grille = 0;  // 0: the source's own default
+  bool strict = false;
+  bool verbeux = false;
+
+  bool importe() const { return !listing.empty(); }
 };
 
-// Installed beside the command, or in the tree it was built in.
-std::string socleParDefaut() {
+// A directory of sources installed beside the command, or in the tree it was built in.
+fs::path sourcesLivrees(const std::string& nom) {
   std::error_code erreur;
   const fs::path executable = fs::read_symlink("/proc/self/exe", erreur);
   for (fs::path dossier = executable.parent_path(); !erreur; dossier = dossier.parent_path()) {
-    for (const char* relatif : {"share/noxlux/socle", "reference/socle"}) {
+    for (const char* relatif : {"share/noxlux", "reference"}) {
       std::error_code absent;
-      if (fs::is_directory(dossier / relatif, absent)) {
-        return (dossier / relatif).string();
+      if (fs::is_directory(dossier / relatif / nom, absent)) {
+        return dossier / relatif / nom;
       }
     }
     if (dossier == dossier.root_path()) {
       break;
     }
   }
-  throw ErreurUsage("le socle n'a pas été trouvé auprès de la commande : le donner par --socle");
+  throw ErreurUsage("le répertoire « " + nom +
+                    " » n'a pas été trouvé auprès de la commande : le donner par --" +
+                    (nom == "socle" ? "socle" : "complement"));
+}
+
+// What the example reference tells besides its acts.
+std::vector<std::string> complementParDefaut() {
+  std::vector<std::string> fichiers;
+  for (const fs::directory_entry& entree : fs::directory_iterator(sourcesLivrees("exemple"))) {
+    const std::string nom = entree.path().filename().string();
+    if (entree.path().extension() == ".toml" && !nom.starts_with("actes")) {
+      fichiers.push_back(entree.path().string());
+    }
+  }
+  std::sort(fichiers.begin(), fichiers.end());
+  return fichiers;
+}
+
+// The socle, then the sources; what completes an import comes by default from the example reference.
+std::vector<std::string> cheminsToml(const Options& options) {
+  std::vector<std::string> chemins{options.socle.empty() ? sourcesLivrees("socle").string() : options.socle};
+  std::vector<std::string> autres = options.sources;
+  autres.insert(autres.end(), options.complement.begin(), options.complement.end());
+  if (options.importe() && options.complement.empty()) {
+    const std::vector<std::string> livres = complementParDefaut();
+    chemins.insert(chemins.end(), livres.begin(), livres.end());
+  }
+  chemins.insert(chemins.end(), autres.begin(), autres.end());
+  return chemins;
+}
+
+// The tariff rule that an associated act is paid whole by.
+char reglePleine(const Modele& modele) {
+  for (const CodeACoefficients& regle : modele.reglesTarifaires) {
+    for (const CoefficientDate& historique : regle.historiques) {
+      if (historique.coefficient == 1.0 && historique.fin.estNulle()) {
+        return regle.code;
+      }
+    }
+  }
+  throw ErreurUsage("aucune règle tarifaire du complément n'a aujourd'hui 1 pour coefficient");
+}
+
+void importer(const Options& options, Modele& modele, BilanImport& bilan, Rapport& rapport) {
+  const std::uint32_t premiereSource = rapport.nombreSources();
+  Modele importe;
+  const ColonnePrix colonne = options.grille == 2 ? ColonnePrix::HORS_SECTEUR_1 : ColonnePrix::SECTEUR_1;
+  if (importerListing(options.listing, colonne, reglePleine(modele), importe, bilan, rapport)) {
+    fusionnerListing(std::move(importe), modele);
+    epurer(modele, premiereSource, rapport, bilan);
+  }
 }
 
 int refuser(const Rapport& rapport) {
@@ -53,24 +114,44 @@ int refuser(const Rapport& rapport) {
   return STATUT_MAUVAIS_USAGE;
 }
 
+// Dropped records are no failure, unless the person wants them to be.
+int refuserEcarts(const BilanImport& bilan, const Rapport& rapport) {
+  for (const std::string& ligne : bilan.lignes(rapport, true)) {
+    std::cerr << ligne << '\n';
+  }
+  std::cerr << bilan.nombreEcartes()
+            << " écartés, et --strict n'en admet aucun : aucun fichier n'est produit.\n";
+  return STATUT_MAUVAIS_USAGE;
+}
+
 int executer(const Options& options) {
   const auto debut = std::chrono::steady_clock::now();
-  std::vector<std::string> chemins{options.socle.empty() ? socleParDefaut() : options.socle};
-  chemins.insert(chemins.end(), options.sources.begin(), options.sources.end());
   Modele modele;
   Rapport rapport;
+  BilanImport bilanImport;
   Bilan bilan;
   {
     Progression progression;
     progression.montrer("lecture des sources", 0, 1);
-    lireSourcesToml(chemins, modele, rapport);
+    lireSourcesToml(cheminsToml(options), modele, rapport);
+    if (options.importe() && rapport.estVide()) {
+      importer(options, modele, bilanImport, rapport);
+      if (options.strict && bilanImport.nombreEcartes() != 0) {
+        return refuserEcarts(bilanImport, rapport);
+      }
+    }
     const Avancement avancement = [&](std::string_view etape, std::size_t fait, std::size_t total) {
       progression.montrer(etape, fait, total);
     };
-    compiler(modele, options.sortie, avancement, rapport, bilan);
+    if (rapport.estVide()) {
+      compiler(modele, options.sortie, avancement, rapport, bilan);
+    }
   }
   if (!rapport.estVide()) {
     return refuser(rapport);
+  }
+  for (const std::string& ligne : bilanImport.lignes(rapport, options.verbeux)) {
+    std::cout << ligne << '\n';
   }
   const auto duree =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - debut);
@@ -86,16 +167,38 @@ int executer(const Options& options) {
 void enregistrerCompiler(CLI::App& application, int& statut) {
   const auto options = std::make_shared<Options>();
   CLI::App* const commande =
-      application.add_subcommand("compiler", "Compile des sources TOML en un référentiel tablebin.nox");
-  commande->add_option("sources", options->sources, "Fichiers .toml, ou répertoires qui en contiennent")
-      ->required()
+      application.add_subcommand("compiler", "Compile une nomenclature en un référentiel tablebin.nox");
+  CLI::Option* const sources =
+      commande->add_option("sources", options->sources, "Fichiers .toml, ou répertoires qui en contiennent")
+          ->type_name("SOURCES");
+  commande->add_option("--listing", options->listing, "La liste publique de la CCAM, en CSV")
+      ->type_name("FICHIER");
+  commande
+      ->add_option(
+          "--complement", options->complement,
+          "Sources .toml de ce que l'import ne dit pas (par défaut celles de l'exemple, sans ses actes)")
       ->type_name("SOURCES");
+  commande
+      ->add_option("--grille", options->grille,
+                   "Colonne de prix de la liste : 1 secteur 1 et adhérents OPTAM (par défaut), 2 les autres")
+      ->type_name("N");
+  commande->add_flag("--strict", options->strict,
+                     "Refuse de compiler quand l'import écarte quoi que ce soit");
+  commande->add_flag("--verbeux", options->verbeux, "Dit chaque enregistrement écarté ou ajusté");
   commande->add_option("-o,--sortie", options->sortie, "Répertoire où écrire tablebin.nox")
       ->required()
       ->type_name("REPERTOIRE");
   commande->add_option("--socle", options->socle, "Sources du socle (par défaut celles de la commande)")
       ->type_name("REPERTOIRE");
-  commande->callback([options, &statut] { statut = executer(*options); });
+  commande->callback([options, sources, &statut] {
+    if (!options->importe() && sources->empty()) {
+      throw ErreurUsage("il faut des sources .toml, ou --listing");
+    }
+    if (!options->listing.empty() && options->grille > 2) {
+      throw ErreurUsage("une liste a deux colonnes de prix : --grille 1 ou --grille 2");
+    }
+    statut = executer(*options);
+  });
 }
 
 }  // namespace noxlux::commande

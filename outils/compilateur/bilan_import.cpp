@@ -1,0 +1,51 @@
+#include "compilateur/bilan_import.h"
+
+#include <algorithm>
+
+namespace noxlux::compilateur {
+
+BilanImport::Compte& BilanImport::compte(std::string_view quoi) {
+  const auto trouve =
+      std::find_if(comptes_.begin(), comptes_.end(), [&](const Compte& c) { return c.quoi == quoi; });
+  return trouve != comptes_.end() ? *trouve : comptes_.emplace_back(Compte{std::string(quoi)});
+}
+
+void BilanImport::noter(Genres& genres, std::string_view raison, Lieu lieu, std::string detail) {
+  auto genre = genres.find(raison);
+  if (genre == genres.end()) {
+    genre = genres.emplace(raison, std::vector<Cas>()).first;
+  }
+  genre->second.push_back({lieu, std::move(detail)});
+}
+
+std::size_t BilanImport::nombreEcartes() const {
+  std::size_t nombre = 0;
+  for (const auto& [raison, cas] : ecartes_) {
+    nombre += cas.size();
+  }
+  return nombre;
+}
+
+std::vector<std::string> BilanImport::lignes(const Rapport& rapport, bool verbeux) const {
+  std::vector<std::string> resultat;
+  for (const Compte& compte : comptes_) {
+    resultat.push_back(
+        phrase(compte.quoi, " : ", std::to_string(compte.lus), " lus",
+               compte.gardes == 0 ? "" : phrase(", ", std::to_string(compte.gardes), " gardés")));
+  }
+  const auto decrire = [&](const Genres& genres, const char* titre) {
+    for (const auto& [raison, cas] : genres) {
+      resultat.push_back(phrase(titre, std::to_string(cas.size()), " : ", raison));
+      for (const Cas& un : verbeux ? cas : std::vector<Cas>()) {
+        const std::string ligne = un.lieu.ligne == 0 ? "" : phrase(":", std::to_string(un.lieu.ligne));
+        resultat.push_back(phrase("    ", rapport.nomSource(un.lieu.source), ligne,
+                                  un.detail.empty() ? "" : phrase(": ", un.detail)));
+      }
+    }
+  };
+  decrire(ajustes_, "ajustés, ");
+  decrire(ecartes_, "écartés, ");
+  return resultat;
+}
+
+}  // namespace noxlux::compilateur

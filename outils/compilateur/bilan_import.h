@@ -1,0 +1,54 @@
+// What an import read, kept, adjusted and dropped, and why: told at the end, one line per kind.
+#ifndef NOXLUX_COMPILATEUR_BILAN_IMPORT_H
+#define NOXLUX_COMPILATEUR_BILAN_IMPORT_H
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "compilateur/rapport.h"
+
+namespace noxlux::compilateur {
+
+class BilanImport {
+ public:
+  void lire(std::string_view quoi, std::size_t nombre = 1) { compte(quoi).lus += nombre; }
+  void garder(std::string_view quoi, std::size_t nombre = 1) { compte(quoi).gardes += nombre; }
+  // A record, or a part of one, that is lost; `raison` is its kind, `detail` tells which one it is.
+  void ecarter(std::string_view raison, Lieu lieu, std::string detail = {}) {
+    noter(ecartes_, raison, lieu, std::move(detail));
+  }
+  // A value kept, not quite as it was written.
+  void ajuster(std::string_view raison, Lieu lieu, std::string detail = {}) {
+    noter(ajustes_, raison, lieu, std::move(detail));
+  }
+
+  std::size_t nombreEcartes() const;
+  // One line per kind; with `verbeux`, one more per record, "file:line: detail". `rapport` names the sources.
+  std::vector<std::string> lignes(const Rapport& rapport, bool verbeux) const;
+
+ private:
+  struct Compte {
+    std::string quoi;
+    std::size_t lus = 0;
+    std::size_t gardes = 0;
+  };
+  struct Cas {
+    Lieu lieu;
+    std::string detail;
+  };
+  using Genres = std::map<std::string, std::vector<Cas>, std::less<>>;
+
+  Compte& compte(std::string_view quoi);
+  static void noter(Genres& genres, std::string_view raison, Lieu lieu, std::string detail);
+
+  std::vector<Compte> comptes_;  // in the order they were first met
+  Genres ecartes_;
+  Genres ajustes_;
+};
+
+}  // namespace noxlux::compilateur
+
+#endif

@@ -1,0 +1,216 @@
+#include "compilateur/fusion.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+
+#include "types/date.h"
+
+namespace noxlux::compilateur {
+
+namespace {
+
+DateBrute veille(const DateBrute& date) { return (Date(date) - 1).lireBrute(); }
+
+// The histories of the sources before a date, then the listing's one, completed by the sources' current one.
+template <class H, class F>
+void succeder(std::vector<H>& historiques, std::vector<H>& sources, F&& completer) {
+  H nouveau = std::move(historiques.front());
+  const H* courant = nullptr;
+  historiques.clear();
+  for (const H& ancien : sources) {
+    if (ancien.effet <= nouveau.effet && (courant == nullptr || courant->effet < ancien.effet)) {
+      courant = &ancien;
+    }
+  }
+  if (courant != nullptr) {
+    completer(nouveau, *courant);
+  }
+  std::copy_if(sources.begin(), sources.end(), std::back_inserter(historiques),
+               [&](const H& ancien) { return ancien.effet < nouveau.effet; });
+  historiques.push_back(std::move(nouveau));
+}
+
+template <class E>
+E* trouver(std::vector<E>& elements, char code) {
+  const auto trouve =
+      std::find_if(elements.begin(), elements.end(), [&](const E& e) { return e.code == code; });
+  return trouve == elements.end() ? nullptr : &*trouve;
+}
+
+void completerPhase(Phase& phase, Phase& source) {
+  phase.nombreDents = source.nombreDents;
+  phase.ageMinimum = source.ageMinimum;
+  phase.ageMaximum = source.ageMaximum;
+  phase.dentsIncompatibles = std::move(source.dentsIncompatibles);
+  succeder(phase.historiques, source.historiques,
+           [](HistoriquePhase& nouveau, const HistoriquePhase& courant) {
+             nouveau.supplement = courant.supplement;
+             nouveau.dom = courant.dom;
+           });
+}
+
+void completerActivite(Activite& activite, Activite& source) {
+  activite.agrementsRadio = std::move(source.agrementsRadio);
+  activite.rmo = std::move(source.rmo);
+  activite.extensions = std::move(source.extensions);
+  succeder(activite.historiques, source.historiques,
+           [](HistoriqueActivite& nouveau, const HistoriqueActivite& courant) {
+             nouveau.classesSpecialite = courant.classesSpecialite;
+             if (!courant.categorieMedicale.vue().empty()) {
+               nouveau.categorieMedicale = courant.categorieMedicale;
+             }
+           });
+  for (Phase& phase : activite.phases) {
+    if (Phase* const memePhase = trouver(source.phases, phase.code)) {
+      completerPhase(phase, *memePhase);
+    }
+  }
+}
+
+void completerActe(Acte& acte, Acte& source) {
+  acte.libelleCourt = std::move(source.libelleCourt);
+  acte.type = source.type;
+  acte.conditions = std::move(source.conditions);
+  acte.sexe = source.sexe;
+  acte.creation = source.creation;
+  acte.fraisDeplacement = source.fraisDeplacement;
+  acte.naturesAssurance = std::move(source.naturesAssurance);
+  succeder(acte.historiques, source.historiques, [](HistoriqueActe& nouveau, const HistoriqueActe& courant) {
+    nouveau.procedures = courant.procedures;
+    nouveau.incompatibles = courant.incompatibles;
+  });
+  for (Activite& activite : acte.activites) {
+    if (Activite* const meme = trouver(source.activites, activite.code)) {
+      completerActivite(activite, *meme);
+    }
+  }
+}
+
+void fusionnerActes(std::vector<Acte>& liste, std::vector<Acte>& actes) {
+  std::map<CodeActe, Acte*> sources;
+  for (Acte& acte : actes) {
+    sources.emplace(acte.code, &acte);
+  }
+  for (Acte& acte : liste) {
+    const auto source = sources.find(acte.code);
+    if (source != sources.end()) {
+      completerActe(acte, *source->second);
+      sources.erase(source);
+    }
+  }
+  // Acts of the sources that the listing does not hold: their chapters are those of another tree.
+  for (const auto& [code, acte] : sources) {
+    acte->menu = 1;
+    liste.push_back(std::move(*acte));
+  }
+  actes = std::move(liste);
+}
+
+// The listing's value from its date on, unless it is the one that holds already.
+void completerValeurs(std::vector<ForfaitEtTaux>& valeurs, const ForfaitEtTaux& nouvelle) {
+  ForfaitEtTaux aInserer = nouvelle;
+  for (auto valeur = valeurs.begin(); valeur != valeurs.end();) {
+    const bool encore = valeur->fin.estNulle() || valeur->fin >= nouvelle.debut;
+    if (encore && valeur->debut <= nouvelle.debut && valeur->forfait == nouvelle.forfait &&
+        valeur->coefficient == nouvelle.coefficient) {
+      return;
+    }
+    if (valeur->debut == nouvelle.debut) {
+      aInserer.fin = valeur->fin;
+      valeur = valeurs.erase(valeur);
+      continue;
+    }
+    if (encore && valeur->debut < nouvelle.debut) {
+      aInserer.fin = valeur->fin;
+      valeur->fin = veille(nouvelle.debut);
+    } else if (valeur->debut > nouvelle.debut && (aInserer.fin.estNulle() || aInserer.fin >= valeur->debut)) {
+      aInserer.fin = veille(valeur->debut);
+    }
+    ++valeur;
+  }
+  valeurs.push_back(aInserer);
+}
+
+void fusionnerModificateurs(std::vector<ModificateurActe>& liste,
+                            std::vector<ModificateurActe>& modificateurs) {
+  for (ModificateurActe& nouveau : liste) {
+    if (ModificateurActe* const source = trouver(modificateurs, nouveau.code)) {
+      source->libelle = std::move(nouveau.libelle);
+      completerValeurs(source->valeurs, nouveau.valeurs.front());
+    } else {
+      modificateurs.push_back(std::move(nouveau));
+    }
+  }
+}
+
+void fusionnerRegroupements(std::vector<Regroupement>& liste, std::vector<Regroupement>& regroupements) {
+  const std::size_t deSources = regroupements.size();
+  for (Regroupement& nouveau : liste) {
+    const auto fin = regroupements.begin() + static_cast<std::ptrdiff_t>(deSources);
+    const bool connu = std::any_of(regroupements.begin(), fin,
+                                   [&](const Regroupement& r) { return r.code == nouveau.code; });
+    if (!connu) {
+      nouveau.libelle = phrase("Code de regroupement ", nouveau.code.vue());
+      regroupements.push_back(std::move(nouveau));
+    }
+  }
+}
+
+// What the import tells of the header; the rest is the sources'.
+void fusionnerEntete(const Modele& importe, Modele& modele) {
+  if (importe.entetes.empty() || modele.entetes.empty()) {
+    return;
+  }
+  const Entete& nouveau = importe.entetes.front();
+  Entete& entete = modele.entetes.front();
+  entete.versionBaseCCAM = nouveau.versionBaseCCAM;
+  entete.date = nouveau.date;
+  entete.variante = nouveau.variante;
+  entete.commentaire = nouveau.commentaire;
+}
+
+template <class E>
+void remplacer(std::vector<E>& importe, std::vector<E>& modele) {
+  if (!importe.empty()) {
+    modele = std::move(importe);
+  }
+}
+
+template <class E>
+void remplacerUnAUn(std::vector<E>& importe, std::vector<E>& modele) {
+  for (const E& nouveau : importe) {
+    std::erase_if(modele, [&](const E& ancien) { return ancien.numero == nouveau.numero; });
+  }
+  std::move(importe.begin(), importe.end(), std::back_inserter(modele));
+}
+
+}  // namespace
+
+void fusionnerListing(Modele&& liste, Modele& modele) {
+  fusionnerEntete(liste, modele);
+  modele.menus = std::move(liste.menus);
+  fusionnerActes(liste.actes, modele.actes);
+  fusionnerModificateurs(liste.modificateurs, modele.modificateurs);
+  fusionnerRegroupements(liste.regroupements, modele.regroupements);
+}
+
+void fusionnerBase(Modele&& base, Modele& modele) {
+  fusionnerEntete(base, modele);
+  remplacer(base.actes, modele.actes);
+  remplacer(base.menus, modele.menus);
+  remplacer(base.modificateurs, modele.modificateurs);
+  remplacer(base.specialites, modele.specialites);
+  remplacer(base.associationsNonPrevues, modele.associationsNonPrevues);
+  remplacer(base.reglesTarifaires, modele.reglesTarifaires);
+  remplacer(base.seuils, modele.seuils);
+  remplacer(base.caisses, modele.caisses);
+  remplacer(base.regroupements, modele.regroupements);
+  remplacer(base.reductionsNonConventionne, modele.reductionsNonConventionne);
+  remplacer(base.nombresModificateursTarifants, modele.nombresModificateursTarifants);
+  remplacer(base.obligations, modele.obligations);
+  remplacerUnAUn(base.tablesDeCodes, modele.tablesDeCodes);
+  remplacerUnAUn(base.concepts, modele.concepts);
+}
+
+}  // namespace noxlux::compilateur

@@ -1,0 +1,27 @@
+// An imported nomenclature put together with the sources that complete it, and rid of what cannot be
+// compiled.
+#ifndef NOXLUX_COMPILATEUR_FUSION_H
+#define NOXLUX_COMPILATEUR_FUSION_H
+
+#include "compilateur/bilan_import.h"
+#include "compilateur/modele.h"
+#include "compilateur/rapport.h"
+
+namespace noxlux::compilateur {
+
+// Adds a listing to the model of the sources. The menu tree is the listing's. Acts, modifiers and grouping
+// codes that both hold get the listing's values from its date on, and keep the rest of the sources': earlier
+// histories, ages, teeth, specialities.
+void fusionnerListing(Modele&& liste, Modele& modele);
+
+// Puts a historised nomenclature in the place of the subjects of the sources that it holds itself; labels of
+// codes and concepts are replaced table by table, concept by concept.
+void fusionnerBase(Modele&& base, Modele& modele);
+
+// Drops from what was imported whatever the checks would refuse: unknown codes in lists first, then whole
+// records. `premiereSource` is the first source of the import; faults of the others are left to be told.
+void epurer(Modele& modele, std::uint32_t premiereSource, const Rapport& sources, BilanImport& bilan);
+
+}  // namespace noxlux::compilateur
+
+#endif
