@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <map>
 #include <span>
 #include <string_view>
@@ -449,7 +450,8 @@ Json controlerFacture(const std::string& zone) {
 namespace {
 
 constexpr unsigned GROUPE_ENTETE_TARIF = 3400;
-constexpr unsigned GROUPE_LIGNE_PRIX = 3410;
+constexpr unsigned GROUPE_ACTE_PHASE = 3012;
+constexpr unsigned GROUPE_CAISSE_ACTE_PHASE = 3013;
 constexpr unsigned GROUPE_LIGNE_BASE = 3420;
 
 // Asks one rule, and gives the groups of its answer; none when it could not be applied.
@@ -472,6 +474,41 @@ std::string grouperDe(unsigned numero, std::initializer_list<const Json*> source
     }
   }
   return encoderGroupe(groupe(numero), valeurs, "$");
+}
+
+// Asks the reference for one number about a line; null without an answer, its code in `code`.
+Json consulter(const char* identifiant, const Json& ligne, std::string zone, const char* champ,
+               unsigned short& code) {
+  const std::string date = ligne["date"].get<std::string>();
+  const std::string chiffres = date.substr(0, 4) + date.substr(5, 2) + date.substr(8, 2);
+  const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
+    return NOX_ConsulterDonnee(identifiant, chiffres.c_str(), zone.data(),
+                               static_cast<unsigned int>(zone.size()), sortie, taille);
+  });
+  code = reponse.code;
+  return code == NOX_CR_OK ? decoderZone(reponse.zone, true)[0]["champs"][champ] : Json();
+}
+
+// The price that the check compares with: the act's with the increase of the fund, to the nearest cent.
+// C_Pu does not tell it: an amount in a zone is cut to the cent below.
+Json prixCalcule(const Json& ligne, const std::string& caisse) {
+  unsigned short code = NOX_CR_OK;
+  Json prix = consulter("CCAM_37", ligne, grouperDe(GROUPE_ACTE_PHASE, {&ligne}), "montant", code);
+  if (code != NOX_CR_OK || caisse.empty()) {
+    return prix;
+  }
+  const Json cle = {{"caisse", caisse}};
+  const Json majoration =
+      consulter("CCAM_47a", ligne, grouperDe(GROUPE_CAISSE_ACTE_PHASE, {&cle, &ligne}), "coefficient", code);
+  if (code == NOX_CR_CAISSE_NON_DOM) {
+    return prix;
+  }
+  if (code != NOX_CR_OK) {
+    return Json();
+  }
+  const long long milliemes =
+      std::llround(prix.get<double>() * 100) * std::llround(majoration.get<double>() * 1000);
+  return static_cast<double>((milliemes + 500) / 1000) / 100;
 }
 
 }  // namespace
@@ -503,10 +540,7 @@ Json detaillerLignes(const Json& facture) {
         etaler(ligne["modificateurs"], "modificateur", 4, valeurs, "$");
       }
       const Json executant = ligne.value("executant", professionnel);
-      const Json prix = appliquer("C_Pu", zoneEnteteTarif + grouperDe(GROUPE_LIGNE_PRIX, {&valeurs}));
-      if (!prix.empty() && prix[0]["champs"].contains("prixUnitaire")) {
-        detail["prixCalcule"] = prix[0]["champs"]["prixUnitaire"];
-      }
+      detail["prixCalcule"] = prixCalcule(ligne, facture.value("caissePS", ""));
       auto& [zone, rangs] =
           bases[{ligne.value("date", ""), ligne.value("activite", ""), executant.value("numeroPS", "")}];
       zone += grouperDe(GROUPE_LIGNE_BASE, {&valeurs, &executant});
