@@ -84,6 +84,12 @@ std::string controlerOctets(std::string_view texte) {
 
 std::string nomColonne(std::size_t colonne) { return std::string(1, static_cast<char>('A' + colonne)); }
 
+std::string surUneLigne(std::string_view texte) {
+  std::string ligne(texte);
+  std::replace(ligne.begin(), ligne.end(), '\n', ' ');
+  return ligne;
+}
+
 // What is wrong with the column titles; empty when nothing is.
 std::string controlerTitres(const std::vector<std::string>& champs) {
   for (std::size_t colonne = 0; colonne < NOMBRE_COLONNES; ++colonne) {
@@ -95,7 +101,7 @@ std::string controlerTitres(const std::vector<std::string>& champs) {
                     TITRES[colonne].empty() ? "(sans titre)" : TITRES[colonne], " », ",
                     !presente       ? "et elle manque"
                     : titre.empty() ? "et elle est sans titre"
-                                    : phrase("et non « ", titre, " »"));
+                                    : phrase("et non « ", surUneLigne(titre), " »"));
     }
   }
   return champs.size() == NOMBRE_COLONNES

@@ -1,0 +1,254 @@
+#!/usr/bin/env python3
+"""The public listing of the CCAM, compiled, against a reading of it that owes nothing to the importer; the listing
+spoiled in the ways that files get spoiled. Skipped where the listing is not at hand.
+
+Usage: verifier-listing.py COMMAND COMPILED_REFERENCE SOURCES
+"""
+import csv
+import ctypes
+import importlib.util
+import io
+import json
+import pathlib
+import re
+import resource
+import subprocess
+import sys
+import tempfile
+import time
+import unicodedata
+
+sys.dont_write_bytecode = True
+from aides.commande import Compte  # noqa: E402
+
+COMMANDE = pathlib.Path(sys.argv[1]).resolve()
+SOURCES = pathlib.Path(sys.argv[3]).resolve()
+LISTING = SOURCES.parent / "shared/donnees/ccam_v81.csv"
+BIBLIOTHEQUE = COMMANDE.parent / "libnoxlux.so"
+DATE = b"20260201"
+CADRE_LIBELLE_LONG = 2
+MOTS = ["appendice", "côlon", "cataracte", "prothèse", "hanche", "scanographie", "arthroscopie", "œil", "fémur",
+        "vésicule", "thyroïde", "grossesse", "dent", "angioplastie", "biopsie", "cœlioscopie", "fœtus", "ECHOGRAPHIE",
+        "suture", "greffe"]
+SECONDES, OCTETS = 10, 500 << 20
+
+
+def passer(raison):
+    print(f"{raison}\n0 passed, 0 failed, 1 skipped")
+    sys.exit(0)
+
+
+def mots(texte):
+    """The words of a text as keywords: capitals without accents."""
+    for ligature, lettres in (("œ", "oe"), ("Œ", "OE"), ("æ", "ae"), ("Æ", "AE")):
+        texte = texte.replace(ligature, lettres)
+    sans_accents = "".join(c for c in unicodedata.normalize("NFD", texte) if not unicodedata.combining(c))
+    return set(re.findall(r"[A-Z0-9]+", sans_accents.upper()))
+
+
+def lire(colonne):
+    """The listing: prices by (act, activity, phase), the other data by act, and the chapters."""
+    prix, regroupements, modificateurs, exonerations, mentions, libelles = {}, {}, {}, {}, {}, {}
+    chapitres = set()
+    acte = activite = None
+    with open(LISTING, encoding="utf-8", newline="") as fichier:
+        for code, _, texte, *valeurs in csv.reader(fichier):
+            code = code.strip()
+            if re.fullmatch(r"[A-Z]{4}\d{3}", code):
+                acte, activite = code, None
+                libelles[acte], exonerations[acte], mentions[acte] = texte, set(), set()
+            elif re.fullmatch(r"\d+(\.\d+)*", code) and not (len(code) == 1 and valeurs[2]):
+                chapitres.add(code)
+                acte = None
+            if acte is None:
+                continue
+            if code.startswith("["):
+                modificateurs[acte, activite] = sorted(re.findall(r"\w", code))
+            exonerations[acte] |= set(re.findall(r"\d", valeurs[6]))
+            mentions[acte] |= {valeurs[4], valeurs[5]} - {""}
+            if valeurs[0].strip():
+                activite = valeurs[0].strip()
+                cle = (acte, activite, valeurs[1].strip())
+                if cle not in prix:
+                    montant = valeurs[colonne - 3]
+                    exempt = montant == "Non pris en charge"
+                    prix[cle] = 0 if exempt else round(100 * float(montant.replace(",", ".").replace(" ", "")))
+                    mentions[acte] |= {"non pris"} if exempt else {"pris"}
+                    regroupements.setdefault((acte, activite), valeurs[7])
+    return prix, regroupements, modificateurs, exonerations, mentions, libelles, chapitres
+
+
+class Reference:
+    """The library on a compiled reference, by the example host program."""
+
+    def __init__(self, tables):
+        modele = importlib.util.spec_from_file_location("hote", SOURCES / "examples/hote.py")
+        self.hote = importlib.util.module_from_spec(modele)
+        modele.loader.exec_module(self.hote)
+        (tables / "orvan.ini").write_text(f"[NOX]\nrepertoiretable={tables}/\n[COMMUN]\nrepertoiretravail={tables}\n")
+        self.noxlux = self.hote.Noxlux(str(BIBLIOTHEQUE), str(tables))
+
+    def champs(self, identifiant, groupe, *champs):
+        """The groups' fields that the library answers; none when it has nothing to tell."""
+        entree = self.hote.groupe(groupe, *champs)
+        code, groupes = self.noxlux.demander(self.noxlux.lib.NOX_ConsulterDonnee, identifiant, DATE, entree, len(entree),
+                                             permis=(0xD002, 0xD003))
+        return [g[1] for g in groupes] if code == 0 else []
+
+    def codes(self, *demande):
+        return sorted(champs[0].strip() for champs in self.champs(*demande))
+
+    def chercher(self, mot):
+        _, groupes = self.noxlux.demander(self.noxlux.lib.NOX_RechercherParMotCle, mot.encode("latin-1"),
+                                          ctypes.c_ulong(CADRE_LIBELLE_LONG), permis=(0xD001, 0xD002))
+        return {code.strip() for code in groupes[0][1][1:]} if groupes else set()
+
+
+def compiler(listing, sortie, *options):
+    return subprocess.run([COMMANDE, "compiler", "--listing", listing, "--socle", SOURCES / "reference/socle", "-o", sortie,
+                           *options], capture_output=True, text=True, timeout=120)
+
+
+def ecarts(obtenus, attendus):
+    """What differs, briefly."""
+    return [(cle, obtenus.get(cle), attendus.get(cle)) for cle in sorted({*obtenus, *attendus}, key=str)
+            if obtenus.get(cle) != attendus.get(cle)][:5]
+
+
+def verifier_contenu(compte, dossier):
+    prix, regroupements, modificateurs, exonerations, mentions, libelles, chapitres = lire(5)
+    compte.verifier("the independent reading sees all acts", len(libelles), 8257)
+    reference = Reference(dossier)
+    lus = {cle: int(reference.champs(b"CCAM_37", 3012, *cle)[0][0]) for cle in prix}
+    compte.verifier("prices", ecarts(lus, prix), [])
+    compte.verifier("price of AHQB027", lus["AHQB027", "1", "0"], 5184)
+    lus = {(a, b): ("".join(reference.codes(b"CCAM_42", 3011, a, b))) for a, b in regroupements}
+    compte.verifier("grouping codes", ecarts(lus, regroupements), [])
+    # A list that stands above all activities is that of each.
+    lus = {(a, b): reference.codes(b"CCAM_6", 3011, a, b or "1") for a, b in modificateurs}
+    compte.verifier("modifiers", ecarts(lus, modificateurs), [])
+    porteurs = {a for a, _ in modificateurs}
+    sans = [a for a in libelles if a not in porteurs]
+    compte.verifier("acts without modifiers", [a for a in sans if reference.codes(b"CCAM_6", 3011, a, "1")], [])
+    lus = {a: set(reference.codes(b"CCAM_25", 3010, a)) for a in exonerations}
+    compte.verifier("exemption codes", ecarts(lus, exonerations), [])
+    lus = {a: "".join(reference.codes(b"CCAM_22", 3010, a)) for a in libelles}
+    attendus = {a: "2" if "pris" not in m else "3" if "RC" in m else "1" for a, m in mentions.items()}
+    compte.verifier("admission to reimbursement", ecarts(lus, attendus), [])
+    lus = {a: reference.champs(b"CCAM_24", 3010, a)[0][0] for a in libelles}
+    compte.verifier("prior agreement", ecarts(lus, {a: "O" if "AP" in m else "N" for a, m in mentions.items()}), [])
+    for mot in MOTS:
+        cherche = mots(mot).pop()
+        attendus = {a for a, libelle in libelles.items() if cherche in mots(libelle)}
+        compte.verifier(f"search for {mot}", sorted(reference.chercher(mot.replace("œ", "oe")) ^ attendus), [])
+        compte.verifier(f"{mot} stands in some label", bool(attendus), True)
+    reference.noxlux.exiger(reference.noxlux.lib.NOX_TermLIB())
+    table = subprocess.run([COMMANDE, "lister", dossier, "Arborescence", "--json"], capture_output=True, text=True, check=True)
+    compte.verifier("chapters, and the root above them", len(json.loads(table.stdout)), len(chapitres) + 1)
+
+
+def enregistrements(texte, changer):
+    """The listing written anew, each record changed."""
+    sortie = io.StringIO()
+    csv.writer(sortie, lineterminator="\n").writerows(changer(r) for r in csv.reader(io.StringIO(texte, newline="")))
+    return sortie.getvalue()
+
+
+def mauvais_fichiers():
+    """(what was done, bytes, passage of the sentence)"""
+    octets = LISTING.read_bytes()
+    texte = octets.decode()
+    coupe = octets.index(b"\n19.03,")
+    lignes = io.StringIO()
+    csv.writer(lignes, delimiter=";").writerows(csv.reader(io.StringIO(texte, newline="")))
+    return [
+        ("empty", b"", "vide"),
+        ("blank", b"\n\n \n", "vide"),
+        ("cut in a record", octets[:100000], "tronqué"),
+        ("cut in a quoted field", octets[:octets.index(b"- du larynx")], "tronqué"),
+        ("cut between chapters", octets[:coupe + 1], "19.03"),
+        ("cut among the modifiers", octets[:octets.index(b"\n19.03.04,") + 1], "ne définit pas le modificateur"),
+        ("cut in the titles", octets[:200], "titres de colonnes"),
+        ("Latin-1", texte.encode("latin-1", "replace"), "UTF-8"),
+        ("Windows-1252", texte.encode("cp1252", "replace"), "UTF-8"),
+        ("UTF-16 with its mark", texte.encode("utf-16"), "UTF-16"),
+        ("UTF-16 without mark", texte.encode("utf-16-le"), "UTF-16"),
+        ("semicolons", lignes.getvalue().encode(), "points-virgules"),
+        ("columns swapped", enregistrements(texte, lambda r: [*r[:3], r[4], r[3], *r[5:]]).encode(), "colonne D"),
+        ("prices swapped", enregistrements(texte, lambda r: [*r[:5], r[6], r[5], *r[7:]]).encode(), "colonne F"),
+        ("column missing", enregistrements(texte, lambda r: r[:-1]).encode(), "colonne K"),
+        ("column added", enregistrements(texte, lambda r: [*r, ""]).encode(), "12 colonnes"),
+        ("title missing", octets[octets.index(b"\n") + 1:], "titre"),
+        ("another file", b"%PDF-1.4\nnothing\n", "titre"),
+    ]
+
+
+def mauvais_enregistrements():
+    """(record to change, by what, passage of the report): the others must all be there."""
+    return [
+        (b"\nAHQB027,", b"\nAHQB0277,", "premier champ incompréhensible", 8256),
+        (b"\nAHQB027,", b"\nAHQB025,", "acte en double", 8256),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,cinq,51.84,,,2,ATM\n", "prix incompréhensible", 8256),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,A,51.84,51.84,,,2,ATM\n", "activité ou phase", 8256),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,2-x,ATM\n", "code d'exonération incompréhensible", 8257),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,9,ATM\n", "code d'exonération inconnu", 8257),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,2,ATM,\n", "enregistrement mal formé", 8256),
+        (b'\n"[F, P, S, U]"', b'\n"[F, P, S, X]"', "modificateur inconnu", 8257),
+        (b'\n"[F, P, S, U]"', b'\n"[F, P, SU]"', "liste de modificateurs incompréhensible", 8257),
+        (b"(GELE001)", b"(GELE901)", "acte associé inconnu", 8257),
+        (b"\n01.01.01,", b"\n01.01,", "chapitre en double", 8257),
+    ]
+
+
+def main():
+    if not LISTING.is_file():
+        passer("the public listing is not at hand")
+    essai = subprocess.run([sys.executable, "-c", f"import ctypes; ctypes.CDLL({str(BIBLIOTHEQUE)!r})"], capture_output=True)
+    if essai.returncode != 0:
+        passer("this build of the library does not load into Python")
+    compte = Compte()
+    with tempfile.TemporaryDirectory() as nom:
+        dossier = pathlib.Path(nom)
+        debut = time.monotonic()
+        fini = compiler(LISTING, dossier / "reference")
+        duree = time.monotonic() - debut
+        memoire = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024
+        compte.verifier("compilation", (fini.returncode, fini.stderr), (0, ""))
+        compte.verifier("compiled in time", duree < SECONDES, True)
+        compte.verifier("compiled in little memory", memoire < OCTETS, True)
+        verifier_contenu(compte, dossier / "reference")
+
+        hors = compiler(LISTING, dossier / "hors", "--grille", "2")
+        compte.verifier("the other prices", hors.returncode, 0)
+        autres = lire(6)[0]
+        prix = {cle: int(100 * float(m) + 0.5) for cle, m in listes(dossier / "hors", "AHQB024").items()}
+        compte.verifier("a price of the other column", prix["AHQB024", "1", "0"], autres["AHQB024", "1", "0"])
+
+        strict = compiler(LISTING, dossier / "strict", "--strict")
+        compte.verifier("dropped records are a failure when one wants", (strict.returncode, (dossier / "strict").exists()),
+                        (2, False))
+        essai = dossier / "essai.csv"
+        for quoi, octets, passage in mauvais_fichiers():
+            essai.write_bytes(octets)
+            fini = compiler(essai, dossier / "mauvais")
+            dit = passage in fini.stderr and fini.stderr.count("\n") == 2
+            compte.verifier(f"file: {quoi}", (fini.returncode, dit or fini.stderr, (dossier / "mauvais").exists()),
+                            (2, True, False))
+        octets = LISTING.read_bytes()
+        for ancien, nouveau, passage, actes in mauvais_enregistrements():
+            essai.write_bytes(octets.replace(ancien, nouveau, 1))
+            fini = compiler(essai, dossier / "fautif")
+            compte.verifier(f"record: {nouveau}", (fini.returncode, passage in fini.stdout, f": {actes} actes" in fini.stdout),
+                            (0, True, True))
+    compte.finir()
+
+
+def listes(reference, acte):
+    """The prices of an act as the listing of the compiled file shows them."""
+    fini = subprocess.run([COMMANDE, "lister", reference, acte, "--json"], capture_output=True, text=True, check=True)
+    return {(acte, a["code activite"], p["code phase"]): p["historiques"][0]["prix unitaire"]
+            for a in json.loads(fini.stdout)["activites"] for p in a["phases"]}
+
+
+if __name__ == "__main__":
+    main()
