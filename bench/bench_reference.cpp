@@ -106,16 +106,24 @@ void consultationNoxlux(benchmark::State& etat) {
 }
 BENCHMARK(consultationNoxlux);
 
+// The same question as the consultation: is the act in force, what is its price, was it changed locally.
 class BaseSQLite {
  public:
   BaseSQLite() {
     sqlite3_open(":memory:", &base_);
     executer(
-        "CREATE TABLE prix(acte TEXT, activite TEXT, phase TEXT, effet INTEGER, prix REAL);"
-        "CREATE INDEX cle ON prix(acte, activite, phase, effet); BEGIN");
+        "CREATE TABLE acte(code TEXT PRIMARY KEY, creation INTEGER, fin INTEGER) WITHOUT ROWID;"
+        "CREATE TABLE prix(acte TEXT, activite TEXT, phase TEXT, effet INTEGER, prix REAL,"
+        "                  PRIMARY KEY(acte, activite, phase, effet)) WITHOUT ROWID;"
+        "CREATE TABLE modification(acte TEXT, activite TEXT, phase TEXT, effet INTEGER, prix REAL,"
+        "                          PRIMARY KEY(acte, activite, phase, effet)) WITHOUT ROWID; BEGIN");
+    sqlite3_stmt* vie = preparer("INSERT INTO acte VALUES(?1, 20050301, 99991231)");
     sqlite3_stmt* ajout = preparer("INSERT INTO prix VALUES(?1, '1', '0', ?2, ?3)");
     for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
       const PhaseTarifee phase = phaseTarifee(i);
+      sqlite3_bind_text(vie, 1, phase.acte.c_str(), -1, SQLITE_TRANSIENT);
+      sqlite3_step(vie);
+      sqlite3_reset(vie);
       for (unsigned h = 0; h < 3; ++h) {
         sqlite3_bind_text(ajout, 1, phase.acte.c_str(), -1, SQLITE_TRANSIENT);
         sqlite3_bind_int(ajout, 2, std::atoi(DATES_EFFET[h]));
@@ -124,11 +132,17 @@ class BaseSQLite {
         sqlite3_reset(ajout);
       }
     }
+    sqlite3_finalize(vie);
     sqlite3_finalize(ajout);
     executer("COMMIT");
     question_ = preparer(
-        "SELECT prix FROM prix WHERE acte=?1 AND activite='1' AND phase='0' AND effet<=?2 "
-        "ORDER BY effet DESC LIMIT 1");
+        "SELECT prix.prix,"
+        "  (SELECT max(m.effet) FROM modification m WHERE m.acte=?1 AND m.activite='1' AND m.phase='0'"
+        "     AND m.effet<=?2)"
+        " FROM acte JOIN prix ON prix.acte=acte.code"
+        " WHERE acte.code=?1 AND acte.creation<=?2 AND acte.fin>=?2 AND prix.activite='1' AND prix.phase='0'"
+        "   AND prix.effet<=?2"
+        " ORDER BY prix.effet DESC LIMIT 1");
   }
   ~BaseSQLite() {
     sqlite3_finalize(question_);
