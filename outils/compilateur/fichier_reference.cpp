@@ -139,10 +139,33 @@ CodeRetour FichierReference::lireActe(const CodeActe& code, NiveauActe& acte) co
   if (ligne == index.end()) {
     return NOX_CR_CODE_INCONNU;
   }
+  return lireActeEn(ligne->position, acte);
+}
+
+CodeRetour FichierReference::lireActeEn(std::uint32_t position, NiveauActe& acte) const {
   Referentiel referentiel;
   Lecteur lecteur(&referentiel, fichier_.get());
-  cr = lecteur.positionner(ligne->position);
+  const CodeRetour cr = lecteur.positionner(position);
   return cr == NOX_CR_OK ? acte.lireNiveauActe(lecteur) : cr;
+}
+
+CodeRetour FichierReference::lireActes(std::map<CodeActe, NiveauActe>& actes) const {
+  const TableLue* const table = modification_ ? nullptr : chercherTable(Index::IDENTIFIANT);
+  if (table == nullptr) {
+    return NOX_CR_OK;
+  }
+  CodeRetour cr = NOX_CR_OK;
+  const std::unique_ptr<LignesTable> lignes = lireLignes(*table, cr);
+  if (lignes == nullptr) {
+    return cr;
+  }
+  for (const Index& ligne : static_cast<const LignesDe<Index>&>(*lignes).lignes) {
+    cr = lireActeEn(ligne.position, actes[ligne.acte]);
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+  }
+  return cr;
 }
 
 }  // namespace noxlux::compilateur

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -54,12 +55,15 @@ class FichierReference {
   std::unique_ptr<LignesTable> lireLignes(const TableLue& table, CodeRetour& cr) const;
   // The act record that the index tells. NOX_CR_CODE_INCONNU when it tells none.
   CodeRetour lireActe(const CodeActe& code, NiveauActe& acte) const;
+  // All the act records; those of a modification file are none.
+  CodeRetour lireActes(std::map<CodeActe, NiveauActe>& actes) const;
 
  private:
   struct Fermeture {
     void operator()(std::FILE* fichier) const { std::fclose(fichier); }
   };
   explicit FichierReference(std::FILE* fichier) : fichier_(fichier) {}
+  CodeRetour lireActeEn(std::uint32_t position, NiveauActe& acte) const;
   bool lireEntete();
   void lireTables();
 

@@ -1,8 +1,6 @@
 // noxlux lister: a reference file read back into text.
 #include <algorithm>
-#include <cctype>
 #include <CLI/CLI.hpp>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -12,6 +10,7 @@
 #include "compilateur/transcodage.h"
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
+#include "noxlux/ouverture.h"
 #include "noxlux/tableau.h"
 #include "referent/lecteur.h"
 #include "referent/referentiel.h"
@@ -20,7 +19,6 @@ namespace noxlux::commande {
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace noxlux::compilateur;
 
 struct Options {
@@ -28,27 +26,6 @@ struct Options {
   std::string sujet;
   bool json = false;
 };
-
-// A value in one cell.
-std::string cellule(const JsonOrdonne& valeur) {
-  if (valeur.is_null()) {
-    return "-";
-  }
-  if (valeur.is_string()) {
-    return valeur.get<std::string>();
-  }
-  if (valeur.is_object() && valeur.contains("premiere")) {
-    return valeur["nombre"] == 0 ? "-" : valeur["premiere"].dump() + "+" + valeur["nombre"].dump();
-  }
-  if (valeur.is_structured()) {
-    std::string texte;
-    for (const JsonOrdonne& membre : valeur) {
-      texte += (texte.empty() ? "" : " ") + cellule(membre);
-    }
-    return texte;
-  }
-  return valeur.dump();
-}
 
 void afficherFichier(const JsonOrdonne& fichier) {
   for (const auto& [nom, valeur] : fichier["entete"].items()) {
@@ -105,12 +82,6 @@ void afficherObjet(const JsonOrdonne& objet, std::size_t retrait) {
   }
 }
 
-bool crcJuste(const EnteteFichier& entete) {
-  return std::equal(
-      entete.crc.begin(), entete.crc.end(), entete.crcCalcule.begin(), entete.crcCalcule.end(),
-      [](char ecrit, char calcule) { return std::toupper(static_cast<unsigned char>(ecrit)) == calcule; });
-}
-
 int listerSujet(const FichierReference& fichier, const Options& options) {
   JsonOrdonne resultat;
   const unsigned numero = numeroDeTable(options.sujet);
@@ -146,18 +117,7 @@ int listerSujet(const FichierReference& fichier, const Options& options) {
 }
 
 int executer(const Options& options) {
-  fs::path chemin = options.chemin;
-  if (fs::is_directory(chemin)) {
-    chemin /= NOM_FICHIER_REFERENCE;
-  }
-  std::string raison;
-  const auto fichier = FichierReference::ouvrir(chemin.string(), raison);
-  if (fichier == nullptr) {
-    throw ErreurUsage(chemin.string() + " : " + raison);
-  }
-  if (!crcJuste(fichier->entete())) {
-    std::cerr << "noxlux : le CRC écrit n'est pas celui du contenu : le fichier est abîmé\n";
-  }
+  const auto fichier = ouvrirReference(options.chemin, NOM_FICHIER_REFERENCE);
   if (!options.sujet.empty()) {
     return listerSujet(*fichier, options);
   }
@@ -168,7 +128,7 @@ int executer(const Options& options) {
     afficherFichier(resultat);
   }
   if (!fichier->anomalie().empty()) {
-    throw ErreurUsage(chemin.string() + " : " + fichier->anomalie());
+    throw ErreurUsage(options.chemin + " : " + fichier->anomalie());
   }
   return STATUT_REPONDU;
 }

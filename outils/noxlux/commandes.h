@@ -11,6 +11,8 @@ namespace noxlux::commande {
 
 void enregistrerCompiler(CLI::App& application, int& statut);
 void enregistrerLister(CLI::App& application, int& statut);
+void enregistrerComparer(CLI::App& application, int& statut);
+void enregistrerModifications(CLI::App& application);
 void enregistrerControler(CLI::App& application, int& statut);
 void enregistrerAppliquer(CLI::App& application, int& statut);
 // These answer, or throw: their status is 0 when they return.

@@ -57,6 +57,7 @@ int main(int argc, char** argv) {
   int statut = STATUT_REPONDU;
   enregistrerCompiler(application, statut);
   enregistrerLister(application, statut);
+  enregistrerComparer(application, statut);
   enregistrerControler(application, statut);
   enregistrerVersion(application);
   enregistrerConsulter(application);
@@ -65,6 +66,7 @@ int main(int argc, char** argv) {
   enregistrerAppliquer(application, statut);
   enregistrerModifier(application);
   enregistrerAnnuler(application);
+  enregistrerModifications(application);
   enregistrerZone(application);
   for (CLI::App* const commande : application.get_subcommands({})) {
     commande->group("Commandes");
