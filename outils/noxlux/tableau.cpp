@@ -15,7 +15,7 @@ constexpr std::size_t LARGEUR_MINIMALE_DERNIERE = 24;
 constexpr const char* ECART = "  ";
 
 bool estNombre(const std::string& texte) {
-  return texte.find_first_not_of("0123456789.,-+ €%") == std::string::npos;
+  return texte.find_first_not_of("0123456789.,-+ €%—") == std::string::npos;
 }
 
 std::string remplir(const std::string& texte, std::size_t colonnes, bool aDroite) {
