@@ -32,6 +32,10 @@ std::string libelle(unsigned i, bool longueForme) {
 
 DateBrute dateBrute(const char* texte) { return Date(std::string_view(texte)).lireBrute(); }
 
+bool estAssocie(unsigned i) {
+  return i >= PREMIER_ASSOCIE && i < PREMIER_ASSOCIE + 2 * ACTES_ASSOCIES && i % 2 == 0;
+}
+
 compilateur::Acte acteGenere(unsigned i, const compilateur::Acte& modele) {
   compilateur::Acte acte = modele;
   acte.code = CodeActe(codeActe(i));
@@ -57,6 +61,13 @@ compilateur::Acte acteGenere(unsigned i, const compilateur::Acte& modele) {
   troisFois(acte.activites[0].historiques);
   for (auto& historique : acte.activites[0].historiques) {
     historique.associations.clear();
+    historique.categorieMedicale = CodeFixe<2>("10");
+    for (unsigned k = 0; estAssocie(i) && k < ACTES_ASSOCIES; ++k) {
+      compilateur::AssociationActe prevue;
+      prevue.acte = CodeActe(codeActe(rangAssocie(k)));
+      prevue.regle = '1';
+      historique.associations.push_back(prevue);
+    }
   }
   acte.activites[0].phases.resize(1);
   compilateur::Phase& phase = acte.activites[0].phases[0];

@@ -20,6 +20,13 @@ struct PhaseTarifee {
 // Effect dates of the three histories of each act, newest first, AAAAMMJJ.
 constexpr const char* DATES_EFFET[3] = {"20240101", "20150701", "20050301"};
 
+// Acts that plan one another, each dear enough to be exempt by itself and of the category without limit on
+// their number: an invoice of them is without fault, so that every rule runs and every pair of lines is
+// looked at. Each act excludes the next one: they are every other act.
+constexpr unsigned ACTES_ASSOCIES = 20;
+constexpr unsigned PREMIER_ASSOCIE = 400;
+constexpr unsigned rangAssocie(unsigned k) { return PREMIER_ASSOCIE + k % ACTES_ASSOCIES * 2; }
+
 // The code of generated act number i: ascending with i.
 std::string codeActe(unsigned i);
 PhaseTarifee phaseTarifee(unsigned i);
