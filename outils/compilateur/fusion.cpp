@@ -164,7 +164,9 @@ void fusionnerEntete(const Modele& importe, Modele& modele) {
   }
   const Entete& nouveau = importe.entetes.front();
   Entete& entete = modele.entetes.front();
-  entete.versionBaseCCAM = nouveau.versionBaseCCAM;
+  if (!nouveau.versionBaseCCAM.vue().empty()) {
+    entete.versionBaseCCAM = nouveau.versionBaseCCAM;
+  }
   entete.date = nouveau.date;
   entete.variante = nouveau.variante;
   entete.commentaire = nouveau.commentaire;

@@ -11,6 +11,7 @@
 #include "compilateur/bilan_import.h"
 #include "compilateur/compilation.h"
 #include "compilateur/fusion.h"
+#include "compilateur/import_dbf.h"
 #include "compilateur/import_listing.h"
 #include "compilateur/lecteur_toml.h"
 #include "noxlux/commandes.h"
@@ -30,11 +31,12 @@ struct Options {
   std::string socle;
   std::string sortie;
   std::string listing;
+  std::string baseDbf;
   unsigned grille = 0;  // 0: the source's own default
   bool strict = false;
   bool verbeux = false;
 
-  bool importe() const { return !listing.empty(); }
+  bool importe() const { return !listing.empty() || !baseDbf.empty(); }
 };
 
 // A directory of sources installed beside the command, or in the tree it was built in.
@@ -98,9 +100,16 @@ char reglePleine(const Modele& modele) {
 void importer(const Options& options, Modele& modele, BilanImport& bilan, Rapport& rapport) {
   const std::uint32_t premiereSource = rapport.nombreSources();
   Modele importe;
-  const ColonnePrix colonne = options.grille == 2 ? ColonnePrix::HORS_SECTEUR_1 : ColonnePrix::SECTEUR_1;
-  if (importerListing(options.listing, colonne, reglePleine(modele), importe, bilan, rapport)) {
-    fusionnerListing(std::move(importe), modele);
+  bool lu = false;
+  if (!options.baseDbf.empty()) {
+    lu = importerBaseDbf(options.baseDbf, options.grille, importe, bilan, rapport);
+  } else {
+    const ColonnePrix colonne = options.grille == 2 ? ColonnePrix::HORS_SECTEUR_1 : ColonnePrix::SECTEUR_1;
+    lu = importerListing(options.listing, colonne, reglePleine(modele), importe, bilan, rapport);
+  }
+  if (lu) {
+    const auto fusionner = options.baseDbf.empty() ? fusionnerListing : fusionnerBase;
+    fusionner(std::move(importe), modele);
     epurer(modele, premiereSource, rapport, bilan);
   }
 }
@@ -171,8 +180,12 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
   CLI::Option* const sources =
       commande->add_option("sources", options->sources, "Fichiers .toml, ou répertoires qui en contiennent")
           ->type_name("SOURCES");
-  commande->add_option("--listing", options->listing, "La liste publique de la CCAM, en CSV")
-      ->type_name("FICHIER");
+  CLI::Option* const listing =
+      commande->add_option("--listing", options->listing, "La liste publique de la CCAM, en CSV")
+          ->type_name("FICHIER");
+  commande->add_option("--base-dbf", options->baseDbf, "Les tables dBASE de la base publique de la CCAM")
+      ->type_name("REPERTOIRE")
+      ->excludes(listing);
   commande
       ->add_option(
           "--complement", options->complement,
@@ -180,7 +193,8 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
       ->type_name("SOURCES");
   commande
       ->add_option("--grille", options->grille,
-                   "Colonne de prix de la liste : 1 secteur 1 et adhérents OPTAM (par défaut), 2 les autres")
+                   "Prix : colonne de la liste, 1 secteur 1 et OPTAM (par défaut) ou 2 les autres ; grille "
+                   "tarifaire de la base (par défaut son prix de base)")
       ->type_name("N");
   commande->add_flag("--strict", options->strict,
                      "Refuse de compiler quand l'import écarte quoi que ce soit");
@@ -192,7 +206,7 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
       ->type_name("REPERTOIRE");
   commande->callback([options, sources, &statut] {
     if (!options->importe() && sources->empty()) {
-      throw ErreurUsage("il faut des sources .toml, ou --listing");
+      throw ErreurUsage("il faut des sources .toml, --listing ou --base-dbf");
     }
     if (!options->listing.empty() && options->grille > 2) {
       throw ErreurUsage("une liste a deux colonnes de prix : --grille 1 ou --grille 2");
