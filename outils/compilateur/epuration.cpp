@@ -199,8 +199,13 @@ void retirerVides(Modele& modele, std::uint32_t premiereSource, BilanImport& bil
     for (Activite& activite : acte.activites) {
       std::erase_if(activite.phases, [](const Phase& phase) { return phase.historiques.empty(); });
     }
-    std::erase_if(acte.activites, [](const Activite& activite) {
-      return activite.historiques.empty() || activite.phases.empty();
+    std::erase_if(acte.activites, [&](const Activite& activite) {
+      const bool vide = activite.historiques.empty() || activite.phases.empty();
+      if (vide) {
+        bilan.ecarter("activité sans historique ou sans prix", activite.lieu,
+                      phrase("acte ", enTexte(acte.code), ", activité ", enTexte(activite.code)));
+      }
+      return vide;
     });
     const bool vide = acte.activites.empty() || acte.historiques.empty();
     if (vide) {

@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <set>
 
-#include "types/date.h"
+#include "compilateur/periodes.h"
 
 namespace noxlux::compilateur {
 
 namespace {
-
-DateBrute veille(const DateBrute& date) { return (Date(date) - 1).lireBrute(); }
 
 // The histories of the sources before a date, then the listing's one, completed by the sources' current one.
 template <class H, class F>
@@ -87,7 +86,10 @@ void completerActe(Acte& acte, Acte& source) {
   }
 }
 
-void fusionnerActes(std::vector<Acte>& liste, std::vector<Acte>& actes) {
+// The import's acts, and those of the sources that it does not hold; `completer(act, source)` is told those
+// that both hold.
+template <class F>
+void fusionnerActes(std::vector<Acte>& liste, std::vector<Acte>& actes, F&& completer) {
   std::map<CodeActe, Acte*> sources;
   for (Acte& acte : actes) {
     sources.emplace(acte.code, &acte);
@@ -95,11 +97,11 @@ void fusionnerActes(std::vector<Acte>& liste, std::vector<Acte>& actes) {
   for (Acte& acte : liste) {
     const auto source = sources.find(acte.code);
     if (source != sources.end()) {
-      completerActe(acte, *source->second);
+      completer(acte, *source->second);
       sources.erase(source);
     }
   }
-  // Acts of the sources that the listing does not hold: their chapters are those of another tree.
+  // Chapters of the others are those of another tree.
   for (const auto& [code, acte] : sources) {
     acte->menu = 1;
     liste.push_back(std::move(*acte));
@@ -187,21 +189,70 @@ void remplacerUnAUn(std::vector<E>& importe, std::vector<E>& modele) {
   std::move(importe.begin(), importe.end(), std::back_inserter(modele));
 }
 
+// A list that no modifier of the import has is that of the sources.
+template <class T>
+void garderListe(std::vector<ModificateurActe>& importes, const std::vector<ModificateurActe>& sources,
+                 std::vector<T> ModificateurActe::*liste) {
+  const bool absente = std::all_of(importes.begin(), importes.end(),
+                                   [&](const ModificateurActe& m) { return (m.*liste).empty(); });
+  for (const ModificateurActe& source : sources) {
+    ModificateurActe* const importe = trouver(importes, source.code);
+    if (absente && importe != nullptr) {
+      importe->*liste = source.*liste;
+    }
+  }
+}
+
+void remplacerModificateurs(std::vector<ModificateurActe>& importes, std::vector<ModificateurActe>& modele) {
+  garderListe(importes, modele, &ModificateurActe::ages);
+  garderListe(importes, modele, &ModificateurActe::compatibles);
+  garderListe(importes, modele, &ModificateurActe::coherences);
+  garderListe(importes, modele, &ModificateurActe::oc);
+  for (ModificateurActe& modificateur : importes) {
+    std::erase_if(modificateur.compatibles, [&](const CodeModificateurDate& compatible) {
+      return trouver(importes, compatible.code) == nullptr;
+    });
+  }
+  remplacer(importes, modele);
+}
+
+// Obligations of the sources whose specialities the import does not know.
+void retirerObligationsOrphelines(Modele& modele, BilanImport& bilan) {
+  std::set<CodeFixe<2>> connues;
+  for (const SpecialitePS& specialite : modele.specialites) {
+    connues.insert(specialite.code);
+  }
+  for (Obligation& obligation : modele.obligations) {
+    std::erase_if(obligation.specialites, [&](const SpecialiteObligee& specialite) {
+      const bool orpheline = !connues.contains(specialite.code);
+      if (orpheline) {
+        bilan.ajuster("obligation de codage du complément retirée, sa spécialité étant inconnue",
+                      specialite.lieu,
+                      phrase(obligation.prestation.vue(), ", spécialité ", specialite.code.vue()));
+      }
+      return orpheline;
+    });
+  }
+}
+
 }  // namespace
 
 void fusionnerListing(Modele&& liste, Modele& modele) {
   fusionnerEntete(liste, modele);
   modele.menus = std::move(liste.menus);
-  fusionnerActes(liste.actes, modele.actes);
+  fusionnerActes(liste.actes, modele.actes, completerActe);
   fusionnerModificateurs(liste.modificateurs, modele.modificateurs);
   fusionnerRegroupements(liste.regroupements, modele.regroupements);
 }
 
-void fusionnerBase(Modele&& base, Modele& modele) {
+void fusionnerBase(Modele&& base, Modele& modele, BilanImport& bilan) {
   fusionnerEntete(base, modele);
-  remplacer(base.actes, modele.actes);
+  fusionnerActes(base.actes, modele.actes, [](const Acte&, const Acte&) {});
   remplacer(base.menus, modele.menus);
-  remplacer(base.modificateurs, modele.modificateurs);
+  if (!base.modificateurs.empty()) {
+    remplacerModificateurs(base.modificateurs, modele.modificateurs);
+  }
+  const bool autresSpecialites = !base.specialites.empty() && base.obligations.empty();
   remplacer(base.specialites, modele.specialites);
   remplacer(base.associationsNonPrevues, modele.associationsNonPrevues);
   remplacer(base.reglesTarifaires, modele.reglesTarifaires);
@@ -213,6 +264,9 @@ void fusionnerBase(Modele&& base, Modele& modele) {
   remplacer(base.obligations, modele.obligations);
   remplacerUnAUn(base.tablesDeCodes, modele.tablesDeCodes);
   remplacerUnAUn(base.concepts, modele.concepts);
+  if (autresSpecialites) {
+    retirerObligationsOrphelines(modele, bilan);
+  }
 }
 
 }  // namespace noxlux::compilateur

@@ -14,9 +14,10 @@ namespace noxlux::compilateur {
 // histories, ages, teeth, specialities.
 void fusionnerListing(Modele&& liste, Modele& modele);
 
-// Puts a historised nomenclature in the place of the subjects of the sources that it holds itself; labels of
-// codes and concepts are replaced table by table, concept by concept.
-void fusionnerBase(Modele&& base, Modele& modele);
+// Puts a historised nomenclature in the place of what it holds itself of the sources: whole subjects, but
+// acts by code, code tables and concepts by number, and what is told of modifiers list by list. What is left
+// of the sources and no longer leads to anything is taken out, and told.
+void fusionnerBase(Modele&& base, Modele& modele, BilanImport& bilan);
 
 // Drops from what was imported whatever the checks would refuse: unknown codes in lists first, then whole
 // records. `premiereSource` is the first source of the import; faults of the others are left to be told.

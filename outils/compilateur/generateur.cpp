@@ -8,6 +8,7 @@
 
 #include "basics/systeme.h"
 #include "compilateur/mots_cles.h"
+#include "compilateur/periodes.h"
 #include "types/date.h"
 
 namespace noxlux::compilateur {
@@ -37,21 +38,6 @@ std::vector<const E*> parDate(const std::vector<E>& elements) {
   std::vector<const E*> ordre = trier(elements, [](const E& element) { return element.debut; });
   std::reverse(ordre.begin(), ordre.end());
   return ordre;
-}
-
-DateBrute lendemain(DateBrute date) {
-  ++date.jour;
-  if (!date.estValide()) {
-    date = date.mois == 12 ? DateBrute{static_cast<std::uint16_t>(date.annee + 1), 1, 1}
-                           : DateBrute{date.annee, static_cast<std::uint8_t>(date.mois + 1), 1};
-  }
-  return date;
-}
-
-DateBrute veille(const DateBrute& date) { return (Date(date) - 1).lireBrute(); }
-
-bool couvre(const ElementDate& element, const DateBrute& date) {
-  return element.debut <= date && (element.fin.estNulle() || date <= element.fin);
 }
 
 TexteVariable texte(std::string_view valeur) { return TexteVariable(valeur); }
@@ -165,41 +151,31 @@ class Generateur {
 
   // The members of each class over time, from the class of each speciality over time.
   void genererClasses() {
-    struct Membre {
+    struct Membre : ElementDate {
       CodeFixe<2> specialite;
-      const ClasseDate* historique;
     };
     std::map<CodeFixe<2>, std::vector<Membre>> classes;
     for (const SpecialitePS* specialite : trier(modele_.specialites, &SpecialitePS::code)) {
       for (const ClasseDate& historique : specialite->historiques) {
-        classes[historique.classe].push_back({specialite->code, &historique});
+        classes[historique.classe].push_back({historique, specialite->code});
       }
     }
     for (const auto& [code, membres] : classes) {
-      std::set<DateBrute> changements;
-      for (const Membre& membre : membres) {
-        changements.insert(membre.historique->debut);
-        if (!membre.historique->fin.estNulle()) {
-          changements.insert(lendemain(membre.historique->fin));
-        }
-      }
       ClasseSpecialite ligne;
       ligne.code = code;
-      remplir(ligne.historiques, membres.front().historique->lieu, [&](auto& cible) {
-        for (auto date = changements.begin(); date != changements.end(); ++date) {
+      remplir(ligne.historiques, membres.front().lieu, [&](auto& cible) {
+        for (const ElementDate& intervalle : intervalles(membres)) {
           HistoriqueClasseSpecialite h;
-          h.dateDebut = *date;
-          h.dateFin = std::next(date) == changements.end() ? DateBrute{} : veille(*std::next(date));
-          remplir(h.specialites, membres.front().historique->lieu, [&](auto& specialites) {
+          h.dateDebut = intervalle.debut;
+          h.dateFin = intervalle.fin;
+          remplir(h.specialites, membres.front().lieu, [&](auto& specialites) {
             for (const Membre& membre : membres) {
-              if (couvre(*membre.historique, *date)) {
+              if (couvre(membre, intervalle.debut)) {
                 specialites.push_back({membre.specialite});
               }
             }
           });
-          if (h.specialites.nombre != 0) {
-            cible.push_back(h);
-          }
+          cible.push_back(h);
         }
       });
       lignes<ClasseSpecialite>().push_back(ligne);

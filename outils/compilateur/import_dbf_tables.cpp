@@ -1,354 +1,305 @@
-// The tables of the database other than those of acts.
+// The dated tables of the database that are not of acts: modifiers, specialities, associations, thresholds...
 #include <algorithm>
 #include <map>
 
-#include "compilateur/etiquettes.h"
 #include "compilateur/lecture_dbf.h"
 
 namespace noxlux::compilateur {
 
 namespace {
 
-// The item of a code, made when it is not there yet.
+constexpr unsigned GRILLE_COMMUNE = 0;
+
+// Below 1, what is added to the price; from 1 on, what the price is multiplied by.
+double multiplicateur(double coefficient) { return coefficient < 1.0 ? 1.0 + coefficient : coefficient; }
+
+// The item of a code, made when it is not there yet. It has no place of its own: its records have.
 template <class E, class C>
-E& elementDe(std::vector<E>& elements, C E::*membre, const C& code, Lieu lieu) {
+E& elementDe(std::vector<E>& elements, C E::*membre, const C& code) {
   const auto trouve =
       std::find_if(elements.begin(), elements.end(), [&](const E& e) { return e.*membre == code; });
   if (trouve != elements.end()) {
     return *trouve;
   }
   E& nouveau = elements.emplace_back();
-  nouveau.lieu = lieu;
   nouveau.*membre = code;
   return nouveau;
 }
 
-// Start and end of validity.
-template <class E>
-E periode(ChampsDbf& c, std::size_t debut, std::size_t fin) {
-  E element;
-  element.lieu = c.lieu();
-  element.debut = c.date(debut, true);
-  element.fin = c.date(fin, false);
-  return element;
-}
+// The label that the newest record of each code gives.
+template <class C>
+class Libelles {
+ public:
+  void noter(const C& code, const DateBrute& date, std::string libelle) {
+    const auto [place, nouveau] = libelles_.try_emplace(code);
+    if (!libelle.empty() && (nouveau || place->second.first <= date)) {
+      place->second = {date, std::move(libelle)};
+    }
+  }
+  std::string de(const C& code, std::string defaut) const {
+    const auto libelle = libelles_.find(code);
+    return libelle == libelles_.end() || libelle->second.second.empty() ? defaut : libelle->second.second;
+  }
 
-// A tariff by grid: for each code, the records of the grid asked for, or of grid 0, or of the first there is.
+ private:
+  std::map<C, std::pair<DateBrute, std::string>> libelles_;
+};
+
+// Values that depend on the tariff grid. A code has those of the grid asked for and, when they are silent,
+// those common to all; without a grid, the common ones and then those of the first grid. A code that only
+// other grids know stays, without values.
 template <class V>
 class ParGrille {
  public:
-  explicit ParGrille(unsigned grille) : grille_(grille) {}
+  explicit ParGrille(Grille grille) : grille_(grille) {}
 
-  void ajouter(char code, unsigned grille, V valeur) { valeurs_[code][grille].push_back(std::move(valeur)); }
+  void ajouter(char code, unsigned grille, const V& valeur) { valeurs_[code][grille].push_back(valeur); }
+  // Calls f(code, values) for each code.
   template <class F>
-  void pourChaque(F&& f) {
+  void pourChaque(LectureDbf& lecture, F&& f) {
     for (auto& [code, grilles] : valeurs_) {
-      auto choisie = grilles.find(grille_);
-      choisie = choisie == grilles.end() ? grilles.begin() : choisie;
-      f(code, std::move(choisie->second));
+      for (auto& [numero, valeurs] : grilles) {
+        lecture.enchainer(valeurs);
+      }
+      const unsigned propre = grille_.value_or(GRILLE_COMMUNE);
+      const unsigned autre = grille_ ? GRILLE_COMMUNE
+                             : grilles.upper_bound(GRILLE_COMMUNE) == grilles.end()
+                                 ? GRILLE_COMMUNE
+                                 : grilles.upper_bound(GRILLE_COMMUNE)->first;
+      f(code, propre == autre ? grilles[propre] : completer(grilles[propre], grilles[autre]));
     }
   }
 
  private:
-  unsigned grille_;
+  Grille grille_;
   std::map<char, std::map<unsigned, std::vector<V>>> valeurs_;
 };
 
 class LectureTables {
  public:
-  LectureTables(LectureDbf& lecture, unsigned grille, Modele& base)
+  LectureTables(LectureDbf& lecture, Grille grille, Modele& base)
       : lecture_(lecture), grille_(grille), base_(base) {}
 
   void lire() {
-    lireEtiquettes();
     lireCoefficients("R_TB02", "COD_ASSONP", base_.associationsNonPrevues);
     lireCoefficients("R_TB03", "COD_REGLE", base_.reglesTarifaires);
     lireSpecialites();
+    lireObligations();
     lireValeursDeModificateurs();
-    lireAgesEtCoherences();
-    lireSeuils();
+    lireControlesDeModificateurs();
     lireFeries();
-    lireRegroupements();
-    lireDivers();
-    lireConcepts();
+    lirePeriodes("R_TB07", {"METROPOLE", "ANTILLES", "REUNION", "GUYANE"}, base_.seuils,
+                 [](ChampsDbf& c, SeuilDate& seuil) {
+                   seuil.metropole = c.decimal(2);
+                   seuil.antilles = c.decimal(3);
+                   seuil.reunion = c.decimal(4);
+                   seuil.guyane = c.decimal(5);
+                 });
+    lirePeriodes("R_TB12", {"FORFAIT_RN", "COEF_RNC"}, base_.reductionsNonConventionne,
+                 [](ChampsDbf& c, ForfaitEtTaux& reduction) {
+                   reduction.forfait = c.decimal(2);
+                   reduction.coefficient = c.decimal(3);
+                 });
+    lirePeriodes("R_TB19", {"NB_MODIFIC"}, base_.nombresModificateursTarifants,
+                 [](ChampsDbf& c, NombreDate& nombre) { nombre.nombre = c.court(2); });
   }
 
  private:
+  // The records of a table whose first columns are a period; ranger(fields, element) answers whether it kept
+  // it.
+  template <class E, class F>
+  void parcourirPeriodes(const char* table, std::vector<std::string_view> colonnes, F&& ranger) {
+    colonnes.insert(colonnes.begin(), {"DT_DEBUT", "DT_FIN"});
+    lecture_.parcourir(table, colonnes, [&](ChampsDbf& c) { return ranger(c, c.periode<E>()); });
+  }
+
+  // A table of periods that have no code.
+  template <class E, class F>
+  void lirePeriodes(const char* table, std::vector<std::string_view> colonnes, std::vector<E>& elements,
+                    F&& remplir) {
+    parcourirPeriodes<E>(table, std::move(colonnes), [&](ChampsDbf& c, E element) {
+      remplir(c, element);
+      if (c.bons()) {
+        elements.push_back(element);
+      }
+      return c.bons();
+    });
+    lecture_.enchainer(elements);
+  }
+
   void lireCoefficients(const char* table, const char* colonneCode, std::vector<CodeACoefficients>& codes) {
     ParGrille<CoefficientDate> parGrille(grille_);
-    std::map<char, std::string> libelles;
-    lecture_.parcourir(table, {colonneCode, "DT_DEBUT", "DT_FIN", "COEF", "GRILLE_COD"},
-                       [&](ChampsDbf& c, const TableDbf& dbf) {
-                         auto valeur = periode<CoefficientDate>(c, 1, 2);
-                         valeur.coefficient = c.decimal(3);
-                         const unsigned grille = c.nombre(4);
-                         const char code = c.lettre(0);
-                         if (!c.bons() || code == ' ') {
-                           return c.refuser("code absent");
-                         }
-                         libelles[code] = c.texteEnTranches(dbf.tranches("LIBELLE"));
-                         parGrille.ajouter(code, grille, valeur);
-                         return true;
-                       });
-    parGrille.pourChaque([&](char code, std::vector<CoefficientDate> valeurs) {
-      CodeACoefficients& element = elementDe(codes, &CodeACoefficients::code, code, valeurs.front().lieu);
-      element.libelle = libelles[code].empty() ? std::string(1, code) : libelles[code];
+    Libelles<char> libelles;
+    parcourirPeriodes<CoefficientDate>(table, {colonneCode, "COEF", "GRILLE_COD", "LIBELLE.."},
+                                       [&](ChampsDbf& c, CoefficientDate valeur) {
+                                         const char code = c.lettre(2);
+                                         valeur.coefficient = c.decimal(3);
+                                         const unsigned grille = c.nombre(4);
+                                         if (c.bons()) {
+                                           libelles.noter(code, valeur.debut, c.texte(5));
+                                           parGrille.ajouter(code, grille, valeur);
+                                         }
+                                         return c.bons();
+                                       });
+    parGrille.pourChaque(lecture_, [&](char code, std::vector<CoefficientDate> valeurs) {
+      CodeACoefficients& element = codes.emplace_back();
+      element.code = code;
+      element.libelle = libelles.de(code, std::string(1, code));
       element.historiques = std::move(valeurs);
     });
   }
 
   void lireSpecialites() {
-    lecture_.parcourir("R_TB04", {"COD_SPECIA", "DT_DEBUT", "DT_FIN", "CATSPE_COD", "LIBELLE"},
-                       [&](ChampsDbf& c, const TableDbf&) {
-                         auto classe = periode<ClasseDate>(c, 1, 2);
-                         classe.classe = c.code<2>(3);
-                         std::string code = c.cle(0);
-                         code.erase(0, code.size() == 3 && code[0] == '0' ? 1 : 0);
-                         if (!c.bons() || code.empty() || code.size() > 2) {
-                           return c.refuser("code de spécialité mal écrit");
-                         }
-                         SpecialitePS& specialite =
-                             elementDe(base_.specialites, &SpecialitePS::code, CodeFixe<2>(code), c.lieu());
-                         specialite.libelle = c.texte(4);
-                         specialite.historiques.push_back(classe);
-                         return true;
-                       });
+    Libelles<CodeFixe<2>> libelles;
+    parcourirPeriodes<ClasseDate>(
+        "R_TB04", {"COD_SPECIA", "CATSPE_COD", "LIBELLE.."}, [&](ChampsDbf& c, ClasseDate classe) {
+          const auto code = c.code<2>(2);
+          classe.classe = c.code<2>(3);
+          if (c.bons()) {
+            libelles.noter(code, classe.debut, c.texte(4));
+            elementDe(base_.specialites, &SpecialitePS::code, code).historiques.push_back(classe);
+          }
+          return c.bons();
+        });
+    for (SpecialitePS& specialite : base_.specialites) {
+      specialite.libelle = libelles.de(specialite.code, {});
+      lecture_.enchainer(specialite.historiques);
+    }
+  }
+
+  void lireObligations() {
+    lecture_.parcourir("R_TB17", {"COD_NATURE", "SPECIA_COD", "DT_OBLIGAT"}, [&](ChampsDbf& c) {
+      const auto prestation = c.code<3>(0);
+      SpecialiteObligee obligee;
+      obligee.lieu = c.lieu();
+      obligee.code = c.code<2>(1);
+      obligee.date = c.date(2);
+      if (!c.bons()) {
+        return false;
+      }
+      auto& specialites = elementDe(base_.obligations, &Obligation::prestation, prestation).specialites;
+      const bool connue = std::any_of(specialites.begin(), specialites.end(),
+                                      [&](const SpecialiteObligee& s) { return s.code == obligee.code; });
+      if (connue) {
+        return c.refuser("spécialité en double pour la nature de prestation");
+      }
+      specialites.push_back(obligee);
+      return true;
+    });
   }
 
   void lireValeursDeModificateurs() {
     ParGrille<ForfaitEtTaux> parGrille(grille_);
-    std::map<char, std::string> libelles;
-    lecture_.parcourir("R_TB11",
-                       {"COD_MODIFI", "DT_DEBUT", "DT_FIN", "LIBELLE", "COEF", "FORFAIT", "GRILLE_COD"},
-                       [&](ChampsDbf& c, const TableDbf&) {
-                         auto valeur = periode<ForfaitEtTaux>(c, 1, 2);
-                         valeur.coefficient = multiplicateur(c.decimal(4));
-                         valeur.forfait = c.decimal(5);
-                         const unsigned grille = c.nombre(6);
-                         const char code = c.lettre(0);
-                         if (!c.bons() || code == ' ') {
-                           return c.refuser("code absent");
-                         }
-                         libelles[code] = c.texte(3);
-                         parGrille.ajouter(code, grille, valeur);
-                         return true;
-                       });
-    parGrille.pourChaque([&](char code, std::vector<ForfaitEtTaux> valeurs) {
-      ModificateurActe& modificateur =
-          elementDe(base_.modificateurs, &ModificateurActe::code, code, valeurs.front().lieu);
-      modificateur.libelle = libelles[code].empty() ? std::string(1, code) : libelles[code];
+    Libelles<char> libelles;
+    parcourirPeriodes<ForfaitEtTaux>("R_TB11", {"COD_MODIFI", "COEF", "FORFAIT", "GRILLE_COD", "LIBELLE.."},
+                                     [&](ChampsDbf& c, ForfaitEtTaux valeur) {
+                                       const char code = c.lettre(2);
+                                       valeur.coefficient = multiplicateur(c.decimal(3));
+                                       valeur.forfait = c.decimal(4);
+                                       const unsigned grille = c.nombre(5);
+                                       if (c.bons()) {
+                                         libelles.noter(code, valeur.debut, c.texte(6));
+                                         parGrille.ajouter(code, grille, valeur);
+                                       }
+                                       return c.bons();
+                                     });
+    parGrille.pourChaque(lecture_, [&](char code, std::vector<ForfaitEtTaux> valeurs) {
+      ModificateurActe& modificateur = base_.modificateurs.emplace_back();
+      modificateur.code = code;
+      modificateur.libelle = libelles.de(code, std::string(1, code));
       modificateur.valeurs = std::move(valeurs);
     });
   }
 
-  // Below 1, what is added to the price; from 1 on, what the price is multiplied by.
-  static double multiplicateur(double coefficient) {
-    return coefficient < 1.0 ? 1.0 + coefficient : coefficient;
+  ModificateurActe* modificateur(char code) {
+    const auto trouve = std::find_if(base_.modificateurs.begin(), base_.modificateurs.end(),
+                                     [&](const ModificateurActe& m) { return m.code == code; });
+    return trouve == base_.modificateurs.end() ? nullptr : &*trouve;
   }
 
-  // What a table tells of a modifier that has values: f(fields, modifier).
-  template <class F>
-  void deModificateur(const char* table, const std::vector<const char*>& colonnes, F&& f) {
-    lecture_.parcourir(table, colonnes, [&](ChampsDbf& c, const TableDbf&) {
-      const char code = c.lettre(0);
-      const auto modificateur = std::find_if(base_.modificateurs.begin(), base_.modificateurs.end(),
-                                             [&](const ModificateurActe& m) { return m.code == code; });
-      if (modificateur == base_.modificateurs.end()) {
+  // What a table tells of the modifiers; `code` is their column.
+  template <class E, class F>
+  void deModificateurs(const char* table, const char* code, std::vector<std::string_view> colonnes,
+                       std::vector<E> ModificateurActe::*liste, F&& remplir) {
+    if (base_.modificateurs.empty()) {
+      return;  // those of the complement come with what it tells of them
+    }
+    colonnes.insert(colonnes.begin(), code);
+    parcourirPeriodes<E>(table, std::move(colonnes), [&](ChampsDbf& c, E element) {
+      ModificateurActe* const porteur = modificateur(c.lettre(2));
+      remplir(c, element);
+      if (porteur == nullptr) {
         return c.refuser("modificateur inconnu");
       }
-      f(c, *modificateur);
+      if (c.bons()) {
+        (porteur->*liste).push_back(element);
+      }
       return c.bons();
     });
   }
 
-  template <class T>
-  static void garderSiBon(ChampsDbf& c, std::vector<T>& liste, const T& element) {
-    if (c.bons()) {
-      liste.push_back(element);
+  void lireControlesDeModificateurs() {
+    deModificateurs("R_TB06", "MODIFI_COD", {"UNI_AGEMIN", "AGE_MIN", "UNI_AGEMAX", "AGE_MAX"},
+                    &ModificateurActe::ages, [](ChampsDbf& c, AgeModificateur& age) {
+                      const auto unite = [&](std::size_t k) {
+                        const char lue = c.vide(k) ? 'A' : c.lettre(k);
+                        if (lue != 'A' && lue != 'M' && lue != 'J') {
+                          c.refuser("unité d'âge inconnue");
+                        }
+                        return lue;
+                      };
+                      age.uniteMinimum = unite(3);
+                      age.minimum = c.court(4);
+                      age.uniteMaximum = unite(5);
+                      age.maximum = c.court(6);
+                    });
+    deModificateurs("R_TB09", "MODIF_COD1", {"MODIF_COD2"}, &ModificateurActe::compatibles,
+                    [&](ChampsDbf& c, CodeModificateurDate& compatible) {
+                      compatible.code = c.lettre(3);
+                      if (modificateur(compatible.code) == nullptr) {
+                        c.refuser("modificateur inconnu");
+                      }
+                    });
+    deModificateurs("R_TB10", "MODIFI_COD", {"TOP_CTRLE", "TOP_MULTIP"}, &ModificateurActe::coherences,
+                    [](ChampsDbf& c, CoherenceModificateur& coherence) {
+                      coherence.controle = c.oui(3);
+                      coherence.presenceMultiple = c.oui(4);
+                    });
+    deModificateurs("R_TB15", "MODIFI_COD", {"COD_MODOC"}, &ModificateurActe::oc,
+                    [](ChampsDbf& c, CodeModificateurDate& oc) { oc.code = c.lettre(3); });
+    for (ModificateurActe& modificateur : base_.modificateurs) {
+      lecture_.enchainer(modificateur.ages);
+      lecture_.enchainer(modificateur.compatibles, &CodeModificateurDate::code);
+      lecture_.enchainer(modificateur.coherences);
+      lecture_.enchainer(modificateur.oc);
     }
   }
 
-  void lireAgesEtCoherences() {
-    const auto oui = [](ChampsDbf& c, std::size_t k) {
-      const char lu = c.lettre(k);
-      return lu == 'O' || lu == '1';
-    };
-    deModificateur("R_TB06",
-                   {"MODIFI_COD", "DT_DEBUT", "DT_FIN", "UNI_AGEMIN", "AGE_MIN", "UNI_AGEMAX", "AGE_MAX"},
-                   [](ChampsDbf& c, ModificateurActe& modificateur) {
-                     auto age = periode<AgeModificateur>(c, 1, 2);
-                     age.uniteMinimum = c.vide(3) ? 'A' : c.lettre(3);
-                     age.minimum = c.court(4);
-                     age.uniteMaximum = c.vide(5) ? 'A' : c.lettre(5);
-                     age.maximum = c.court(6);
-                     garderSiBon(c, modificateur.ages, age);
-                   });
-    deModificateur("R_TB09", {"MODIF_COD1", "MODIF_COD2", "DT_DEBUT", "DT_FIN"},
-                   [](ChampsDbf& c, ModificateurActe& modificateur) {
-                     auto compatible = periode<CodeModificateurDate>(c, 2, 3);
-                     compatible.code = c.lettre(1);
-                     garderSiBon(c, modificateur.compatibles, compatible);
-                   });
-    deModificateur("R_TB10", {"MODIFI_COD", "DT_DEBUT", "DT_FIN", "TOP_CTRLE", "TOP_MULTIP"},
-                   [&](ChampsDbf& c, ModificateurActe& modificateur) {
-                     auto coherence = periode<CoherenceModificateur>(c, 1, 2);
-                     coherence.controle = oui(c, 3);
-                     coherence.presenceMultiple = oui(c, 4);
-                     garderSiBon(c, modificateur.coherences, coherence);
-                   });
-    deModificateur("R_TB15", {"MODIFI_COD", "COD_MODOC", "DT_DEBUT", "DT_FIN"},
-                   [](ChampsDbf& c, ModificateurActe& modificateur) {
-                     auto oc = periode<CodeModificateurDate>(c, 2, 3);
-                     oc.code = c.lettre(1);
-                     garderSiBon(c, modificateur.oc, oc);
-                   });
-  }
-
-  void lireSeuils() {
-    lecture_.parcourir("R_TB07", {"DT_DEBUT", "DT_FIN", "METROPOLE", "ANTILLES", "REUNION", "GUYANE"},
-                       [&](ChampsDbf& c, const TableDbf&) {
-                         auto seuil = periode<SeuilDate>(c, 0, 1);
-                         seuil.metropole = c.decimal(2);
-                         seuil.antilles = c.decimal(3);
-                         seuil.reunion = c.decimal(4);
-                         seuil.guyane = c.decimal(5);
-                         garderSiBon(c, base_.seuils, seuil);
-                         return c.bons();
-                       });
-  }
-
   void lireFeries() {
-    lecture_.parcourir(
-        "R_TB08", {"COD_CAISSE", "JOUR_FERIE", "DT_DEBUT", "DT_FIN", "TYPE_JOUR"},
-        [&](ChampsDbf& c, const TableDbf&) {
-          auto jour = periode<JourFerie>(c, 2, 3);
-          jour.jour = c.date(1, true);
+    parcourirPeriodes<JourFerie>(
+        "R_TB08", {"COD_CAISSE", "JOUR_FERIE", "TYPE_JOUR"}, [&](ChampsDbf& c, JourFerie jour) {
+          std::string code(c.code<3>(2).vue());
+          code.insert(0, 3 - code.size(), '0');
+          jour.jour = c.date(3);
           jour.type = c.vide(4) ? 'F' : c.lettre(4);
-          std::string code = c.cle(0);
-          code.insert(0, code.size() < 3 ? 3 - code.size() : 0, '0');
-          if (!c.bons() || code.size() != 3) {
-            return c.refuser("code de caisse mal écrit");
+          if (c.bons()) {
+            elementDe(base_.caisses, &Caisse::code, CodeFixe<3>(code)).jours.push_back(jour);
           }
-          elementDe(base_.caisses, &Caisse::code, CodeFixe<3>(code), c.lieu()).jours.push_back(jour);
-          return true;
+          return c.bons();
         });
-  }
-
-  void lireRegroupements() {
-    std::map<std::string, std::string> libelles;
-    lecture_.parcourir("R_REGROUPEMENT", {"COD_*", "LIBELLE"}, [&](ChampsDbf& c, const TableDbf&) {
-      return libelles.emplace(c.cle(0), c.texte(1)).second;
-    });
-    lecture_.parcourir("R_TB13", {"COD_NATURE", "DT_DEBUT", "DT_FIN"}, [&](ChampsDbf& c, const TableDbf&) {
-      auto regroupement = periode<Regroupement>(c, 1, 2);
-      regroupement.code = c.code<3>(0);
-      const std::string& libelle = libelles[c.cle(0)];
-      regroupement.libelle = libelle.empty() ? phrase("Code de regroupement ", c.cle(0)) : libelle;
-      if (regroupement.code.vue().empty()) {
-        return c.refuser("code absent");
-      }
-      garderSiBon(c, base_.regroupements, regroupement);
-      return c.bons();
-    });
-  }
-
-  void lireDivers() {
-    lecture_.parcourir("R_TB12", {"DT_DEBUT", "DT_FIN", "FORFAIT_RN", "COEF_RNC"},
-                       [&](ChampsDbf& c, const TableDbf&) {
-                         auto reduction = periode<ForfaitEtTaux>(c, 0, 1);
-                         reduction.forfait = c.decimal(2);
-                         reduction.coefficient = c.decimal(3);
-                         garderSiBon(c, base_.reductionsNonConventionne, reduction);
-                         return c.bons();
-                       });
-    lecture_.parcourir("R_TB19", {"DT_DEBUT", "DT_FIN", "NB_MODIFIC"}, [&](ChampsDbf& c, const TableDbf&) {
-      auto nombre = periode<NombreDate>(c, 0, 1);
-      nombre.nombre = c.court(2);
-      garderSiBon(c, base_.nombresModificateursTarifants, nombre);
-      return c.bons();
-    });
-    lecture_.parcourir("R_TB17", {"COD_NATURE", "SPECIA_COD", "DT_OBLIGAT"},
-                       [&](ChampsDbf& c, const TableDbf&) {
-                         SpecialiteObligee obligee;
-                         obligee.lieu = c.lieu();
-                         std::string code = c.cle(1);
-                         code.erase(0, code.size() == 3 && code[0] == '0' ? 1 : 0);
-                         obligee.date = c.date(2, true);
-                         const CodeFixe<3> prestation = c.code<3>(0);
-                         if (!c.bons() || prestation.vue().empty() || code.empty() || code.size() > 2) {
-                           return c.refuser("code absent ou mal écrit");
-                         }
-                         obligee.code = CodeFixe<2>(code);
-                         elementDe(base_.obligations, &Obligation::prestation, prestation, c.lieu())
-                             .specialites.push_back(obligee);
-                         return true;
-                       });
-  }
-
-  // One record a value: those of one concept and one period go together.
-  void lireConcepts() {
-    lecture_.parcourir(
-        "R_TB20", {"CONCEPT", "CODE", "DT_DEBUT", "DT_FIN"}, [&](ChampsDbf& c, const TableDbf&) {
-          auto lu = periode<ValeursDate>(c, 2, 3);
-          const std::uint16_t numero = c.court(0);
-          const std::string valeur = c.cle(1);
-          if (!c.bons() || numero == 0 || valeur.empty()) {
-            return c.refuser("concept sans numéro ou sans code");
-          }
-          Concept& concept_ = elementDe(base_.concepts, &Concept::numero, numero, c.lieu());
-          const auto meme =
-              std::find_if(concept_.historiques.begin(), concept_.historiques.end(),
-                           [&](const ValeursDate& h) { return h.debut == lu.debut && h.fin == lu.fin; });
-          if (meme != concept_.historiques.end()) {
-            meme->valeurs.push_back(valeur);
-          } else {
-            lu.valeurs.push_back(valeur);
-            concept_.historiques.push_back(std::move(lu));
-          }
-          return true;
-        });
-  }
-
-  void lireEtiquettes() {
-    constexpr struct {
-      const char* table;
-      TableCode numero;
-      std::size_t largeur;
-    } TABLES[] = {{"R_ACTIVITE", CODES_ACTIVITE, 1},         {"R_TYPE", CODES_TYPE_ACTE, 1},
-                  {"R_CATEGORIE_MEDIC", CODES_CATEGORIE, 2}, {"R_REMBOURSEMENT", CODES_ADMISSION, 1},
-                  {"R_EXO_TM", CODES_EXONERATION, 1},        {"R_NAT_ASS", CODES_NATURE_ASSURANCE, 2},
-                  {"R_FRAIS_DEP", CODES_FRAIS, 1},           {"R_EXTENSION", CODES_EXTENSION, 1}};
-    for (const auto& table : TABLES) {
-      lecture_.parcourir(table.table, {"COD_*", "LIBELLE"}, [&](ChampsDbf& c, const TableDbf&) {
-        const std::string code = c.cle(0);
-        const std::string libelle = c.texte(1);
-        if (code.empty() || code.size() > table.largeur || libelle.empty()) {
-          return c.refuser("code absent ou mal écrit");
-        }
-        const std::uint16_t numero = table.numero;
-        TableDeCodes& codes = elementDe(base_.tablesDeCodes, &TableDeCodes::numero, numero, c.lieu());
-        const bool connu = std::any_of(codes.valeurs.begin(), codes.valeurs.end(),
-                                       [&](const ValeurDeCode& v) { return v.code == code; });
-        if (connu) {
-          return c.refuser("code en double");
-        }
-        ValeurDeCode& valeur = codes.valeurs.emplace_back();
-        valeur.lieu = c.lieu();
-        valeur.code = code;
-        valeur.libelle = libelle;
-        return true;
-      });
+    for (Caisse& caisse : base_.caisses) {
+      lecture_.enchainer(caisse.jours, &JourFerie::jour);
     }
   }
 
   LectureDbf& lecture_;
-  unsigned grille_;
+  Grille grille_;
   Modele& base_;
 };
 
 }  // namespace
 
-void lireTablesDeReference(LectureDbf& lecture, unsigned grille, Modele& base) {
+void lireTablesDeReference(LectureDbf& lecture, Grille grille, Modele& base) {
   LectureTables(lecture, grille, base).lire();
 }
 

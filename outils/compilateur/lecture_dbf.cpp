@@ -1,16 +1,29 @@
 #include "compilateur/lecture_dbf.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
+#include <filesystem>
 #include <limits>
+
+#include "compilateur/cp850.h"
+#include "compilateur/transcodage.h"
 
 namespace noxlux::compilateur {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr double PLAFOND = 1000000.0;
 
 bool estCaractereDeCode(char c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z'); }
+
+std::string enCapitales(std::string texte) {
+  std::transform(texte.begin(), texte.end(), texte.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+  return texte;
+}
 
 }  // namespace
 
@@ -27,31 +40,33 @@ std::string ChampsDbf::cle(std::size_t k) const {
   return cle;
 }
 
-std::string ChampsDbf::convertir(std::string_view cp850) {
-  std::size_t perdus = 0;
-  std::string texte = depuisCp850(cp850, perdus);
-  if (perdus != 0) {
-    bilan_.ajuster("caractères de la page de codes 850 sans équivalent, remplacés par « ? »", lieu_);
-  }
-  return std::string(rognerChamp(texte));
-}
-
-std::string ChampsDbf::texte(std::size_t k) { return convertir(brut(k)); }
-
-std::string ChampsDbf::texteEnTranches(const std::vector<int>& tranches) {
+std::string ChampsDbf::texte(std::size_t k) {
   std::string entier;
-  for (const int rang : tranches) {
+  for (const int rang : colonnes_[k]) {
     entier += table_.brut(rang);
   }
-  return convertir(entier);
+  const TexteCp850 lu = depuisCp850(rognerChamp(entier));
+  for (const char octet : lu.remplaces) {
+    char ecrit[8];
+    std::snprintf(ecrit, sizeof ecrit, "0x%02X", static_cast<unsigned>(static_cast<unsigned char>(octet)));
+    bilan_.ajuster(phrase("caractère ", ecrit, " de la page de codes 850 remplacé par « ",
+                          std::string(1, equivalentCp850(octet)), " »"),
+                   lieu_);
+  }
+  return lu.latin1;
 }
 
-DateBrute ChampsDbf::date(std::size_t k, bool obligatoire) {
+DateBrute ChampsDbf::date(std::size_t k) {
+  const DateBrute lue = dateOuVide(k);
+  if (lue.estNulle()) {
+    refuser("date absente");
+  }
+  return lue;
+}
+
+DateBrute ChampsDbf::dateOuVide(std::size_t k) {
   const std::string_view lu = brut(k);
-  if (lu.empty() || lu == "00000000") {
-    if (obligatoire) {
-      refuser("date absente");
-    }
+  if (lu.empty() || lu.find_first_not_of('0') == lu.npos) {
     return {};
   }
   unsigned valeur = 0;
@@ -97,12 +112,22 @@ double ChampsDbf::decimal(std::size_t k) {
   return valeur;
 }
 
-char ChampsDbf::lettre(std::size_t k) {
-  const std::string lu = codeDeTaille(cle(k), 1);
+char ChampsDbf::lettreOuVide(std::size_t k) {
+  const std::string lu = codeDeTaille(k, 1);
   return lu.empty() ? ' ' : lu[0];
 }
 
-std::string ChampsDbf::codeDeTaille(std::string lu, std::size_t taille) {
+void ChampsDbf::exigerCode(std::size_t k) {
+  if (vide(k)) {
+    refuser("code absent");
+  }
+}
+
+std::string ChampsDbf::codeDeTaille(std::size_t k, std::size_t taille) {
+  std::string lu = cle(k);
+  while (lu.size() > taille && lu[0] == '0') {
+    lu.erase(0, 1);
+  }
   if (lu.size() > taille || !std::all_of(lu.begin(), lu.end(), estCaractereDeCode)) {
     refuser("code mal écrit");
     return {};
@@ -110,29 +135,62 @@ std::string ChampsDbf::codeDeTaille(std::string lu, std::size_t taille) {
   return lu;
 }
 
-std::unique_ptr<TableDbf> LectureDbf::ouvrir(const char* nom, const std::vector<const char*>& colonnes,
-                                             bool necessaire, std::vector<int>& rangs) {
-  std::string raison;
-  std::unique_ptr<TableDbf> table = TableDbf::ouvrir(repertoire_, nom, raison);
-  if (table == nullptr) {
-    if (!raison.empty()) {
-      rapport_.signaler({}, raison);
-    } else if (necessaire) {
-      rapport_.signaler({}, phrase(repertoire_, " : la table ", nom, " manque"));
-    } else {
-      bilan_.ajuster("table absente, ce qu'elle dirait vient du complément ou manque", {}, nom);
+std::string ChampsDbf::detail() const {
+  constexpr std::size_t COLONNES_DITES = 4;
+  std::string resultat;
+  for (std::size_t k = 0; k < std::min(colonnes_.size(), COLONNES_DITES); ++k) {
+    resultat += phrase(resultat.empty() || vide(k) ? "" : " ", depuisCp850(brut(k)).latin1);
+  }
+  return versUtf8(resultat);
+}
+
+LectureDbf::LectureDbf(const std::string& repertoire, const Avancement& avancement, BilanImport& bilan,
+                       Rapport& rapport)
+    : repertoire_(repertoire),
+      avancement_(avancement),
+      bilan_(bilan),
+      rapport_(rapport),
+      fautes_(rapport.nombreFautes()) {
+  std::error_code erreur;
+  for (fs::directory_iterator it(repertoire, erreur), fin; !erreur && it != fin; it.increment(erreur)) {
+    const std::string extension = it->path().extension().string();
+    if (extension == ".dbf" || extension == ".DBF") {
+      tables_.emplace(enCapitales(it->path().stem().string()), it->path().string());
     }
+  }
+  if (erreur) {
+    signaler("le répertoire ne peut pas être lu");
+  } else if (tables_.empty()) {
+    signaler("le répertoire ne contient aucune table dBASE (.dbf)");
+  }
+}
+
+void LectureDbf::exiger(std::string_view nom) {
+  if (!contient(nom)) {
+    signaler("la table ", nom, " manque");
+  }
+}
+
+std::unique_ptr<TableDbf> LectureDbf::ouvrir(const char* nom, const std::vector<std::string_view>& colonnes,
+                                             std::vector<std::vector<int>>& rangs) {
+  const auto chemin = tables_.find(nom);
+  if (chemin == tables_.end()) {
+    bilan_.ajuster("table absente : ce qu'elle dirait vient du complément, ou manque", {},
+                   phrase("la table ", nom));
+    return nullptr;
+  }
+  std::string raison;
+  std::unique_ptr<TableDbf> table = TableDbf::ouvrir(chemin->second, raison);
+  if (table == nullptr) {
+    rapport_.signaler({}, phrase(chemin->second, " : ", raison));
     return nullptr;
   }
   for (const std::string_view colonne : colonnes) {
-    const std::optional<int> rang = colonne.ends_with('*')
-                                        ? table->premiereColonne(colonne.substr(0, colonne.size() - 1))
-                                        : table->colonne(std::string(colonne).c_str());
-    if (!rang) {
-      rapport_.signaler({}, phrase(table->chemin(), " : la colonne ", colonne, " manque"));
-      return nullptr;
+    rangs.push_back(table->colonnes(colonne));
+    if (rangs.back().empty()) {
+      rapport_.signaler(
+          {}, phrase(chemin->second, " : la colonne ", colonne.substr(0, colonne.find('.')), " manque"));
     }
-    rangs.push_back(*rang);
   }
   return table;
 }

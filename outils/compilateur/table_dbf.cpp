@@ -5,34 +5,21 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 
 namespace noxlux::compilateur {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-// ISO-8859-1 of the characters 0x80 to 0xFF of code page 850; 0 for those it does not have.
-constexpr std::array<unsigned char, 128> CP850 = {
-    0xC7, 0xFC, 0xE9, 0xE2, 0xE4, 0xE0, 0xE5, 0xE7, 0xEA, 0xEB, 0xE8, 0xEF, 0xEE, 0xEC, 0xC4, 0xC5,
-    0xC9, 0xE6, 0xC6, 0xF4, 0xF6, 0xF2, 0xFB, 0xF9, 0xFF, 0xD6, 0xDC, 0xF8, 0xA3, 0xD8, 0xD7, 0x00,
-    0xE1, 0xED, 0xF3, 0xFA, 0xF1, 0xD1, 0xAA, 0xBA, 0xBF, 0xAE, 0xAC, 0xBD, 0xBC, 0xA1, 0xAB, 0xBB,
-    0x00, 0x00, 0x00, 0x00, 0x00, 0xC1, 0xC2, 0xC0, 0xA9, 0x00, 0x00, 0x00, 0x00, 0xA2, 0xA5, 0x00,
-    0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xE3, 0xC3, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xA4,
-    0xF0, 0xD0, 0xCA, 0xCB, 0xC8, 0x00, 0xCD, 0xCE, 0xCF, 0x00, 0x00, 0x00, 0x00, 0xA6, 0xCC, 0x00,
-    0xD3, 0xDF, 0xD4, 0xD2, 0xF5, 0xD5, 0xB5, 0xFE, 0xDE, 0xDA, 0xDB, 0xD9, 0xFD, 0xDD, 0xAF, 0xB4,
-    0xAD, 0xB1, 0x00, 0xBE, 0xB6, 0xA7, 0xF7, 0xB8, 0xB0, 0xA8, 0xB7, 0xB9, 0xB3, 0xB2, 0x00, 0xA0,
-};
-
-bool memeNom(std::string_view gauche, std::string_view droite) {
-  return std::equal(gauche.begin(), gauche.end(), droite.begin(), droite.end(), [](char a, char b) {
-    return std::toupper(static_cast<unsigned char>(a)) == std::toupper(static_cast<unsigned char>(b));
-  });
-}
+constexpr std::string_view SUITES = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr std::size_t LONGUEUR_NOM = 10;  // of a column: names are cut there
 
 // What the header announces against what the file holds; empty when it holds it.
-std::string controlerTaille(const fs::path& chemin) {
+std::string controlerTaille(const std::string& chemin) {
   std::ifstream flux(chemin, std::ios::binary);
+  if (!flux.is_open()) {
+    return "le fichier ne peut pas être lu";
+  }
   std::array<char, 32> entete{};
   if (!flux.read(entete.data(), entete.size())) {
     return "le fichier est trop court pour une table dBASE";
@@ -42,97 +29,96 @@ std::string controlerTaille(const fs::path& chemin) {
   const std::uint64_t debut = octet(8) | octet(9) << 8U;
   const std::uint64_t longueur = octet(10) | octet(11) << 8U;
   std::error_code erreur;
-  const std::uint64_t taille = fs::file_size(chemin, erreur);
-  if ((octet(0) & 0x07U) != 3 || debut < entete.size() || longueur == 0 || erreur) {
+  const std::uint64_t taille = std::filesystem::file_size(chemin, erreur);
+  if ((octet(0) & 0x07U) != 3 || debut <= entete.size() || longueur == 0 || erreur) {
     return "le fichier n'est pas une table dBASE III";
   }
-  return debut + nombre * longueur > taille
-             ? "le fichier est tronqué : il annonce plus d'enregistrements qu'il n'en contient"
-             : std::string();
+  if (nombre > std::uint64_t{std::numeric_limits<int>::max()} || debut + nombre * longueur > taille) {
+    return "le fichier est tronqué : il annonce " + std::to_string(nombre) +
+           " enregistrements et n'en contient pas autant";
+  }
+  return {};
 }
 
 }  // namespace
 
-std::unique_ptr<TableDbf> TableDbf::ouvrir(const std::string& repertoire, std::string_view nom,
-                                           std::string& raison) {
-  raison.clear();
-  std::error_code erreur;
-  for (fs::directory_iterator it(repertoire, erreur), fin; !erreur && it != fin; it.increment(erreur)) {
-    const fs::path& chemin = it->path();
-    if (!memeNom(chemin.extension().string(), ".dbf") || !memeNom(chemin.stem().string(), nom)) {
-      continue;
-    }
-    std::unique_ptr<TableDbf> table(new TableDbf);
-    table->chemin_ = chemin.string();
-    raison = controlerTaille(chemin);
-    if (raison.empty()) {
-      table->table_.reset(DBFOpen(chemin.c_str(), "rb"));
-      raison = table->table_ == nullptr ? "la table dBASE est illisible" : "";
-    }
-    if (!raison.empty()) {
-      raison = chemin.string() + " : " + raison;
-      return nullptr;
-    }
-    table->nombre_ = static_cast<std::uint32_t>(std::max(0, DBFGetRecordCount(table->table_.get())));
-    return table;
+std::unique_ptr<TableDbf> TableDbf::ouvrir(const std::string& chemin, std::string& raison) {
+  raison = controlerTaille(chemin);
+  if (!raison.empty()) {
+    return nullptr;
   }
-  return nullptr;
+  std::unique_ptr<TableDbf> table(new TableDbf);
+  table->chemin_ = chemin;
+  table->table_.reset(DBFOpen(chemin.c_str(), "rb"));
+  raison = table->table_ == nullptr ? "la table dBASE est illisible" : table->controlerColonnes();
+  if (!raison.empty()) {
+    return nullptr;
+  }
+  table->nombre_ = static_cast<std::uint32_t>(DBFGetRecordCount(table->table_.get()));
+  return table;
 }
 
-std::optional<int> TableDbf::colonne(const char* nom) const {
-  const int rang = DBFGetFieldIndex(table_.get(), nom);
-  return rang < 0 ? std::nullopt : std::optional(rang);
-}
-
-std::optional<int> TableDbf::premiereColonne(std::string_view debut) const {
+// Fields lie inside the record, whatever the widths told for them.
+std::string TableDbf::controlerColonnes() {
   for (int rang = 0; rang < DBFGetFieldCount(table_.get()); ++rang) {
-    char nom[XBASE_FLDNAME_LEN_READ + 1] = {};
-    DBFGetFieldInfo(table_.get(), rang, nom, nullptr, nullptr);
-    if (std::string_view(nom).starts_with(debut)) {
-      return rang;
+    std::array<char, XBASE_FLDNAME_LEN_READ + 1> nom{};
+    DBFGetFieldInfo(table_.get(), rang, nom.data(), nullptr, nullptr);
+    std::string& capitales = noms_.emplace_back(nom.data());
+    std::transform(capitales.begin(), capitales.end(), capitales.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    const int debut = table_->panFieldOffset[rang];
+    const int largeur = table_->panFieldSize[rang];
+    if (debut < 0 || largeur < 0 || debut > table_->nRecordLength - largeur) {
+      return "les colonnes sont plus larges que les enregistrements";
     }
   }
-  return std::nullopt;
+  return noms_.empty() ? "la table dBASE n'a aucune colonne" : std::string();
 }
 
-std::vector<int> TableDbf::tranches(const std::string& nom) const {
-  std::vector<int> rangs;
-  if (const std::optional<int> premiere = colonne(nom.c_str())) {
-    rangs.push_back(*premiere);
+std::vector<int> TableDbf::colonnes(std::string_view nom) const {
+  if (nom.ends_with("..")) {
+    return tranches(nom.substr(0, nom.size() - 2));
   }
-  for (const char suite : std::string_view("0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ")) {
-    if (const std::optional<int> rang = colonne((nom + suite).c_str())) {
-      rangs.push_back(*rang);
+  const bool prefixe = nom.ends_with('*');
+  const std::string_view debut = prefixe ? nom.substr(0, nom.size() - 1) : nom;
+  const auto trouve = std::find_if(noms_.begin(), noms_.end(), [&](const std::string& colonne) {
+    return prefixe ? colonne.starts_with(debut) : colonne == debut;
+  });
+  return trouve == noms_.end() ? std::vector<int>() : std::vector{static_cast<int>(trouve - noms_.begin())};
+}
+
+// The slices in the order of their numbers. Where the name leaves no room for a number, the number takes the
+// place of its last character, or is lost: such columns are taken in the order of the file.
+std::vector<int> TableDbf::tranches(std::string_view nom) const {
+  const bool coupe = nom.size() >= LONGUEUR_NOM;
+  const std::string_view debut = coupe ? nom.substr(0, LONGUEUR_NOM - 1) : nom;
+  std::vector<std::pair<std::size_t, int>> trouvees;
+  for (std::size_t rang = 0; rang < noms_.size(); ++rang) {
+    const std::string& colonne = noms_[rang];
+    const std::size_t suite = colonne.size() == debut.size() + 1 && colonne.starts_with(debut)
+                                  ? SUITES.find(colonne.back())
+                                  : SUITES.npos;
+    if (colonne == nom || suite != SUITES.npos) {
+      trouvees.emplace_back(coupe || colonne == nom ? 0 : suite + 1, static_cast<int>(rang));
     }
+  }
+  std::stable_sort(trouvees.begin(), trouvees.end(),
+                   [](const auto& g, const auto& d) { return g.first < d.first; });
+  std::vector<int> rangs;
+  for (const auto& [ordre, rang] : trouvees) {
+    rangs.push_back(rang);
   }
   return rangs;
 }
 
 bool TableDbf::lire(std::uint32_t i) {
   enregistrement_ = DBFReadTuple(table_.get(), static_cast<int>(i));
-  return enregistrement_ != nullptr && *enregistrement_ != '*';
+  return enregistrement_ != nullptr;
 }
 
 std::string_view TableDbf::brut(int colonne) const {
   return {enregistrement_ + table_->panFieldOffset[colonne],
           static_cast<std::size_t>(table_->panFieldSize[colonne])};
-}
-
-std::string depuisCp850(std::string_view texte, std::size_t& perdus) {
-  std::string latin1;
-  latin1.reserve(texte.size());
-  for (const char c : texte) {
-    const auto octet = static_cast<unsigned char>(c);
-    if (octet >= 0x80 && CP850[octet - 0x80U] == 0) {
-      ++perdus;
-      latin1 += '?';
-    } else if (octet >= 0x80) {
-      latin1 += static_cast<char>(CP850[octet - 0x80U]);
-    } else if (octet >= 0x20 || c == '\n' || c == '\t') {
-      latin1 += c;
-    }
-  }
-  return latin1;
 }
 
 std::string_view rognerChamp(std::string_view champ) {

@@ -1,4 +1,4 @@
-// A dBASE III table, read record by record. Texts are in code page 850 in the file, in ISO-8859-1 here.
+// A dBASE III table, read record by record.
 #ifndef NOXLUX_COMPILATEUR_TABLE_DBF_H
 #define NOXLUX_COMPILATEUR_TABLE_DBF_H
 
@@ -6,34 +6,28 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "types/date.h"
 
 namespace noxlux::compilateur {
 
 class TableDbf {
  public:
-  // The table of that name in a directory, whatever the case of the file's name. Null when there is none, or,
-  // with why in `raison`, when it cannot be read.
-  static std::unique_ptr<TableDbf> ouvrir(const std::string& repertoire, std::string_view nom,
-                                          std::string& raison);
+  // Null, with why in `raison`, when the file is no table, or not all of one.
+  static std::unique_ptr<TableDbf> ouvrir(const std::string& chemin, std::string& raison);
 
   const std::string& chemin() const { return chemin_; }
+  // Records, those marked as deleted included.
   std::uint32_t nombre() const { return nombre_; }
-  // The rank of a column; nothing when the table has none of that name.
-  std::optional<int> colonne(const char* nom) const;
-  // The first column whose name begins so.
-  std::optional<int> premiereColonne(std::string_view debut) const;
-  // The columns of a text cut in slices: NAME, NAME0 to NAME9, NAMEA to NAMEZ, as far as there are some.
-  std::vector<int> tranches(const std::string& nom) const;
+  // The ranks of the columns that a name stands for: "NAME" one column, "NAME.." the slices of a text cut
+  // over NAME, NAME0 to NAME9, NAMEA to NAMEZ, "NAME*" the first that begins so. None when there is none.
+  std::vector<int> colonnes(std::string_view nom) const;
 
-  // Makes a record the current one; false when it is marked as deleted, or cannot be read.
+  // Makes a record the current one; false when it cannot be read.
   bool lire(std::uint32_t i);
-  // The bytes of a field of the current record, blanks included.
+  bool estEfface() const { return *enregistrement_ == '*'; }
+  // The bytes of a field of the current record, blanks included. REQUIRES: a current record.
   std::string_view brut(int colonne) const;
 
  private:
@@ -41,15 +35,16 @@ class TableDbf {
     void operator()(DBFInfo* table) const { DBFClose(table); }
   };
   TableDbf() = default;
+  std::string controlerColonnes();
+  std::vector<int> tranches(std::string_view nom) const;
 
   std::string chemin_;
   std::uint32_t nombre_ = 0;
   std::unique_ptr<DBFInfo, Fermeture> table_;
+  std::vector<std::string> noms_;  // of the columns, in capitals
   const char* enregistrement_ = nullptr;
 };
 
-// From code page 850; `perdus` counts the characters that ISO-8859-1 does not have.
-std::string depuisCp850(std::string_view texte, std::size_t& perdus);
 // Without the blanks and zero bytes on both sides.
 std::string_view rognerChamp(std::string_view champ);
 

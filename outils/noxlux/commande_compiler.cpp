@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,7 +33,7 @@ struct Options {
   std::string sortie;
   std::string listing;
   std::string baseDbf;
-  unsigned grille = 0;  // 0: the source's own default
+  std::optional<unsigned> grille;  // nothing: the source's own default
   bool strict = false;
   bool verbeux = false;
 
@@ -97,21 +98,24 @@ char reglePleine(const Modele& modele) {
   throw ErreurUsage("aucune règle tarifaire du complément n'a aujourd'hui 1 pour coefficient");
 }
 
-void importer(const Options& options, Modele& modele, BilanImport& bilan, Rapport& rapport) {
+void importer(const Options& options, const Avancement& avancement, Modele& modele, BilanImport& bilan,
+              Rapport& rapport) {
   const std::uint32_t premiereSource = rapport.nombreSources();
   Modele importe;
-  bool lu = false;
   if (!options.baseDbf.empty()) {
-    lu = importerBaseDbf(options.baseDbf, options.grille, importe, bilan, rapport);
+    if (!importerBaseDbf(options.baseDbf, options.grille, avancement, importe, bilan, rapport)) {
+      return;
+    }
+    fusionnerBase(std::move(importe), modele, bilan);
   } else {
-    const ColonnePrix colonne = options.grille == 2 ? ColonnePrix::HORS_SECTEUR_1 : ColonnePrix::SECTEUR_1;
-    lu = importerListing(options.listing, colonne, reglePleine(modele), importe, bilan, rapport);
+    const ColonnePrix colonne = options.grille == 2U ? ColonnePrix::HORS_SECTEUR_1 : ColonnePrix::SECTEUR_1;
+    if (!importerListing(options.listing, colonne, reglePleine(modele), importe, bilan, rapport)) {
+      return;
+    }
+    fusionnerListing(std::move(importe), modele);
   }
-  if (lu) {
-    const auto fusionner = options.baseDbf.empty() ? fusionnerListing : fusionnerBase;
-    fusionner(std::move(importe), modele);
-    epurer(modele, premiereSource, rapport, bilan);
-  }
+  avancement("contrôle de ce qui a été lu", 0, 1);
+  epurer(modele, premiereSource, rapport, bilan);
 }
 
 int refuser(const Rapport& rapport) {
@@ -141,17 +145,17 @@ int executer(const Options& options) {
   Bilan bilan;
   {
     Progression progression;
-    progression.montrer("lecture des sources", 0, 1);
+    const Avancement avancement = [&](std::string_view etape, std::size_t fait, std::size_t total) {
+      progression.montrer(etape, fait, total);
+    };
+    avancement("lecture des sources", 0, 1);
     lireSourcesToml(cheminsToml(options), modele, rapport);
     if (options.importe() && rapport.estVide()) {
-      importer(options, modele, bilanImport, rapport);
+      importer(options, avancement, modele, bilanImport, rapport);
       if (options.strict && bilanImport.nombreEcartes() != 0) {
         return refuserEcarts(bilanImport, rapport);
       }
     }
-    const Avancement avancement = [&](std::string_view etape, std::size_t fait, std::size_t total) {
-      progression.montrer(etape, fait, total);
-    };
     if (rapport.estVide()) {
       compiler(modele, options.sortie, avancement, rapport, bilan);
     }
@@ -208,7 +212,10 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
     if (!options->importe() && sources->empty()) {
       throw ErreurUsage("il faut des sources .toml, --listing ou --base-dbf");
     }
-    if (!options->listing.empty() && options->grille > 2) {
+    if (options->grille && !options->importe()) {
+      throw ErreurUsage("--grille choisit les prix de --listing ou de --base-dbf");
+    }
+    if (options->grille && !options->listing.empty() && *options->grille != 1 && *options->grille != 2) {
       throw ErreurUsage("une liste a deux colonnes de prix : --grille 1 ou --grille 2");
     }
     statut = executer(*options);

@@ -72,6 +72,12 @@ const ChampDecrit* GroupeDecrit::champ(std::size_t rang) const {
   return !champs.empty() && champs.back().repete ? &champs.back() : nullptr;
 }
 
+const ChampDecrit* GroupeDecrit::champNomme(std::string_view nomChamp) const {
+  const auto trouve = std::find_if(champs.begin(), champs.end(),
+                                   [&](const ChampDecrit& champ) { return champ.nom == nomChamp; });
+  return trouve == champs.end() ? nullptr : &*trouve;
+}
+
 DescriptionZones::DescriptionZones(std::string_view source) {
   const toml::parse_result lecture = toml::parse(source);
   if (!lecture) {
@@ -110,6 +116,14 @@ const GroupeDecrit* DescriptionZones::groupe(unsigned numero, bool reponse) cons
     }
   }
   return autre;
+}
+
+const GroupeDecrit& DescriptionZones::groupeEntree(unsigned numero) const {
+  const GroupeDecrit* const decrit = groupe(numero, false);
+  if (decrit == nullptr) {
+    throw std::logic_error("the socle does not describe group " + std::to_string(numero));
+  }
+  return *decrit;
 }
 
 const GroupeDecrit* DescriptionZones::groupeNomme(std::string_view nom) const {

@@ -29,6 +29,8 @@ struct GroupeDecrit {
 
   // The field at a place counted from 0; a repeated last field stands for all that follow. Null beyond.
   const ChampDecrit* champ(std::size_t rang) const;
+  // Null when there is none of that name.
+  const ChampDecrit* champNomme(std::string_view nomChamp) const;
 };
 
 struct FilsDecrit {
@@ -58,6 +60,8 @@ class DescriptionZones {
 
   // A group by its number, of answers first when `reponse`; null when neither side knows it.
   const GroupeDecrit* groupe(unsigned numero, bool reponse) const;
+  // An input group that the command counts on.
+  const GroupeDecrit& groupeEntree(unsigned numero) const;
   // A group of either side by its name; null when there is none.
   const GroupeDecrit* groupeNomme(std::string_view nom) const;
   // A function of a family, whatever the letter case of its identifier; null when there is none.

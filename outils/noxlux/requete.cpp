@@ -102,10 +102,11 @@ std::string construireZone(const FonctionDecrite& fonction, const std::vector<st
       continue;
     }
     for (const ChampDecrit& champ : groupe.champs) {
-      controlerTaille(champ, champs.contains(champ.nom) ? encoderChamp(champ, champs[champ.nom], champ.nom)
-                                                        : std::string());
+      controlerTaille(champ, champs.contains(champ.nom)
+                                 ? encoderChamp(champ, champs[champ.nom], Chemin(champ.nom))
+                                 : std::string());
     }
-    zone += encoderGroupe(groupe, champs, fonction.nom);
+    zone += encoderGroupe(groupe, champs, Chemin(fonction.nom));
   }
   for (const auto& [nom, valeurs] : saisies) {
     if (!pris.contains(nom)) {

@@ -1,8 +1,8 @@
 #include "noxlux/zone_json.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 
 #include "compilateur/transcodage.h"
@@ -17,16 +17,14 @@ using compilateur::versUtf8;
 
 // --- bytes ---
 
-std::string encoderLongueur(std::size_t n) {
-  std::string resultat;
+void ajouterLongueur(std::string& zone, std::size_t n) {
   const unsigned suivants = n <= 127 ? 0 : n < 0xFF ? 1 : n < 0xFFFF ? 2 : n < 0xFFFFFF ? 3 : 4;
   if (suivants != 0) {
-    resultat += static_cast<char>(0x80 + suivants);
+    zone += static_cast<char>(0x80 + suivants);
   }
   for (int i = suivants == 0 ? 0 : static_cast<int>(suivants) - 1; i >= 0; --i) {
-    resultat += static_cast<char>((n >> (8 * i)) & 0xFFU);
+    zone += static_cast<char>((n >> (8 * i)) & 0xFFU);
   }
-  return resultat;
 }
 
 // Walks the bytes of a zone; each step checks what is left.
@@ -88,30 +86,26 @@ unsigned decimales(char type) {
   }
 }
 
+constexpr double PUISSANCES[] = {1.0, 10.0, 100.0, 1000.0};
+
 bool estNumerique(char type) { return type == 'N' || type == 'M' || type == 'F' || type == 'X'; }
 
-[[noreturn]] void refuser(const std::string& chemin, const std::string& raison) {
-  throw ErreurUsage(chemin + " : " + raison);
-}
-
 // Whole numbers of answers have at least five digits.
-constexpr int CHIFFRES_NOMBRE_REPONSE = 5;
+constexpr std::size_t CHIFFRES_NOMBRE_REPONSE = 5;
 
-std::string encoderNombre(const ChampDecrit& champ, const Json& valeur, const std::string& chemin) {
+std::string encoderNombre(const ChampDecrit& champ, const Json& valeur, const Chemin& chemin) {
   const unsigned apresVirgule = decimales(champ.type);
-  const double exactes = valeur.get<double>() * std::pow(10.0, apresVirgule);
+  const double exactes = valeur.get<double>() * PUISSANCES[apresVirgule];
   const double unites = std::round(exactes);
   if (!(unites >= 0) || unites > 999999999.0) {
-    refuser(chemin, "un nombre de 0 à 9 chiffres est attendu");
+    chemin.refuser("un nombre de 0 à 9 chiffres est attendu");
   }
   if (std::fabs(exactes - unites) > 1e-4) {
-    refuser(chemin, "trop de décimales (" + std::to_string(apresVirgule) + " au plus)");
+    chemin.refuser("trop de décimales (" + std::to_string(apresVirgule) + " au plus)");
   }
-  const int largeur =
-      champ.type == 'N' && champ.reponse ? CHIFFRES_NOMBRE_REPONSE : static_cast<int>(apresVirgule) + 1;
-  char texte[24];
-  std::snprintf(texte, sizeof texte, "%0*lld", largeur, static_cast<long long>(unites));
-  return texte;
+  const std::size_t largeur = champ.type == 'N' && champ.reponse ? CHIFFRES_NOMBRE_REPONSE : apresVirgule + 1;
+  const std::string chiffres = std::to_string(static_cast<long long>(unites));
+  return chiffres.size() >= largeur ? chiffres : std::string(largeur - chiffres.size(), '0') + chiffres;
 }
 
 std::optional<std::string> dateCompacte(const std::string& texte) {
@@ -121,10 +115,13 @@ std::optional<std::string> dateCompacte(const std::string& texte) {
   return texte.substr(0, 4) + texte.substr(5, 2) + texte.substr(8, 2);
 }
 
-std::string texteLatin1(const std::string& utf8, const std::string& chemin) {
+std::string texteLatin1(const std::string& utf8, const Chemin& chemin) {
+  if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
+    return utf8;
+  }
   const compilateur::TexteLatin1 converti = versLatin1(utf8);
   if (!converti.sansEquivalent.empty()) {
-    refuser(chemin, "caractère hors ISO-8859-1 : " + converti.sansEquivalent.front());
+    chemin.refuser("caractère hors ISO-8859-1 : " + converti.sansEquivalent.front());
   }
   return converti.texte;
 }
@@ -135,7 +132,7 @@ Json valeurTypee(char type, const std::string& octets) {
       !octets.empty() && octets.size() <= 9 && octets.find_first_not_of("0123456789") == std::string::npos;
   if (estNumerique(type) && chiffres) {
     const long long entier = std::stoll(octets);
-    return type == 'N' ? Json(entier) : Json(static_cast<double>(entier) / std::pow(10.0, decimales(type)));
+    return type == 'N' ? Json(entier) : Json(static_cast<double>(entier) / PUISSANCES[decimales(type)]);
   }
   if (type == 'B' && (octets == "O" || octets == "N")) {
     return octets == "O";
@@ -149,7 +146,7 @@ Json valeurTypee(char type, const std::string& octets) {
 
 }  // namespace
 
-std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const std::string& chemin) {
+std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const Chemin& chemin) {
   if (valeur.is_null()) {
     return {};
   }
@@ -158,14 +155,14 @@ std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const std
   }
   if (valeur.is_number()) {
     if (!estNumerique(champ.type)) {
-      refuser(chemin, "un texte est attendu, pas un nombre");
+      chemin.refuser("un texte est attendu, pas un nombre");
     }
     return encoderNombre(champ, valeur, chemin);
   }
   if (!valeur.is_string()) {
-    refuser(chemin, "un texte, un nombre ou un booléen est attendu");
+    chemin.refuser("un texte, un nombre ou un booléen est attendu");
   }
-  const std::string texte = valeur.get<std::string>();
+  const std::string& texte = valeur.get_ref<const std::string&>();
   if (champ.type == 'D') {
     if (const auto date = dateCompacte(texte)) {
       return *date + (champ.reponse ? "0000" : "");
@@ -177,60 +174,66 @@ std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const std
 Json decoderChamp(const ChampDecrit* champ, const std::string& octets) {
   if (champ != nullptr) {
     Json typee = valeurTypee(champ->type, octets);
-    if (!typee.is_null() && encoderChamp(*champ, typee, "") == octets) {
+    if (!typee.is_null() && encoderChamp(*champ, typee, Chemin("$")) == octets) {
       return typee;
     }
   }
   return versUtf8(octets);
 }
 
-std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const std::string& chemin) {
+void ajouterChamp(std::string& champs, const std::string& octets) {
+  ajouterLongueur(champs, octets.size());
+  champs += octets;
+}
+
+std::string emballerGroupe(unsigned numero, const std::string& champs) {
+  std::string zone{static_cast<char>(numero >> 8U), static_cast<char>(numero & 0xFFU)};
+  ajouterChamp(zone, champs);
+  return zone;
+}
+
+std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const Chemin& chemin) {
   if (!champs.is_object()) {
-    refuser(chemin, "un objet de champs est attendu");
+    chemin.refuser("un objet de champs est attendu");
   }
   std::string contenu;
   std::size_t pris = 0;
-  const auto ajouter = [&](const std::string& octets) { contenu += encoderLongueur(octets.size()) + octets; };
   for (const ChampDecrit& champ : groupe.champs) {
     const auto trouve = champs.find(champ.nom);
-    const std::string place = chemin + "." + champ.nom;
-    pris += trouve == champs.end() ? 0U : 1U;
-    if (champ.repete) {
-      if (trouve != champs.end() && trouve->is_array()) {
-        for (std::size_t i = 0; i < trouve->size(); ++i) {
-          ajouter(encoderChamp(champ, (*trouve)[i], place + "[" + std::to_string(i) + "]"));
-        }
-      } else if (trouve != champs.end()) {
-        refuser(place, "une liste est attendue");
+    const bool donne = trouve != champs.end();
+    const Chemin place = chemin.membre(champ.nom);
+    pris += donne ? 1U : 0U;
+    if (!champ.repete) {
+      ajouterChamp(contenu, donne ? encoderChamp(champ, *trouve, place) : std::string());
+    } else if (donne && !trouve->is_array()) {
+      place.refuser("une liste est attendue");
+    } else if (donne) {
+      for (std::size_t i = 0; i < trouve->size(); ++i) {
+        ajouterChamp(contenu, encoderChamp(champ, (*trouve)[i], place.element(i)));
       }
-    } else {
-      ajouter(trouve == champs.end() ? std::string() : encoderChamp(champ, *trouve, place));
     }
   }
   if (pris != champs.size()) {
     for (const auto& [nom, valeur] : champs.items()) {
-      const bool connu = std::any_of(groupe.champs.begin(), groupe.champs.end(),
-                                     [&](const ChampDecrit& champ) { return champ.nom == nom; });
-      if (!connu) {
-        refuser(chemin + "." + nom,
-                "le groupe " + std::to_string(groupe.numero) + " n'a pas de champ de ce nom");
+      if (groupe.champNomme(nom) == nullptr) {
+        chemin.membre(nom).refuser("le groupe " + std::to_string(groupe.numero) +
+                                   " n'a pas de champ de ce nom");
       }
     }
   }
-  std::string resultat{static_cast<char>(groupe.numero >> 8U), static_cast<char>(groupe.numero & 0xFFU)};
-  return resultat + encoderLongueur(contenu.size()) + contenu;
+  return emballerGroupe(groupe.numero, contenu);
 }
 
 std::string encoderZone(const Json& groupes) {
   if (!groupes.is_array()) {
-    refuser("$", "un tableau de groupes est attendu");
+    RACINE.refuser("un tableau de groupes est attendu");
   }
   std::string zone;
   for (std::size_t i = 0; i < groupes.size(); ++i) {
-    const std::string chemin = "$[" + std::to_string(i) + "]";
+    const Chemin chemin = RACINE.element(i);
     const Json& element = groupes[i];
     if (!element.is_object() || !element.contains("groupe") || !element["groupe"].is_number_unsigned()) {
-      refuser(chemin, "un objet avec un numéro \"groupe\" est attendu");
+      chemin.refuser("un objet avec un numéro \"groupe\" est attendu");
     }
     const std::uint64_t numero = element["groupe"].get<std::uint64_t>();
     const GroupeDecrit* groupe =
@@ -238,7 +241,7 @@ std::string encoderZone(const Json& groupes) {
     GroupeDecrit anonyme;
     const Json champs = element.value("champs", Json::object());
     if (numero == 0 || numero > 65535) {
-      refuser(chemin + ".groupe", "un numéro de 1 à 65535 est attendu");
+      chemin.membre("groupe").refuser("un numéro de 1 à 65535 est attendu");
     }
     if (groupe == nullptr) {
       // An unknown group: its fields in the order given.
@@ -253,7 +256,7 @@ std::string encoderZone(const Json& groupes) {
     while (champs.is_object() && champs.contains("champ" + std::to_string(elargi.champs.size() + 1))) {
       elargi.champs.emplace_back().nom = "champ" + std::to_string(elargi.champs.size());
     }
-    zone += encoderGroupe(elargi, champs, chemin + ".champs");
+    zone += encoderGroupe(elargi, champs, chemin.membre("champs"));
   }
   return zone;
 }

@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "noxlux/chemin.h"
 #include "noxlux/description_zones.h"
 
 namespace noxlux::commande {
@@ -23,10 +24,14 @@ Json decoderZone(const std::string& octets, bool reponse);
 // Throws ErreurUsage, with the JSON path, on what cannot be encoded.
 std::string encoderZone(const Json& groupes);
 
-// One group; `chemin` is the JSON path of `champs`, for messages. A field that is not given is empty.
-std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const std::string& chemin);
-// One field's bytes (ISO-8859-1).
-std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const std::string& chemin);
+// One group; `chemin` is the place of `champs`. A field that is not given is empty.
+std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const Chemin& chemin);
+// A group of its fields' bytes, each behind its length.
+std::string emballerGroupe(unsigned numero, const std::string& champs);
+// Adds a field's bytes (ISO-8859-1) behind their length.
+void ajouterChamp(std::string& champs, const std::string& octets);
+// One field's bytes.
+std::string encoderChamp(const ChampDecrit& champ, const Json& valeur, const Chemin& chemin);
 Json decoderChamp(const ChampDecrit* champ, const std::string& octets);
 
 }  // namespace noxlux::commande

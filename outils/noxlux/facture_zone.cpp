@@ -1,0 +1,457 @@
+// The input zone of an invoice in JSON.
+//
+// Values stay where the JSON holds them: what a line says is looked up once among the fields of the groups it
+// may fill, and the groups are written from there.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <span>
+
+#include "noxlux/facture_json.h"
+#include "types/date.h"
+
+namespace noxlux::commande {
+
+namespace {
+
+constexpr unsigned GROUPE_ENTETE = 1110;
+constexpr unsigned GROUPE_REMPLACANT = 1150;
+constexpr unsigned GROUPE_LIGNE = 1610;
+constexpr unsigned GROUPE_FORFAIT = 1620;
+constexpr unsigned GROUPE_KILOMETRES = 1630;
+constexpr unsigned GROUPE_EXONERATION = 1820;
+constexpr unsigned GROUPE_ENTENTE = 1840;
+constexpr unsigned GROUPE_EXECUTANT = 1870;
+constexpr unsigned GROUPE_LIEU = 1880;
+constexpr unsigned GROUPE_BASE_AMO = 2020;
+constexpr unsigned GROUPE_ACTE = 2100;
+constexpr unsigned GROUPE_DENTS = 2200;
+constexpr unsigned GROUPE_CAISSE = 3500;
+constexpr unsigned GROUPE_OUTREPASSEE = 3530;
+
+// The natures of insurance and the groups that say them.
+constexpr std::array<std::pair<const char*, unsigned>, 4> NATURES = {
+    {{"AS", 1511}, {"MA", 1512}, {"AT", 1513}, {"PM", 1514}}};
+// The kinds of travel and their groups.
+constexpr std::array<std::pair<const char*, unsigned>, 2> DEPLACEMENTS = {
+    {{"forfait", GROUPE_FORFAIT}, {"kilometres", GROUPE_KILOMETRES}}};
+// Fields of the header that are the patient's.
+constexpr std::array<std::string_view, 2> CHAMPS_BENEFICIAIRE = {"numeroBeneficiaire", "dateNaissance"};
+constexpr Chemin PROFESSIONNEL = RACINE.membre("professionnel");
+constexpr Chemin BENEFICIAIRE = RACINE.membre("beneficiaire");
+
+// Lists that the zone spreads over numbered fields: the field before its number, and the list.
+struct ListeEtalee {
+  std::string_view prefixe;
+  std::string_view liste;
+};
+constexpr std::array<ListeEtalee, 2> LISTES_ETALEES = {
+    {{"modificateur", "modificateurs"}, {"dent", "dents"}}};
+
+// The number at the end of a spread field's name, 0 for any other name.
+std::size_t rangEtale(std::string_view nom, std::string_view prefixe) {
+  std::size_t rang = 0;
+  if (nom.starts_with(prefixe)) {
+    nom.remove_prefix(prefixe.size());
+    const auto [fin, faute] = std::from_chars(nom.data(), nom.data() + nom.size(), rang);
+    rang = faute == std::errc() && fin == nom.data() + nom.size() ? rang : 0;
+  }
+  return rang;
+}
+
+bool estEtale(std::string_view nom) {
+  return std::any_of(LISTES_ETALEES.begin(), LISTES_ETALEES.end(),
+                     [&](const ListeEtalee& etalee) { return rangEtale(nom, etalee.prefixe) != 0; });
+}
+
+bool estDuBeneficiaire(std::string_view nom) {
+  return std::find(CHAMPS_BENEFICIAIRE.begin(), CHAMPS_BENEFICIAIRE.end(), nom) != CHAMPS_BENEFICIAIRE.end();
+}
+
+// Where a field of a group stands in the invoice.
+Chemin placeDuChamp(const Chemin& chemin, std::string_view nom) {
+  for (const ListeEtalee& etalee : LISTES_ETALEES) {
+    if (const std::size_t rang = rangEtale(nom, etalee.prefixe); rang != 0) {
+      return chemin.membre(etalee.liste, rang - 1);
+    }
+  }
+  return (estDuBeneficiaire(nom) ? BENEFICIAIRE : chemin).membre(nom);
+}
+
+// --- What a field admits ---
+
+void controlerDate(const std::string& texte, const Chemin& chemin) {
+  const bool forme = texte.size() == 10 && texte[4] == '-' && texte[7] == '-';
+  const std::string chiffres =
+      forme ? texte.substr(0, 4) + texte.substr(5, 2) + texte.substr(8, 2) : std::string();
+  if (!Date::estValide(reinterpret_cast<const byte*>(chiffres.data()), chiffres.size())) {
+    chemin.refuser("une date AAAA-MM-JJ du calendrier est attendue");
+  }
+}
+
+// What the JSON type of a value must be, by the type of its field.
+void controlerType(const ChampDecrit& champ, const Json& valeur, const Chemin& chemin) {
+  switch (champ.type) {
+    case 'N':
+      if (!valeur.is_number_unsigned()) {
+        chemin.refuser("un nombre entier est attendu");
+      }
+      break;
+    case 'M':
+    case 'F':
+    case 'X':
+      if (!valeur.is_number()) {
+        chemin.refuser(champ.type == 'M' ? "un montant en euros est attendu" : "un nombre est attendu");
+      }
+      break;
+    case 'D':
+      if (!valeur.is_string()) {
+        chemin.refuser("une date AAAA-MM-JJ est attendue");
+      }
+      controlerDate(valeur.get_ref<const std::string&>(), chemin);
+      break;
+    default:
+      if (!valeur.is_string()) {
+        chemin.refuser("un texte est attendu");
+      }
+  }
+}
+
+void controlerOctets(const ChampDecrit& champ, const std::string& octets, const Chemin& chemin) {
+  const auto caracteres = [](std::size_t n) {
+    return std::to_string(n) + (n > 1 ? " caractères" : " caractère");
+  };
+  if (octets.size() < champ.min) {
+    chemin.refuser(octets.empty() ? "manque (" + champ.libelle + ")" : caracteres(champ.min) + " au moins");
+  }
+  if (champ.max != 0 && octets.size() > champ.max) {
+    chemin.refuser(caracteres(champ.max) + " au plus");
+  }
+  const auto refuse = [&](char c) {
+    return champ.format == 'A' && !(c == ' ' || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'));
+  };
+  if (std::any_of(octets.begin(), octets.end(), refuse)) {
+    chemin.refuser("lettres capitales et chiffres seulement");
+  }
+}
+
+const Json& exigerObjet(const Json& valeur, const Chemin& chemin) {
+  if (!valeur.is_object()) {
+    chemin.refuser("un objet est attendu");
+  }
+  return valeur;
+}
+
+const Json NUL;
+
+// A list; empty when it was not given.
+std::span<const Json> lireListe(const Json* valeur, const Chemin& chemin, const char* attendu) {
+  if (valeur == nullptr) {
+    return {};
+  }
+  if (!valeur->is_array()) {
+    chemin.refuser(attendu);
+  }
+  return valeur->get_ref<const Json::array_t&>();
+}
+
+template <std::size_t N>
+unsigned trouverGroupe(const std::array<std::pair<const char*, unsigned>, N>& choix, const Json& valeur,
+                       const Chemin& chemin) {
+  std::string connus;
+  for (const auto& [nom, numero] : choix) {
+    if (valeur == nom) {
+      return numero;
+    }
+    connus += (connus.empty() ? "" : ", ") + std::string(nom);
+  }
+  chemin.refuser("attendu : " + connus);
+}
+
+// --- Groups ---
+
+// A group, from the value of each of its fields; null for a field that was not given.
+std::string ecrireGroupe(const GroupeDecrit& groupe, std::span<const Json* const> valeurs,
+                         const Chemin& chemin) {
+  std::string champs;
+  for (std::size_t i = 0; i < groupe.champs.size(); ++i) {
+    const ChampDecrit& champ = groupe.champs[i];
+    const Chemin place = placeDuChamp(chemin, champ.nom);
+    std::string octets;
+    if (valeurs[i] != nullptr) {
+      controlerType(champ, *valeurs[i], place);
+      octets = encoderChamp(champ, *valeurs[i], place);
+    }
+    controlerOctets(champ, octets, place);
+    ajouterChamp(champs, octets);
+  }
+  return emballerGroupe(groupe.numero, champs);
+}
+
+// The members that an object may have: the fields of some groups. Of two groups with a field of one name the
+// first has the member.
+class Membres {
+ public:
+  explicit Membres(std::initializer_list<unsigned> numeros) {
+    for (const unsigned numero : numeros) {
+      const GroupeDecrit& groupe = DescriptionZones::socle().groupeEntree(numero);
+      groupes_.push_back({&groupe, nombre_});
+      for (const ChampDecrit& champ : groupe.champs) {
+        const bool nouveau = std::none_of(champs_.begin(), champs_.end(),
+                                          [&](const Champ& connu) { return connu.nom == champ.nom; });
+        if (nouveau) {
+          champs_.push_back({champ.nom, groupes_.size() - 1, nombre_});
+        }
+        ++nombre_;
+      }
+    }
+    std::sort(champs_.begin(), champs_.end(),
+              [](const Champ& gauche, const Champ& droite) { return gauche.nom < droite.nom; });
+  }
+
+  struct Champ {
+    std::string_view nom;
+    std::size_t groupe;  // among these groups
+    std::size_t rang;    // among all their fields
+  };
+  struct Groupe {
+    const GroupeDecrit* decrit;
+    std::size_t debut;  // the rank of its first field
+  };
+
+  // Null when the name is no field's.
+  const Champ* chercher(std::string_view nom) const {
+    const auto trouve =
+        std::lower_bound(champs_.begin(), champs_.end(), nom,
+                         [](const Champ& champ, std::string_view cherche) { return champ.nom < cherche; });
+    return trouve != champs_.end() && trouve->nom == nom ? &*trouve : nullptr;
+  }
+  std::span<const Groupe> groupes() const { return groupes_; }
+  std::size_t nombre() const { return nombre_; }
+
+ private:
+  std::vector<Groupe> groupes_;
+  std::vector<Champ> champs_;
+  std::size_t nombre_ = 0;
+};
+
+// The values of an object, sorted by the group that each belongs to. The object and the number outlive it.
+class Valeurs {
+ public:
+  Valeurs(const Membres& membres, const Chemin& chemin)
+      : membres_(membres), chemin_(chemin), valeurs_(membres.nombre()), donnes_(membres.groupes().size()) {}
+
+  // A member by its name; false when it is no field.
+  bool ranger(std::string_view nom, const Json& valeur) {
+    const Membres::Champ* const champ = membres_.chercher(nom);
+    if (champ != nullptr) {
+      valeurs_[champ->rang] = &valeur;
+      donnes_[champ->groupe] = true;
+    }
+    return champ != nullptr;
+  }
+  // The line number, that every group of a line begins with, is no sign that a group was given.
+  void numeroter(const Json& numero) {
+    for (const Membres::Groupe& groupe : membres_.groupes()) {
+      valeurs_[groupe.debut] = &numero;
+    }
+  }
+  // Spreads a list of texts over the fields of its name.
+  void etaler(const ListeEtalee& etalee, const Json& liste) {
+    const Chemin place = chemin_.membre(etalee.liste);
+    if (!liste.is_array()) {
+      place.refuser("une liste est attendue");
+    }
+    for (std::size_t i = 0; i < liste.size(); ++i) {
+      if (!ranger(std::string(etalee.prefixe) + std::to_string(i + 1), liste[i])) {
+        place.refuser(std::to_string(i) + " éléments au plus");
+      }
+    }
+  }
+  std::string ecrire(std::size_t groupe) const {
+    const auto& [decrit, debut] = membres_.groupes()[groupe];
+    return ecrireGroupe(*decrit, std::span(valeurs_).subspan(debut, decrit->champs.size()), chemin_);
+  }
+  // Those of a run of groups that were given.
+  std::string ecrireDonnes(std::size_t premier, std::size_t fin) const {
+    std::string zone;
+    for (std::size_t i = premier; i < fin; ++i) {
+      zone += donnes_[i] ? ecrire(i) : std::string();
+    }
+    return zone;
+  }
+
+ private:
+  const Membres& membres_;
+  Chemin chemin_;
+  std::vector<const Json*> valeurs_;
+  std::vector<bool> donnes_;
+};
+
+// Sorts an object: each member is one of `autres`, whose place it fills, or a field.
+struct Autre {
+  std::string_view nom;
+  const Json*& place;
+};
+void rangerMembres(const Json& objet, Valeurs& valeurs, const Chemin& chemin,
+                   std::initializer_list<Autre> autres) {
+  for (const auto& [nom, valeur] : objet.items()) {
+    const auto* const autre = std::find_if(autres.begin(), autres.end(),
+                                           [&cherche = nom](const Autre& a) { return a.nom == cherche; });
+    if (autre != autres.end()) {
+      autre->place = &valeur;
+    } else if (estEtale(nom) || !valeurs.ranger(nom, valeur)) {
+      chemin.membre(nom).refuser("champ inconnu");
+    }
+  }
+}
+
+// --- Lines ---
+
+std::string zoneOutrepassees(const Json* references, const Json& numero, const Chemin& chemin) {
+  static const Membres MEMBRES{GROUPE_OUTREPASSEE};
+  std::string zone;
+  std::size_t rang = 0;
+  for (const Json& reference : lireListe(references, chemin.membre("outrepassees"),
+                                         "une liste de références de règles est attendue")) {
+    Valeurs valeurs(MEMBRES, chemin.membre("outrepassees", rang++));
+    valeurs.numeroter(numero);
+    valeurs.ranger("reference", reference);
+    zone += valeurs.ecrire(0);
+  }
+  return zone;
+}
+
+std::string zoneExecutant(const Json& executant, const Json& numero, const Chemin& chemin) {
+  static const Membres MEMBRES{GROUPE_EXECUTANT};
+  Valeurs valeurs(MEMBRES, chemin);
+  rangerMembres(exigerObjet(executant, chemin), valeurs, chemin, {});
+  if (executant.contains("numero")) {
+    chemin.membre("numero").refuser("champ inconnu");
+  }
+  valeurs.numeroter(numero);
+  return valeurs.ecrire(0);
+}
+
+std::string zoneDeplacement(const Json& deplacement, const Chemin& chemin, std::size_t rang) {
+  static const Membres FORFAIT{GROUPE_FORFAIT, GROUPE_EXONERATION};
+  static const Membres KILOMETRES{GROUPE_KILOMETRES, GROUPE_EXONERATION};
+  exigerObjet(deplacement, chemin);
+  const unsigned genre =
+      trouverGroupe(DEPLACEMENTS, deplacement.value("type", Json()), chemin.membre("type"));
+  const Json numeroParDefaut = rang;
+  const Json* numero = &numeroParDefaut;
+  const Json* type = nullptr;
+  const Json* outrepassees = nullptr;
+  Valeurs valeurs(genre == GROUPE_FORFAIT ? FORFAIT : KILOMETRES, chemin);
+  rangerMembres(deplacement, valeurs, chemin,
+                {{"numero", numero}, {"type", type}, {"outrepassees", outrepassees}});
+  valeurs.numeroter(*numero);
+  return valeurs.ecrire(0) + valeurs.ecrireDonnes(1, 2) + zoneOutrepassees(outrepassees, *numero, chemin);
+}
+
+// One line with its travel lines; `compte` counts all lines, for those that give no number.
+std::string zoneLigne(const Json& ligne, const Chemin& chemin, std::size_t& compte) {
+  static const Membres MEMBRES{GROUPE_LIGNE,    GROUPE_EXONERATION, GROUPE_ENTENTE, GROUPE_LIEU,
+                               GROUPE_BASE_AMO, GROUPE_ACTE,        GROUPE_DENTS};
+  constexpr std::size_t APRES_EXECUTANT = 3;  // the rank of GROUPE_LIEU
+  exigerObjet(ligne, chemin);
+  const Json numeroParDefaut = ++compte;
+  const Json* numero = &numeroParDefaut;
+  std::array<const Json*, LISTES_ETALEES.size()> etalees{};
+  const Json* executant = nullptr;
+  const Json* outrepassees = nullptr;
+  const Json* deplacements = nullptr;
+  Valeurs valeurs(MEMBRES, chemin);
+  rangerMembres(ligne, valeurs, chemin,
+                {{"numero", numero},
+                 {LISTES_ETALEES[0].liste, etalees[0]},
+                 {LISTES_ETALEES[1].liste, etalees[1]},
+                 {"executant", executant},
+                 {"outrepassees", outrepassees},
+                 {"deplacements", deplacements}});
+  valeurs.numeroter(*numero);
+  for (std::size_t i = 0; i < etalees.size(); ++i) {
+    if (etalees[i] != nullptr) {
+      valeurs.etaler(LISTES_ETALEES[i], *etalees[i]);
+    }
+  }
+
+  std::string zone = valeurs.ecrire(0) + valeurs.ecrireDonnes(1, APRES_EXECUTANT);
+  if (executant != nullptr) {
+    zone += zoneExecutant(*executant, *numero, chemin.membre("executant"));
+  }
+  zone += valeurs.ecrireDonnes(APRES_EXECUTANT, MEMBRES.groupes().size());
+  zone += zoneOutrepassees(outrepassees, *numero, chemin);
+  std::size_t rang = 0;
+  for (const Json& deplacement :
+       lireListe(deplacements, chemin.membre("deplacements"), "une liste est attendue")) {
+    zone += zoneDeplacement(deplacement, chemin.membre("deplacements", rang++), ++compte);
+  }
+  return zone;
+}
+
+// --- The invoice ---
+
+// The header: the professional's fields, and the patient's.
+std::string zoneEntete(const Json& professionnel, const Json& beneficiaire) {
+  static const Membres MEMBRES{GROUPE_ENTETE};
+  Valeurs valeurs(MEMBRES, PROFESSIONNEL);
+  exigerObjet(professionnel, PROFESSIONNEL);
+  exigerObjet(beneficiaire, BENEFICIAIRE);
+  for (const auto& [nom, valeur] : beneficiaire.items()) {
+    if (!estDuBeneficiaire(nom)) {
+      BENEFICIAIRE.membre(nom).refuser("champ inconnu");
+    }
+    valeurs.ranger(nom, valeur);
+  }
+  if (!beneficiaire.contains("dateNaissance")) {
+    BENEFICIAIRE.membre("dateNaissance").refuser("manque (date de naissance du bénéficiaire)");
+  }
+  for (const std::string_view nom : CHAMPS_BENEFICIAIRE) {
+    if (professionnel.contains(nom)) {
+      PROFESSIONNEL.membre(nom).refuser("se donne dans $.beneficiaire");
+    }
+  }
+  rangerMembres(professionnel, valeurs, PROFESSIONNEL, {});
+  return valeurs.ecrire(0);
+}
+
+}  // namespace
+
+std::string zoneDeFacture(const Json& facture) {
+  static const Membres REMPLACANT{GROUPE_REMPLACANT};
+  static const Membres CAISSE{GROUPE_CAISSE};
+  const Json* professionnel = &NUL;
+  const Json* beneficiaire = &NUL;
+  const Json* remplacant = nullptr;
+  const Json* nature = &NUL;
+  const Json* lignes = &NUL;
+  Valeurs caisse(CAISSE, RACINE);
+  rangerMembres(exigerObjet(facture, RACINE), caisse, RACINE,
+                {{"professionnel", professionnel},
+                 {"beneficiaire", beneficiaire},
+                 {"remplacant", remplacant},
+                 {"natureAssurance", nature},
+                 {"lignes", lignes}});
+  std::string zone = zoneEntete(*professionnel, *beneficiaire);
+  if (remplacant != nullptr) {
+    const Chemin chemin = RACINE.membre("remplacant");
+    Valeurs valeurs(REMPLACANT, chemin);
+    rangerMembres(exigerObjet(*remplacant, chemin), valeurs, chemin, {});
+    zone += valeurs.ecrire(0);
+  }
+  const GroupeDecrit& groupeNature = DescriptionZones::socle().groupeEntree(
+      trouverGroupe(NATURES, *nature, RACINE.membre("natureAssurance")));
+  zone += ecrireGroupe(groupeNature, std::vector<const Json*>(groupeNature.champs.size()), RACINE);
+  if (!lignes->is_array()) {
+    RACINE.membre("lignes").refuser("une liste est attendue");
+  }
+  std::size_t compte = 0;
+  for (std::size_t i = 0; i < lignes->size(); ++i) {
+    zone += zoneLigne((*lignes)[i], RACINE.membre("lignes", i), compte);
+  }
+  return zone + caisse.ecrire(0);
+}
+
+}  // namespace noxlux::commande
