@@ -74,7 +74,7 @@ CodeRetour FonctionsModifier::TB13_1() {
   const Code code = extraireCode(cr);
   const Texte libelle = extraireTexte(cr);
   verifierFinDonnees(cr);
-  if (cr == NOX_CR_OK && acces_->rechercherExistenceCodeRegroupement(code, dateEffet_)) {
+  if (cr == NOX_CR_OK && acces_->rechercherExistenceCodeRegroupement(code)) {
     Trace::erreur(TRACE_MODIFICATION, "le code regroupement existe déjà dans la table Codes Regroupement");
     cr = NOX_CR_REGROUPEMENT_EXISTANT;
   }
