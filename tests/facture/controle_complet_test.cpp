@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
+#include <map>
 
 #include "reference_essai.h"
 
@@ -40,20 +40,19 @@ Groupe dents(unsigned numero, std::vector<std::string> codes) {
   codes.resize(16);
   return complement(2200, numero, std::move(codes));
 }
-Zone facture(std::initializer_list<Groupe> lignes, const char* specialite = "01") {
+Zone facture(const Zone& lignes, const char* specialite = "01") {
   Zone zone{entete(specialite), {1511, {""}}};
   zone.insert(zone.end(), lignes.begin(), lignes.end());
   zone.push_back({3500, {"751"}});
   return zone;
 }
 Zone longue(unsigned nombre, const Groupe& derniere) {
-  Zone zone{entete(), {1511, {""}}};
+  Zone lignes;
   for (unsigned numero = 1; numero < nombre; ++numero) {
-    zone.push_back(prestation(numero));
+    lignes.push_back(prestation(numero));
   }
-  zone.push_back(derniere);
-  zone.push_back({3500, {"751"}});
-  return zone;
+  lignes.push_back(derniere);
+  return facture(lignes);
 }
 Zone sans(Zone zone, unsigned groupe) {
   std::erase_if(zone, [groupe](const Groupe& candidat) { return candidat.identifiant == groupe; });
@@ -122,7 +121,6 @@ TEST(ControleComplet, litLaFacture) {
            {"numéro de 3530", facture({ligne, complement(3530, 7, {"R211"})}), 0xE001},
            {"trajets", facture({ligne, trajet(1620, 2), trajet(1630, 3), complement(1820, 3, {"0"})}), 0},
            {"trajet un autre jour", facture({ligne, trajet(1620, 2, "20240302")}), NOX_CR_DATE_DEPLACEMENT},
-           {"trajet en tête", facture({trajet(1620, 1), ligne}), 0},
            {"200 lignes", longue(200, prestation(200)), 0},
            {"200 lignes, un trajet", longue(200, trajet(1630, 200)), 0},
            {"201 lignes", longue(201, prestation(201)), NOX_CR_TROP_DE_GROUPES},
@@ -146,7 +144,10 @@ TEST(ControleComplet, taitCeQuiEstOutrepasse) {
     std::vector<std::string> erreurs;  // reference and lines
     std::vector<std::string> forcages;
   };
-  const auto chirurgien = [](std::initializer_list<Groupe> lignes) { return facture(lignes, "04"); };
+  Zone outrepasseeCinqMilleFois{prestation(1, "K")};
+  outrepasseeCinqMilleFois.insert(outrepasseeCinqMilleFois.end(), 4999, outrepasser(1, "R500"));
+  outrepasseeCinqMilleFois.push_back(outrepasser(1, "R211"));
+  const auto chirurgien = [](const Zone& lignes) { return facture(lignes, "04"); };
   for (const Cas& cas : std::vector<Cas>{
            {chirurgien({prestation(1, "K"), prestation(2, "K")}), 1, {"R211/1", "R211/2"}, {"1E", "2E"}},
            {chirurgien({prestation(1, "K"), outrepasser(1, "R211"), prestation(2, "K")}),
@@ -158,6 +159,7 @@ TEST(ControleComplet, taitCeQuiEstOutrepasse) {
             0,
             {},
             {"1E", "2E"}},
+           {chirurgien(outrepasseeCinqMilleFois), 0, {}, {"1E"}},
            {chirurgien({prestation(1, "K"), outrepasser(1, "R170")}), 1, {"R211/1"}, {"1E"}},
            {chirurgien({prestation(1, "ZZZ"), outrepasser(1, "R170")}), 2, {"R170/1"}, {}},
            {chirurgien({prestation(1, "ZZZ"), prestation(2, "K")}), 2, {"R170/1", "R211/2"}, {"2E"}},
@@ -187,22 +189,133 @@ TEST(ControleComplet, taitCeQuiEstOutrepasse) {
   }
 }
 
-// Every cut of an invoice and every byte of it changed: a code or an answer, no assertion.
-TEST(ControleComplet, supporteTouteZone) {
-  const std::string entiere = ::essai::ecrire(
-      facture({prestation(1), complement(1820, 1, {"C"}), complement(2020, 1, {"2500"}), acte(1),
-               dents(1, {"11"}), complement(3530, 1, {"R850"}), trajet(1620, 2), trajet(1630, 3)}));
-  unsigned refusees = 0;
-  for (std::size_t taille = 1; taille < entiere.size(); ++taille) {
-    refusees += controler(entiere.substr(0, taille)).code != 0 ? 1U : 0U;
+// Two acts that no association plans: one error, over both lines.
+TEST(ControleComplet, gardeUneErreurQuUneLigneNOutrepassePas) {
+  const auto reponsesR650 = [](std::initializer_list<unsigned> outrepassees) {
+    Zone lignes;
+    for (unsigned numero = 1; numero <= 2; ++numero) {
+      Groupe ligneActe = acte(numero);
+      ligneActe.champs[1] = numero == 1 ? "HHQE002" : "LMMA012";
+      lignes.insert(lignes.end(), {prestation(numero, "ATM"), complement(2020, numero, {"2500"}), ligneActe});
+      if (std::ranges::find(outrepassees, numero) != std::end(outrepassees)) {
+        lignes.push_back(complement(3530, numero, {"R650"}));
+      }
+    }
+    const Reponse reponse = controler(facture(lignes, "04"));
+    EXPECT_EQ(reponse.code, 0U);
+    std::vector<std::vector<std::string>> concernees;
+    for (const Groupe& groupe : reponse.zone) {
+      if (groupe.identifiant == 3520 && groupe.champs.at(0) == "R650") {
+        concernees.emplace_back(groupe.champs.begin() + 4, groupe.champs.end());
+      }
+    }
+    return concernees;
+  };
+  const std::vector<std::vector<std::string>> uneErreur{{numeroLigne(2), numeroLigne(1), numeroLigne(2)}};
+  EXPECT_EQ(reponsesR650({}), uneErreur);
+  EXPECT_EQ(reponsesR650({1}), uneErreur);
+  EXPECT_EQ(reponsesR650({2}), uneErreur);
+  EXPECT_TRUE(reponsesR650({1, 2}).empty());
+}
+
+// Every invoice of some groups in any order, from none to five of them: the descriptors keep a travel line
+// that no prestation came before from being read, so that it can be neither first nor attached to nothing.
+TEST(ControleComplet, neLitPasDeTrajetSansLigne) {
+  const auto lignes = [](const Zone& groupes) {
+    // Numbers follow the lines that are read.
+    Zone zone = facture({});
+    unsigned numero = 0;
+    for (Groupe groupe : groupes) {
+      numero += groupe.identifiant == 1610 || (numero > 0 && groupe.identifiant <= 1630) ? 1U : 0U;
+      groupe.champs[0] = std::to_string(numero);
+      zone.insert(zone.end() - 1, std::move(groupe));
+    }
+    return zone;
+  };
+  const Groupe possibles[] = {prestation(0), trajet(1620, 0), trajet(1630, 0), complement(1820, 0, {"0"}),
+                              complement(3530, 0, {"R211"})};
+  std::vector<Zone> suites{{}};
+  std::size_t sansLigne = 0;
+  for (std::size_t i = 0; i < suites.size(); ++i) {
+    const Zone suite = suites[i];
+    const unsigned code = controler(lignes(suite)).code;
+    const bool aLigne = std::ranges::any_of(suite, [](const Groupe& g) { return g.identifiant == 1610; });
+    EXPECT_TRUE(code == 0 || (aLigne && code == 0xB000 + 1820)) << testing::PrintToString(suite);
+    sansLigne += aLigne ? 0U : 1U;
+    for (const Groupe& groupe : possibles) {
+      if (suite.size() < 5) {
+        suites.push_back(suite);
+        suites.back().push_back(groupe);
+      }
+    }
   }
-  EXPECT_EQ(refusees, entiere.size() - 1);
+  EXPECT_EQ(suites.size(), 1U + 5 + 25 + 125 + 625 + 3125);
+  EXPECT_EQ(sansLigne, 1U + 4 + 16 + 64 + 256 + 1024);
+}
+
+// A code or an answer, no assertion.
+unsigned supporter(const std::string& octets) {
+  const Reponse reponse = controler(octets);
+  EXPECT_TRUE(reponse.code == 0 || reponse.zone.empty());
+  return reponse.code;
+}
+Zone complete() {
+  return facture({prestation(1), complement(1820, 1, {"C"}), complement(1840, 1, {"1"}),
+                  complement(1870, 1, {"997654321", "1", "01"}), complement(1880, 1, {"LIEU"}),
+                  complement(2020, 1, {"2500"}), acte(1, {"F", "", "", ""}), dents(1, {"11"}),
+                  complement(3530, 1, {"R850"}), trajet(1620, 2), complement(1820, 2, {"0"}), trajet(1630, 3),
+                  complement(3530, 3, {"R500"}), prestation(4)});
+}
+
+TEST(ControleComplet, supporteLesOctetsChanges) {
+  const std::string entiere = ::essai::ecrire(complete());
+  EXPECT_EQ(supporter(entiere), 0U);
+  for (std::size_t taille = 1; taille < entiere.size(); ++taille) {
+    EXPECT_NE(supporter(entiere.substr(0, taille)), 0U) << taille;
+  }
   for (std::size_t i = 0; i < entiere.size(); ++i) {
     for (const unsigned masque : {0x01U, 0x10U, 0x80U, 0xFFU}) {
       std::string faussee = entiere;
       faussee[i] = static_cast<char>(static_cast<unsigned char>(faussee[i]) ^ masque);
-      const Reponse reponse = controler(faussee);
-      EXPECT_TRUE(reponse.code == 0 || reponse.zone.empty());
+      supporter(faussee);
+    }
+  }
+}
+
+TEST(ControleComplet, supporteLesGroupesOtesDoublesEchanges) {
+  const Zone entiere = complete();
+  // By place: the header, the nature, the base of an act, the travel line that an override speaks of, the
+  // fund.
+  const std::map<std::size_t, unsigned> OTES = {{0, 0xB000 + 1110},
+                                                {1, NOX_CR_NATURE_ASSURANCE},
+                                                {7, NOX_CR_BASE_AMO_ABSENTE},
+                                                {13, 0xE002},
+                                                {16, 0xB000 + 3500}};
+  // By group: those that stand once.
+  std::map<unsigned, unsigned> DOUBLES = {{1511, NOX_CR_NATURE_ASSURANCE}};
+  for (const unsigned groupe : {1110U, 1820U, 1840U, 1870U, 1880U, 2020U, 2100U, 2200U}) {
+    DOUBLES[groupe] = 0xB000 + groupe;
+  }
+  for (std::size_t i = 0; i < entiere.size(); ++i) {
+    SCOPED_TRACE(entiere[i]);
+    Zone otee = entiere;
+    otee.erase(otee.begin() + static_cast<std::ptrdiff_t>(i));
+    const auto indispensable = OTES.find(i);
+    EXPECT_EQ(supporter(::essai::ecrire(otee)), indispensable == OTES.end() ? 0U : indispensable->second);
+    const auto unique = DOUBLES.find(entiere[i].identifiant);
+    EXPECT_EQ(supporter(::essai::ecrire(avec(entiere, i, entiere[i]))),
+              unique == DOUBLES.end() ? 0U : unique->second);
+    for (std::size_t j = i + 1; j < entiere.size(); ++j) {
+      Zone echangee = entiere;
+      std::swap(echangee[i], echangee[j]);
+      supporter(::essai::ecrire(echangee));
+    }
+    for (std::size_t champ = 0; champ < entiere[i].champs.size(); ++champ) {
+      Zone videe = entiere;
+      videe[i].champs[champ].clear();
+      supporter(::essai::ecrire(videe));
+      videe[i].champs.erase(videe[i].champs.begin() + static_cast<std::ptrdiff_t>(champ));
+      supporter(::essai::ecrire(videe));
     }
   }
 }
