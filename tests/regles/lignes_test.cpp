@@ -9,18 +9,9 @@ namespace {
 using R = Reglementation;
 
 class ReglesLigne : public ReglesEssai {
- protected:
-  struct Cas {
-    const char* nom;
-    CodeRetour (R::*regle)(const LigneCCAM&, Erreur&);
-    std::function<void(ReglesLigne&)> changer;
-    Attente attente;
-  };
-
  public:
   using ReglesEssai::acte, ReglesEssai::activite, ReglesEssai::phase, ReglesEssai::facture,
-      ReglesEssai::ligne, ReglesEssai::poser, ReglesEssai::codes;
-  void agee(unsigned naissance) { facture.dateNaissance = date(naissance); }
+      ReglesEssai::ligne, ReglesEssai::poser, ReglesEssai::codes, ReglesEssai::JOUR;
 };
 
 TEST_F(ReglesLigne, UneLigneCorrecteNeLeveRien) {
@@ -36,301 +27,198 @@ TEST_F(ReglesLigne, UneLigneCorrecteNeLeveRien) {
   }
 }
 
-class ReglesLigneCas : public ReglesLigne, public ::testing::WithParamInterface<int> {
- public:
-  static const std::vector<Cas>& cas() {
-    using T = ReglesLigne;
-    static const std::vector<Cas> CAS{
-        {"acte inconnu",
-         &R::appliquerProd500,
-         [](T& t) { t.ligne->acte = Code("XXXX999"); },
-         {"R500", {"XXXX999"}}},
-        {"veille de la création",
-         &R::appliquerProd510,
-         [](T& t) { t.ligne->date = date(20050228); },
-         {"R510", {"AAAA001"}}},
-        {"jour de la création", &R::appliquerProd510, [](T& t) { t.ligne->date = date(20050301); }, RIEN},
-        {"jour de la fin", &R::appliquerProd510, [](T& t) { t.acte("AAAA001").dateFin = jour(JOUR); }, RIEN},
-        {"lendemain de la fin",
-         &R::appliquerProd510,
-         [](T& t) { t.acte("AAAA001").dateFin = jour(JOUR - 1); },
-         {"R510", {"AAAA001"}}},
-        {"avant la naissance", &R::appliquerProd511A, [](T& t) { t.agee(JOUR + 1); }, {"R511A", {"AAAA001"}}},
-        {"jour de la naissance", &R::appliquerProd511A, [](T& t) { t.agee(JOUR); }, RIEN},
-        {"nature d'assurance non admise",
-         &R::appliquerProd890,
-         [](T& t) {
-           t.acte("AAAA001").naturesAssurance = compacte<CodeNatureAssurance>({CodeNatureAssurance("MA")});
-         },
-         {"R890", {"AAAA001", "AS"}}},
-        {"sans entente préalable",
-         &R::appliquerProd780,
-         [](T& t) { t.acte("AAAA001").historiques[0].ententePrealable = 'O'; },
-         {"R780", {"AAAA001"}}},
-        {"entente préalable donnée", &R::appliquerProd780,
-         [](T& t) {
-           t.acte("AAAA001").historiques[0].ententePrealable = 'O';
-           t.ligne->ententePrealable = Code("4");
-         },
-         RIEN},
-        {"non remboursable, facturé en dépense non remboursable", &R::appliquerProd760,
-         [](T& t) {
-           t.acte("AAAA001").historiques[0].admissionRemboursement = '2';
-           t.ligne->baseRemboursement = Montant(0.0);
-           t.ligne->baseTheoriqueAMO = Montant(50.0);
-           t.ligne->qualificatifDepense = Code("N");
-         },
-         RIEN},
-        {"non remboursable avec base",
-         &R::appliquerProd760,
-         [](T& t) {
-           t.acte("AAAA001").historiques[0].admissionRemboursement = '2';
-           t.ligne->baseRemboursement = Montant(0.01);
-           t.ligne->baseTheoriqueAMO = Montant(50.0);
-           t.ligne->qualificatifDepense = Code("N");
-         },
-         {"R760", {"AAAA001"}}},
-        {"non remboursable sans base théorique",
-         &R::appliquerProd760,
-         [](T& t) {
-           t.acte("AAAA001").historiques[0].admissionRemboursement = '2';
-           t.ligne->qualificatifDepense = Code("N");
-         },
-         {"R760", {}}},
-        {"non remboursable sans qualificatif",
-         &R::appliquerProd760,
-         [](T& t) {
-           t.acte("AAAA001").historiques[0].admissionRemboursement = '2';
-           t.ligne->baseTheoriqueAMO = Montant(50.0);
-         },
-         {"R760", {}}},
-        {"conditions non réunies",
-         &R::appliquerProd765,
-         [](T& t) { t.acte("AAAA001").historiques[0].admissionRemboursement = '3'; },
-         {"R765", {"AAAA001"}}},
-        {"remboursement exceptionnel", &R::appliquerProd765,
-         [](T& t) {
-           t.acte("AAAA001").historiques[0].admissionRemboursement = '3';
-           t.ligne->codeRemboursement = Code("O");
-         },
-         RIEN},
-        {"activité inconnue",
-         &R::appliquerProd530,
-         [](T& t) { t.ligne->activite = Code("4"); },
-         {"R530", {"AAAA001", "4"}}},
-        {"phase inconnue",
-         &R::appliquerProd540,
-         [](T& t) { t.ligne->phase = Code("2"); },
-         {"R540", {"AAAA001", "1", "2"}}},
-        {"regroupement inconnu",
-         &R::appliquerProd220,
-         [](T& t) { t.ligne->prestation = Code("ZZZ"); },
-         {"R220", {"ZZZ"}}},
-        {"regroupement échu",
-         &R::appliquerProd220,
-         [](T& t) { t.ligne->date = date(20310101); },
-         {"R220", {"ADC"}}},
-        {"regroupement d'un autre acte",
-         &R::appliquerProd798,
-         [](T& t) { t.ligne->prestation = Code("ADI"); },
-         {"R798", {"AAAA001", "1", "ADC"}}},
-        {"spécialité admise", &R::appliquerProd670,
-         [](T& t) {
-           t.activite("AAAA001").historiques[0].classesSpecialites =
-               compacte<CodeClasseSpecialite>({CodeClasseSpecialite("C1")});
-         },
-         RIEN},
-        {"spécialité non admise",
-         &R::appliquerProd670,
-         [](T& t) {
-           t.activite("AAAA001").historiques[0].classesSpecialites =
-               compacte<CodeClasseSpecialite>({CodeClasseSpecialite("D1")});
-         },
-         {"R670", {"AAAA001", "1", "04"}}},
-        {"premier agrément admis", &R::appliquerProd895A,
-         [](T& t) {
-           t.activite("AAAA001").agrementsRadio =
-               compacte<CodeAgrementRadio>({CodeAgrementRadio("11"), CodeAgrementRadio("24")});
-         },
-         RIEN},
-        {"seul le premier agrément compte",
-         &R::appliquerProd895A,
-         [](T& t) {
-           t.activite("AAAA001").agrementsRadio =
-               compacte<CodeAgrementRadio>({CodeAgrementRadio("10"), CodeAgrementRadio("11")});
-         },
-         {"R895A", {"AAAA001", "1", "10, 11"}}},
-        {"modificateur tarifant inconnu",
-         &R::appliquerProd136A,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "Q"});
-         },
-         {"R136A", {"Q"}}},
-        {"le troisième n'est pas tarifant", &R::appliquerProd136A,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "E", "Q"});
-         },
-         RIEN},
-        {"modificateur inconnu au delà des tarifants",
-         &R::appliquerProd136B,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "E", "Q"});
-         },
-         {"R136B", {"Q"}}},
-        {"les deux premiers sont tarifants", &R::appliquerProd136B,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "Q"});
-         },
-         RIEN},
-        {"modificateurs qui s'excluent",
-         &R::appliquerProd190,
-         [](T& t) {
-           t.ligne->modificateur = codes({"E", "A", "F"});
-         },
-         {"R190", {"A", "F"}}},
-        {"un seul des deux nomme l'autre", &R::appliquerProd190,
-         [](T& t) {
-           t.ligne->modificateur = codes({"F", "E"});
-         },
-         RIEN},
-        {"la référence ne dit rien des deux", &R::appliquerProd190,
-         [](T& t) {
-           t.ligne->modificateur = codes({"B", "F"});
-         },
-         RIEN},
-        {"inconnu, affaire de la règle 136", &R::appliquerProd190,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "Q"});
-         },
-         RIEN},
-        {"modificateur non applicable",
-         &R::appliquerProd550,
-         [](T& t) {
-           t.activite("AAAA001").historiques[0].modificateurs = compacte<char>({'A'});
-           t.ligne->modificateur = codes({"A", "E", "F"});
-         },
-         {"R550", {"E", "AAAA001", "1"}}},
-        {"trop jeune pour le modificateur",
-         &R::appliquerProd555,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "E"});
-           t.agee(20180611);
-         },
-         {"R555", {"E"}}},
-        {"l'âge minimal du modificateur", &R::appliquerProd555,
-         [](T& t) {
-           t.ligne->modificateur = codes({"E"});
-           t.agee(20180610);
-         },
-         RIEN},
-        {"un jour de plus que l'âge maximal",
-         &R::appliquerProd555,
-         [](T& t) {
-           t.ligne->modificateur = codes({"E"});
-           t.agee(19640609);
-         },
-         {"R555", {"E"}}},
-        {"pas encore né, affaire de la règle 511A", &R::appliquerProd555,
-         [](T& t) {
-           t.ligne->modificateur = codes({"E"});
-           t.agee(20250101);
-         },
-         RIEN},
-        {"modificateur OC transmis", &R::appliquerProd798A,
-         [](T& t) {
-           t.ligne->modificateur = codes({"E", "A"});
-           t.ligne->donneesComplementaires = codes({"X"});
-         },
-         RIEN},
-        {"modificateur OC d'un autre",
-         &R::appliquerProd798A,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A"});
-           t.ligne->donneesComplementaires = codes({"Y"});
-         },
-         {"R798A", {"Y"}}},
-        {"un modificateur OC de trop",
-         &R::appliquerProd798A,
-         [](T& t) {
-           t.ligne->modificateur = codes({"A", "F"});
-           t.ligne->donneesComplementaires = codes({"X", "Y"});
-         },
-         {"R798A", {"Y"}}},
-        {"trop jeune",
-         &R::appliquerProd720,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.agee(20180611);
-         },
-         {"R720", {"EEEE001", "6"}}},
-        {"l'âge minimal", &R::appliquerProd720,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.agee(20180610);
-         },
-         RIEN},
-        {"l'âge maximal", &R::appliquerProd730,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.agee(19800610);
-         },
-         RIEN},
-        {"trop âgé",
-         &R::appliquerProd730,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.agee(19800609);
-         },
-         {"R730", {"EEEE001", "44"}}},
-        {"sans dent",
-         &R::appliquerProd700,
-         [](T& t) { t.ligne->acte = Code("EEEE001"); },
-         {"R700", {"EEEE001"}}},
-        {"assez de dents", &R::appliquerProd702,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.ligne->dent = codes({"11", "12"});
-         },
-         RIEN},
-        {"pas assez de dents",
-         &R::appliquerProd702,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.ligne->dent = codes({"11"});
-         },
-         {"R702", {"EEEE001", "2"}}},
-        {"un nombre de dents hors de 1 à 16", &R::appliquerProd702,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.phase("EEEE001").nombreDents = CodeFixe<2>("17");
-         },
-         RIEN},
-        {"dent incompatible",
-         &R::appliquerProd710,
-         [](T& t) {
-           t.ligne->acte = Code("EEEE001");
-           t.ligne->dent = codes({"11", "28", "18"});
-         },
-         {"R710", {"28", "EEEE001"}}},
-        {"code association inconnu",
-         &R::appliquerProd137,
-         [](T& t) { t.ligne->codeAssociation = Code("8"); },
-         {"R137", {"8"}}},
-        {"code association connu", &R::appliquerProd137, [](T& t) { t.ligne->codeAssociation = Code("2"); },
-         RIEN},
-        {"sans code association", &R::appliquerProd137, [](T&) {}, RIEN},
-    };
-    return CAS;
-  }
+// What a case changes of the correct line, of its patient and of its act.
+using L = LigneCCAM;
+using Changement = std::function<void(ReglesLigne&)>;
+
+template <class Objet, class Champ, class Valeur>
+Changement champ(Champ Objet::*ou, Valeur valeur) {
+  return [=](ReglesLigne& t) { t.ligne->*ou = valeur; };
+}
+Changement liste(ListeCodes L::*ou, std::initializer_list<const char*> textes) {
+  return champ(ou, ReglesLigne::codes(textes));
+}
+Changement modificateurs(std::initializer_list<const char*> textes) {
+  return liste(&L::modificateur, textes);
+}
+Changement transmis(std::initializer_list<const char*> textes) {
+  return liste(&L::donneesComplementaires, textes);
+}
+Changement dents(std::initializer_list<const char*> textes) { return liste(&L::dent, textes); }
+Changement ne(unsigned naissance) {
+  return [=](ReglesLigne& t) { t.facture.dateNaissance = date(naissance); };
+}
+Changement admission(char code) {
+  return [=](ReglesLigne& t) { t.acte("AAAA001").historiques[0].admissionRemboursement = code; };
+}
+Changement fin(unsigned jourFin) {
+  return [=](ReglesLigne& t) { t.acte("AAAA001").dateFin = jour(jourFin); };
+}
+Changement classe(const char* code) {
+  return [=](ReglesLigne& t) {
+    t.activite("AAAA001").historiques[0].classesSpecialites =
+        compacte<CodeClasseSpecialite>({CodeClasseSpecialite(code)});
+  };
+}
+Changement agrements(const char* premier, const char* second) {
+  return [=](ReglesLigne& t) {
+    t.activite("AAAA001").agrementsRadio =
+        compacte<CodeAgrementRadio>({CodeAgrementRadio(premier), CodeAgrementRadio(second)});
+  };
+}
+
+const Changement SOUS_ENTENTE = [](ReglesLigne& t) {
+  t.acte("AAAA001").historiques[0].ententePrealable = 'O';
+};
+const Changement DE_MATERNITE = [](ReglesLigne& t) {
+  t.acte("AAAA001").naturesAssurance = compacte<CodeNatureAssurance>({CodeNatureAssurance("MA")});
+};
+const Changement PREND_SEULEMENT_A = [](ReglesLigne& t) {
+  t.activite("AAAA001").historiques[0].modificateurs = compacte<char>({'A'});
+};
+const Changement DIX_SEPT_DENTS = [](ReglesLigne& t) { t.phase("EEEE001").nombreDents = CodeFixe<2>("17"); };
+const Changement DENTAIRE = champ(&L::acte, Code("EEEE001"));
+const Changement BASE_AMO = champ(&L::baseTheoriqueAMO, Montant(50.0));
+const Changement DEPENSE_NON_REMBOURSABLE = champ(&L::qualificatifDepense, Code("N"));
+constexpr unsigned JOUR = ReglesLigne::JOUR;
+
+struct Cas {
+  const char* nom;
+  CodeRetour (R::*regle)(const LigneCCAM&, Erreur&);
+  std::vector<Changement> changements;
+  Attente attente;
 };
 
+const std::vector<Cas>& lesCas() {
+  static const std::vector<Cas> CAS{
+      {"acte inconnu", &R::appliquerProd500, {champ(&L::acte, Code("XXXX999"))}, {"R500", {"XXXX999"}}},
+      {"veille de la création",
+       &R::appliquerProd510,
+       {champ(&L::date, date(20050228))},
+       {"R510", {"AAAA001"}}},
+      {"jour de la création", &R::appliquerProd510, {champ(&L::date, date(20050301))}, RIEN},
+      {"jour de la fin", &R::appliquerProd510, {fin(JOUR)}, RIEN},
+      {"lendemain de la fin", &R::appliquerProd510, {fin(JOUR - 1)}, {"R510", {"AAAA001"}}},
+      {"avant la naissance", &R::appliquerProd511A, {ne(JOUR + 1)}, {"R511A", {"AAAA001"}}},
+      {"jour de la naissance", &R::appliquerProd511A, {ne(JOUR)}, RIEN},
+      {"nature d'assurance non admise", &R::appliquerProd890, {DE_MATERNITE}, {"R890", {"AAAA001", "AS"}}},
+      {"sans entente préalable", &R::appliquerProd780, {SOUS_ENTENTE}, {"R780", {"AAAA001"}}},
+      {"entente préalable donnée",
+       &R::appliquerProd780,
+       {SOUS_ENTENTE, champ(&L::ententePrealable, Code("4"))},
+       RIEN},
+      {"non remboursable, facturé en dépense non remboursable",
+       &R::appliquerProd760,
+       {admission('2'), champ(&L::baseRemboursement, Montant(0.0)), BASE_AMO, DEPENSE_NON_REMBOURSABLE},
+       RIEN},
+      {"non remboursable avec base",
+       &R::appliquerProd760,
+       {admission('2'), champ(&L::baseRemboursement, Montant(0.01)), BASE_AMO, DEPENSE_NON_REMBOURSABLE},
+       {"R760", {"AAAA001"}}},
+      {"non remboursable sans base théorique",
+       &R::appliquerProd760,
+       {admission('2'), DEPENSE_NON_REMBOURSABLE},
+       {"R760", {}}},
+      {"non remboursable sans qualificatif", &R::appliquerProd760, {admission('2'), BASE_AMO}, {"R760", {}}},
+      {"conditions non réunies", &R::appliquerProd765, {admission('3')}, {"R765", {"AAAA001"}}},
+      {"remboursement exceptionnel",
+       &R::appliquerProd765,
+       {admission('3'), champ(&L::codeRemboursement, Code("O"))},
+       RIEN},
+      {"activité inconnue",
+       &R::appliquerProd530,
+       {champ(&L::activite, Code("4"))},
+       {"R530", {"AAAA001", "4"}}},
+      {"phase inconnue",
+       &R::appliquerProd540,
+       {champ(&L::phase, Code("2"))},
+       {"R540", {"AAAA001", "1", "2"}}},
+      {"regroupement inconnu", &R::appliquerProd220, {champ(&L::prestation, Code("ZZZ"))}, {"R220", {"ZZZ"}}},
+      {"regroupement échu", &R::appliquerProd220, {champ(&L::date, date(20310101))}, {"R220", {"ADC"}}},
+      {"regroupement d'un autre acte",
+       &R::appliquerProd798,
+       {champ(&L::prestation, Code("ADI"))},
+       {"R798", {"AAAA001", "1", "ADC"}}},
+      {"spécialité admise", &R::appliquerProd670, {classe("C1")}, RIEN},
+      {"spécialité non admise", &R::appliquerProd670, {classe("D1")}, {"R670", {"AAAA001", "1", "04"}}},
+      {"premier agrément admis", &R::appliquerProd895A, {agrements("11", "24")}, RIEN},
+      {"seul le premier agrément compte",
+       &R::appliquerProd895A,
+       {agrements("10", "11")},
+       {"R895A", {"AAAA001", "1", "10, 11"}}},
+      {"modificateur tarifant inconnu", &R::appliquerProd136A, {modificateurs({"A", "Q"})}, {"R136A", {"Q"}}},
+      {"le troisième n'est pas tarifant", &R::appliquerProd136A, {modificateurs({"A", "E", "Q"})}, RIEN},
+      {"modificateur inconnu au delà des tarifants",
+       &R::appliquerProd136B,
+       {modificateurs({"A", "E", "Q"})},
+       {"R136B", {"Q"}}},
+      {"les deux premiers sont tarifants", &R::appliquerProd136B, {modificateurs({"A", "Q"})}, RIEN},
+      {"modificateurs qui s'excluent",
+       &R::appliquerProd190,
+       {modificateurs({"E", "A", "F"})},
+       {"R190", {"A", "F"}}},
+      {"un seul des deux nomme l'autre", &R::appliquerProd190, {modificateurs({"F", "E"})}, RIEN},
+      {"la référence ne dit rien des deux", &R::appliquerProd190, {modificateurs({"B", "F"})}, RIEN},
+      {"inconnu, affaire de la règle 136", &R::appliquerProd190, {modificateurs({"A", "Q"})}, RIEN},
+      {"modificateur non applicable",
+       &R::appliquerProd550,
+       {PREND_SEULEMENT_A, modificateurs({"A", "E", "F"})},
+       {"R550", {"E", "AAAA001", "1"}}},
+      {"trop jeune pour le modificateur",
+       &R::appliquerProd555,
+       {modificateurs({"A", "E"}), ne(20180611)},
+       {"R555", {"E"}}},
+      {"l'âge minimal du modificateur", &R::appliquerProd555, {modificateurs({"E"}), ne(20180610)}, RIEN},
+      {"un jour de plus que l'âge maximal",
+       &R::appliquerProd555,
+       {modificateurs({"E"}), ne(19640609)},
+       {"R555", {"E"}}},
+      {"pas encore né, affaire de la règle 511A",
+       &R::appliquerProd555,
+       {modificateurs({"E"}), ne(20250101)},
+       RIEN},
+      {"modificateur OC transmis", &R::appliquerProd798A, {modificateurs({"E", "A"}), transmis({"X"})}, RIEN},
+      {"modificateur OC d'un autre",
+       &R::appliquerProd798A,
+       {modificateurs({"A"}), transmis({"Y"})},
+       {"R798A", {"Y"}}},
+      {"un modificateur OC de trop",
+       &R::appliquerProd798A,
+       {modificateurs({"A", "F"}), transmis({"X", "Y"})},
+       {"R798A", {"Y"}}},
+      {"trop jeune", &R::appliquerProd720, {DENTAIRE, ne(20180611)}, {"R720", {"EEEE001", "6"}}},
+      {"l'âge minimal", &R::appliquerProd720, {DENTAIRE, ne(20180610)}, RIEN},
+      {"l'âge maximal", &R::appliquerProd730, {DENTAIRE, ne(19800610)}, RIEN},
+      {"trop âgé", &R::appliquerProd730, {DENTAIRE, ne(19800609)}, {"R730", {"EEEE001", "44"}}},
+      {"sans dent", &R::appliquerProd700, {DENTAIRE}, {"R700", {"EEEE001"}}},
+      {"une dent", &R::appliquerProd700, {DENTAIRE, dents({"11"})}, RIEN},
+      {"assez de dents", &R::appliquerProd702, {DENTAIRE, dents({"11", "12"})}, RIEN},
+      {"pas assez de dents", &R::appliquerProd702, {DENTAIRE, dents({"11"})}, {"R702", {"EEEE001", "2"}}},
+      {"un nombre de dents hors de 1 à 16", &R::appliquerProd702, {DENTAIRE, DIX_SEPT_DENTS}, RIEN},
+      {"dent incompatible",
+       &R::appliquerProd710,
+       {DENTAIRE, dents({"11", "28", "18"})},
+       {"R710", {"28", "EEEE001"}}},
+      {"code association inconnu",
+       &R::appliquerProd137,
+       {champ(&L::codeAssociation, Code("8"))},
+       {"R137", {"8"}}},
+      {"code association connu", &R::appliquerProd137, {champ(&L::codeAssociation, Code("2"))}, RIEN},
+      {"sans code association", &R::appliquerProd137, {}, RIEN},
+  };
+  return CAS;
+}
+
+class ReglesLigneCas : public ReglesLigne, public ::testing::WithParamInterface<std::size_t> {};
+
 TEST_P(ReglesLigneCas, Leve) {
-  const Cas& cas = ReglesLigneCas::cas()[static_cast<std::size_t>(GetParam())];
-  cas.changer(*this);
+  const Cas& cas = lesCas()[GetParam()];
+  for (const Changement& changement : cas.changements) {
+    changement(*this);
+  }
   verifier(cas.nom, reglementation, cas.regle, *ligne, cas.attente);
 }
-INSTANTIATE_TEST_SUITE_P(Toutes, ReglesLigneCas,
-                         ::testing::Range(0, static_cast<int>(ReglesLigneCas::cas().size())));
+INSTANTIATE_TEST_SUITE_P(Toutes, ReglesLigneCas, ::testing::Range(std::size_t{0}, lesCas().size()));
 
 TEST_F(ReglesLigne, LignesNonCcam) {
   LigneActe prestation;
