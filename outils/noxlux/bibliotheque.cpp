@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "basics/fichier_ini.h"
 #include "noxlux/noxlux.h"
 
 namespace noxlux::commande {
@@ -53,6 +54,23 @@ void OptionsReference::declarer(CLI::App& commande) {
   commande.add_option("--config", config, "répertoire d'orvan.ini (par défaut : celui de l'installation)")
       ->type_name("DIR")
       ->excludes(option);
+}
+
+std::string OptionsReference::repertoireModification() const {
+  if (!reference.empty()) {
+    return modification.empty() ? reference : modification;
+  }
+  const std::string nom = avecBarre(config.empty() ? REPERTOIRE_SYSTEME : config) + "orvan.ini";
+  FichierIni ini;
+  if (ini.parserFichier(nom.c_str()) == NOX_CR_INI_OUVERTURE) {
+    throw ErreurUsage("fichier illisible : " + nom);
+  }
+  for (const char* cle : {"repertoireModification", "repertoiretable"}) {
+    if (const char* valeur = ini.lireValeur("NOX", cle)) {
+      return valeur;
+    }
+  }
+  throw ErreurUsage(nom + " : la section NOX ne dit pas où est la référence");
 }
 
 Bibliotheque::Bibliotheque(const OptionsReference& options) {

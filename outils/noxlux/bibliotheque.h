@@ -21,6 +21,8 @@ struct OptionsReference {
   std::string modification;  // directory of modifref.nox; empty: as the reference
   std::string config;        // directory of orvan.ini
   void declarer(CLI::App& commande);
+  // Where modifref.nox is. Throws ErreurUsage when no orvan.ini tells.
+  std::string repertoireModification() const;
 };
 
 class Bibliotheque {

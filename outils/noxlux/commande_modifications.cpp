@@ -4,8 +4,8 @@
 #include <iostream>
 #include <memory>
 
+#include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
-#include "noxlux/erreurs.h"
 #include "noxlux/ouverture.h"
 #include "noxlux/tableau.h"
 #include "referent/referentiel.h"
@@ -18,7 +18,7 @@ namespace {
 using namespace noxlux::compilateur;
 
 struct Options {
-  std::string chemin;
+  OptionsReference reference;
   bool json = false;
 };
 
@@ -97,11 +97,13 @@ void afficher(const JsonOrdonne& resultat) {
 
 void executer(const Options& options) {
   namespace fs = std::filesystem;
-  const fs::path chemin = fs::is_directory(options.chemin)
-                              ? fs::path(options.chemin) / NOM_FICHIER_MODIFICATION
-                              : fs::path(options.chemin);
+  const fs::path repertoire = options.reference.repertoireModification();
+  const fs::path chemin = repertoire / NOM_FICHIER_MODIFICATION;
+  if (!fs::is_directory(repertoire)) {
+    throw ErreurUsage("pas de répertoire " + repertoire.string());
+  }
   JsonOrdonne resultat = {{"fichier", nullptr}, {"modifications", JsonOrdonne::array()}};
-  if (fs::is_directory(options.chemin) && !fs::exists(chemin)) {
+  if (!fs::exists(chemin)) {
     if (!options.json) {
       std::cout << chemin.string() << " : aucun fichier de modifications, rien n'est modifié.\n";
       return;
@@ -129,9 +131,7 @@ void enregistrerModifications(CLI::App& application) {
   const auto options = std::make_shared<Options>();
   CLI::App* const commande = application.add_subcommand(
       "modifications", "Dit ce qui est modifié localement, depuis quand, par quel fichier");
-  commande->add_option("fichier", options->chemin, "modifref.nox, ou son répertoire")
-      ->required()
-      ->type_name("FICHIER");
+  options->reference.declarer(*commande);
   commande->add_flag("--json", options->json, "réponse en JSON, pour un programme");
   commande->callback([options] { executer(*options); });
 }

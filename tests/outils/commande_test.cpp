@@ -54,6 +54,40 @@ TEST(Commande, CompileEtListe) {
   }
 }
 
+// What is changed locally, found by the options that every other subcommand has.
+TEST(Commande, DitCeQuiEstModifie) {
+  const Repertoire dossier;
+  const std::string produit = (dossier.chemin() / "produit").string();
+  const std::string ici = phrase(" -r ", produit, " --modifications ", dossier.chemin().string());
+  const std::string compilation = phrase("compiler ", (depot() / "reference/exemple").string(), " --socle ",
+                                         (depot() / "reference/socle").string(), " -o ", produit);
+  dossier.ecrire("orvan.ini", phrase("[NOX]\nrepertoiretable=", produit,
+                                     "/\nrepertoireModification=", dossier.chemin().string(), "/\n"));
+  const std::string phaseActe = "CCAM_37 acte=HHFA001 activite=1 phase=0";
+  const struct {
+    std::string arguments;
+    int statut;
+    const char* fragment;
+  } cas[] = {
+      {compilation, 0, "actes"},
+      {"modifications" + ici, 0, "aucun fichier de modifications"},
+      {"modifier " + phaseActe + " montant=200 -e 2026-01-01" + ici, 0, "200,00"},
+      {"modifications" + ici, 0, "prix unitaire"},
+      {"modifications --json --config " + dossier.chemin().string(), 0, "2026-01-01"},
+      {"annuler " + phaseActe + ici, 0, "200,00"},
+      {"modifications" + ici, 0, "Rien n'est modifi"},
+      {"modifications -r /absent", 2, "/absent"},
+      {"modifications --config /absent", 2, "/absent/orvan.ini"},
+      {"modifications " + produit, 2, produit.c_str()},
+  };
+  for (const auto& [arguments, statut, fragment] : cas) {
+    const Resultat resultat = lancer(dossier, arguments);
+    EXPECT_EQ(resultat.statut, statut) << arguments << resultat.erreurs;
+    EXPECT_NE((statut == 0 ? resultat.sortie : resultat.erreurs).find(fragment), std::string::npos)
+        << arguments << resultat.sortie << resultat.erreurs;
+  }
+}
+
 TEST(Commande, RefuseAvecLeStatut2) {
   const Repertoire dossier;
   const std::string faux = dossier.ecrire("faux.toml", "[[menu]]\ncode = \"un\"\n").string();
