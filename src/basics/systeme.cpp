@@ -38,15 +38,34 @@ CodeRetour Systeme::lireRepertoireSysteme(const char*& repertoire) {
   return NOX_CR_OK;
 }
 
-int Systeme::comparerIdentifiant(const char* gauche, const char* droite) {
-  const auto minuscule = [](char c) {
-    return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
-  };
-  while (*gauche != '\0' && (*gauche == *droite || minuscule(*gauche) == minuscule(*droite))) {
-    ++gauche;
-    ++droite;
+namespace {
+
+unsigned char minuscule(char c) {
+  return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+}
+
+}  // namespace
+
+std::uint64_t Systeme::prefixeIdentifiant(const char* identifiant) {
+  std::uint64_t prefixe = 0;
+  for (std::size_t i = 0; i < sizeof prefixe; ++i) {
+    prefixe = prefixe << 8U | minuscule(*identifiant);
+    identifiant += *identifiant == '\0' ? 0 : 1;
   }
-  return minuscule(*gauche) - minuscule(*droite);
+  return prefixe;
+}
+
+int Systeme::comparerIdentifiant(const char* gauche, const char* droite) {
+  for (;; ++gauche, ++droite) {
+    if (*gauche != *droite) {
+      const int ecart = minuscule(*gauche) - minuscule(*droite);
+      if (ecart != 0) {
+        return ecart;
+      }
+    } else if (*gauche == '\0') {
+      return 0;
+    }
+  }
 }
 
 CodeRetour SuiviDeParc::lireRepertoire(std::string& repertoire) {

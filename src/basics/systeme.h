@@ -2,6 +2,7 @@
 #ifndef NOXLUX_BASICS_SYSTEME_H
 #define NOXLUX_BASICS_SYSTEME_H
 
+#include <cstdint>
 #include <string>
 
 #include "basics/codes_retour.h"
@@ -20,6 +21,8 @@ class Systeme {
   static CodeRetour lireRepertoireSysteme(const char*& repertoire);
   // Compares with 'A'..'Z' folded to lower case; negative, zero or positive.
   static int comparerIdentifiant(const char* gauche, const char* droite);
+  // The first 8 characters of an identifier as a number that sorts as they do in that comparison.
+  static std::uint64_t prefixeIdentifiant(const char* identifiant);
 };
 
 // The files by which the host's installation knows which versions run.

@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <type_traits>
 
 #include "basics/assertion.h"
 #include "basics/trace.h"
+#include "types/booleen.h"
+#include "types/date.h"
+#include "types/decimal.h"
 
 namespace noxlux {
 
@@ -24,21 +28,75 @@ CodeRetour refuser(FormatVerifie<const char*> format, Octets donnees) {
   return NOX_CR_CHAMP_INVALIDE;
 }
 
-bool estChiffre(byte b) { return b >= '0' && b <= '9'; }
-bool estAlphanumerique(byte b) { return b == ' ' || (b >= 'A' && b <= 'Z') || estChiffre(b); }
+constexpr bool estChiffre(byte b) { return b >= '0' && b <= '9'; }
+constexpr bool estAlphanumerique(byte b) { return b == ' ' || (b >= 'A' && b <= 'Z') || estChiffre(b); }
 
-CodeRetour controlerCaracteres(Octets donnees, bool (*estPermis)(byte), FormatVerifie<byte> format) {
-  const auto interdit = std::find_if_not(donnees.begin(), donnees.end(), estPermis);
-  if (interdit == donnees.end()) {
-    return NOX_CR_OK;
+template <bool (*EST_PERMIS)(byte)>
+CodeRetour controlerCaracteres(Octets donnees, FormatVerifie<byte> format) {
+  for (const byte b : donnees) {
+    if (!EST_PERMIS(b)) {
+      Trace::erreur(TRACE_PARAMETRES, format, b);
+      return NOX_CR_CHAMP_INVALIDE;
+    }
   }
-  Trace::erreur(TRACE_PARAMETRES, format, *interdit);
-  return NOX_CR_CHAMP_INVALIDE;
+  return NOX_CR_OK;
 }
 
-template <class T, class... Precision>
-bool construire(ValeurChamp& valeur, Octets donnees, Precision... precision) {
-  return valeur.emplace<T>(donnees.data(), donnees.size(), precision...).ok();
+template <class T>
+constexpr Champ::Type TYPE_DE = Champ::Type::Aucun;
+template <>
+constexpr Champ::Type TYPE_DE<Code> = Champ::Type::Code;
+template <>
+constexpr Champ::Type TYPE_DE<Texte> = Champ::Type::Texte;
+template <>
+constexpr Champ::Type TYPE_DE<Booleen> = Champ::Type::Booleen;
+template <>
+constexpr Champ::Type TYPE_DE<Date> = Champ::Type::Date;
+template <>
+constexpr Champ::Type TYPE_DE<Nombre> = Champ::Type::Nombre;
+template <>
+constexpr Champ::Type TYPE_DE<Montant> = Champ::Type::Montant;
+template <>
+constexpr Champ::Type TYPE_DE<Coefficient> = Champ::Type::Coefficient;
+
+CodeRetour convertir(Octets donnees, Champ::Type /*type*/, Code& code) {
+  if (!Code::estValide(donnees.data(), donnees.size())) {
+    return refuser("ERREUR: le champ [%s] n'est pas un code valide.", donnees);
+  }
+  code.affecter(donnees.data(), donnees.size());
+  return NOX_CR_OK;
+}
+
+CodeRetour convertir(Octets donnees, Champ::Type /*type*/, Texte& texte) {
+  texte.affecter(donnees.data(), donnees.size());
+  return NOX_CR_OK;
+}
+
+CodeRetour convertir(Octets donnees, Champ::Type /*type*/, Booleen& booleen) {
+  if (donnees.size() != 1 || !Booleen::estValide(static_cast<char>(donnees.front()))) {
+    return refuser("ERREUR: le champ [%s] n'est pas un booléen valide.", donnees);
+  }
+  booleen = Booleen(donnees.data(), donnees.size());
+  return NOX_CR_OK;
+}
+
+// The other types tell by themselves whether they could be built.
+template <class T>
+CodeRetour convertir(Octets donnees, Champ::Type type, T& valeur) {
+  T lue;
+  if constexpr (std::is_same_v<T, Coefficient>) {
+    lue = T(donnees.data(), donnees.size(),
+            type == Champ::Type::Taux ? Coefficient::DECIMALES_TAUX : Coefficient::DECIMALES);
+  } else {
+    lue = T(donnees.data(), donnees.size());
+  }
+  if (!lue.ok()) {
+    Trace::erreur(TRACE_PARAMETRES, "ERREUR: Construction type simple (%d) impossible",
+                  static_cast<int>(type));
+    return NOX_CR_MEMOIRE;
+  }
+  valeur = lue;
+  return NOX_CR_OK;
 }
 
 }  // namespace
@@ -64,36 +122,35 @@ CodeRetour Champ::initialiser(Format format, Type type, std::uint16_t tailleMin,
 
 CodeRetour Champ::controler(Octets donnees) const {
   exiger(donnees.data() != nullptr, "donnees != __null");
-  CodeRetour cr = controlerTaille(donnees.size());
-  if (cr == NOX_CR_OK) {
-    cr = controlerFormat(donnees);
+  const bool tropCourt = tailleMin_ != 0 && donnees.size() < tailleMin_;
+  const bool tropLong = tailleMax_ != 0 && donnees.size() > tailleMax_;
+  if (tropCourt || tropLong) {
+    return refuserTaille(donnees.size());
   }
-  return cr == NOX_CR_OK ? controlerValeurs(donnees) : cr;
+  const CodeRetour cr = controlerFormat(donnees);
+  return cr == NOX_CR_OK && !valeursAutorisees_.empty() ? controlerValeurs(donnees) : cr;
 }
 
-CodeRetour Champ::controlerTaille(std::size_t longueur) const {
-  if (tailleMin_ != 0 && longueur < tailleMin_) {
+CodeRetour Champ::refuserTaille(std::size_t longueur) const {
+  if (longueur < tailleMin_) {
     Trace::erreur(TRACE_PARAMETRES, "ERREUR: taille des donnees (%u) inferieure au minimum (%u).",
                   static_cast<unsigned>(longueur), tailleMin_);
-    return NOX_CR_CHAMP_INVALIDE;
-  }
-  if (tailleMax_ != 0 && longueur > tailleMax_) {
+  } else {
     Trace::erreur(TRACE_PARAMETRES,
                   "Champ::controler: ERREUR: taille des donnees (%u) superieure au maximum (%u).",
                   static_cast<unsigned>(longueur), tailleMax_);
-    return NOX_CR_CHAMP_INVALIDE;
   }
-  return NOX_CR_OK;
+  return NOX_CR_CHAMP_INVALIDE;
 }
 
 CodeRetour Champ::controlerFormat(Octets donnees) const {
   switch (format_) {
     case Format::Alphanumerique:
-      return controlerCaracteres(donnees, estAlphanumerique,
-                                 "ERREUR: caractere (%c) interdit dans le format alphanumerique.");
+      return controlerCaracteres<estAlphanumerique>(
+          donnees, "ERREUR: caractere (%c) interdit dans le format alphanumerique.");
     case Format::Numerique:
-      return controlerCaracteres(donnees, estChiffre,
-                                 "ERREUR: caractere (%c) interdit dans le format numerique.");
+      return controlerCaracteres<estChiffre>(donnees,
+                                             "ERREUR: caractere (%c) interdit dans le format numerique.");
     case Format::Date:
       return Date::estValide(donnees.data(), donnees.size())
                  ? CodeRetour{NOX_CR_OK}
@@ -110,8 +167,7 @@ CodeRetour Champ::controlerValeurs(Octets donnees) const {
   const auto estLaMeme = [donnees](const std::string& valeur) {
     return valeur.size() == donnees.size() && std::memcmp(valeur.data(), donnees.data(), valeur.size()) == 0;
   };
-  if (valeursAutorisees_.empty() ||
-      std::any_of(valeursAutorisees_.begin(), valeursAutorisees_.end(), estLaMeme)) {
+  if (std::any_of(valeursAutorisees_.begin(), valeursAutorisees_.end(), estLaMeme)) {
     return NOX_CR_OK;
   }
   return refuser("ERREUR: le champ [%s] ne fait pas partie des valeurs autorisées.", donnees);
@@ -137,58 +193,40 @@ Octets Champ::reduire(Octets donnees) const {
   return donnees;
 }
 
-CodeRetour Champ::transformer(Octets donnees, ValeurChamp& valeur) const {
-  const CodeRetour cr = controler(donnees);
-  return cr == NOX_CR_OK ? convertir(reduire(donnees), valeur) : cr;
+template <class T>
+bool Champ::estDecritComme() const {
+  return type_ == TYPE_DE<T> || (std::is_same_v<T, Coefficient> && type_ == Type::Taux);
 }
 
-CodeRetour Champ::convertir(Octets donnees, ValeurChamp& valeur) const {
-  bool construite = false;
-  switch (type_) {
-    case Type::Code:
-      if (!Code::estValide(donnees.data(), donnees.size())) {
-        return refuser("ERREUR: le champ [%s] n'est pas un code valide.", donnees);
-      }
-      construite = construire<Code>(valeur, donnees);
-      break;
-    case Type::Texte:
-      construite = construire<Texte>(valeur, donnees);
-      break;
-    case Type::Booleen:
-      if (donnees.size() != 1 || !Booleen::estValide(static_cast<char>(donnees.front()))) {
-        return refuser("ERREUR: le champ [%s] n'est pas un booléen valide.", donnees);
-      }
-      construite = construire<Booleen>(valeur, donnees);
-      break;
-    case Type::Date:
-      construite = construire<Date>(valeur, donnees);
-      break;
-    case Type::Nombre:
-      construite = construire<Nombre>(valeur, donnees);
-      break;
-    case Type::Montant:
-      construite = construire<Montant>(valeur, donnees);
-      break;
-    case Type::Coefficient:
-      construite = construire<Coefficient>(valeur, donnees, Coefficient::DECIMALES);
-      break;
-    case Type::Taux:
-      construite = construire<Coefficient>(valeur, donnees, Coefficient::DECIMALES_TAUX);
-      break;
-    case Type::Aucun:
-      valeur = std::monostate();
-      return NOX_CR_OK;
-    default:
-      Trace::erreur(TRACE_PARAMETRES, "ERREUR: Type simple (%d) inconnu", static_cast<int>(type_));
-      return NOX_CR_INCOHERENCE;
+CodeRetour Champ::refuserType() const {
+  if (type_ > Type::Aucun) {
+    Trace::erreur(TRACE_PARAMETRES, "ERREUR: Type simple (%d) inconnu", static_cast<int>(type_));
+  } else {
+    Trace::erreur(TRACE_PARAMETRES, "ERREUR: type de champ différent de celui de la fonction");
   }
-  if (!construite) {
-    Trace::erreur(TRACE_PARAMETRES, "ERREUR: Construction type simple (%d) impossible",
-                  static_cast<int>(type_));
-    return NOX_CR_MEMOIRE;
-  }
-  return NOX_CR_OK;
+  return NOX_CR_INCOHERENCE;
 }
+
+template <class T>
+CodeRetour Champ::transformer(Octets donnees, T& valeur) const {
+  const CodeRetour cr = controler(donnees);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  if (type_ == Type::Aucun) {
+    valeur = T();
+    return NOX_CR_OK;
+  }
+  return estDecritComme<T>() ? convertir(reduire(donnees), type_, valeur) : refuserType();
+}
+
+template CodeRetour Champ::transformer(Octets donnees, Code& valeur) const;
+template CodeRetour Champ::transformer(Octets donnees, Texte& valeur) const;
+template CodeRetour Champ::transformer(Octets donnees, Booleen& valeur) const;
+template CodeRetour Champ::transformer(Octets donnees, Date& valeur) const;
+template CodeRetour Champ::transformer(Octets donnees, Nombre& valeur) const;
+template CodeRetour Champ::transformer(Octets donnees, Montant& valeur) const;
+template CodeRetour Champ::transformer(Octets donnees, Coefficient& valeur) const;
 
 void Champ::dump() const {
   const auto format = static_cast<std::size_t>(format_);

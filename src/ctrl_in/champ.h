@@ -9,7 +9,6 @@
 #include "basics/codes_retour.h"
 #include "manip/zone.h"
 #include "types/liste_codes.h"
-#include "types/valeur_champ.h"
 
 namespace noxlux {
 
@@ -27,18 +26,22 @@ class Champ {
   CodeRetour controler(Octets donnees) const;
   // Without their padding: leading zeros of a number, trailing spaces of a text.
   Octets reduire(Octets donnees) const;
-  // Checks, reduces and converts. A field without type gives std::monostate and 0.
-  CodeRetour transformer(Octets donnees, ValeurChamp& valeur) const;
+  // Checks, reduces and converts to a value type of zones. A field without type gives T() and 0; one that is
+  // described as another type is 0xDFFF.
+  template <class T>
+  CodeRetour transformer(Octets donnees, T& valeur) const;
 
   Format lireFormat() const { return format_; }
   Type lireType() const { return type_; }
   void dump() const;
 
  private:
-  CodeRetour controlerTaille(std::size_t longueur) const;
+  CodeRetour refuserTaille(std::size_t longueur) const;
   CodeRetour controlerFormat(Octets donnees) const;
   CodeRetour controlerValeurs(Octets donnees) const;
-  CodeRetour convertir(Octets donnees, ValeurChamp& valeur) const;
+  template <class T>
+  bool estDecritComme() const;
+  CodeRetour refuserType() const;
 
   Format format_ = Format::Indifferent;
   Type type_ = Type::Aucun;

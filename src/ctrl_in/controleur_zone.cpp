@@ -1,27 +1,11 @@
 #include "ctrl_in/controleur_zone.h"
 
 #include <utility>
-#include <variant>
 
 #include "basics/assertion.h"
 #include "basics/trace.h"
 
 namespace noxlux {
-
-namespace {
-
-// The value, or that there is none, in the trace.
-void dumpValeur(const ValeurChamp& valeur) {
-  std::visit(
-      [](const auto& v) {
-        if constexpr (!std::is_same_v<std::decay_t<decltype(v)>, std::monostate>) {
-          v.dump(TRACE_PARAMETRES);
-        }
-      },
-      valeur);
-}
-
-}  // namespace
 
 ControleurZone::ControleurZone(Zone* zone, const SuperGroupe* superGroupe, bool exhaustif)
     : zone_(zone), racine_(superGroupe), exhaustif_(exhaustif) {
@@ -156,24 +140,6 @@ CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16
     Trace::ecrire(TRACE_PARAMETRES, "Groupe %u, champ %u (%u) (l=%u) = %s", identifiant, numero,
                   zone_->lireNombreChamps(), static_cast<unsigned>(donnees.size()),
                   Zone::dumpChamp(donnees).c_str());
-  }
-  return cr;
-}
-
-CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero,
-                                         ValeurChamp& valeur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_PARAMETRES, cr, "ControleurZone::extraireChamp");
-  const Champ* champ = nullptr;
-  Octets donnees;
-  cr = lireChampSuivant(identifiant, numero, donnees, champ);
-  if (cr == NOX_CR_OK) {
-    cr = situerFaute(champ->transformer(donnees, valeur));
-  }
-  if (cr == NOX_CR_OK && Trace::estDetaille(TRACE_PARAMETRES)) {
-    Trace::ecrire(TRACE_PARAMETRES, "Groupe %u, champ %u (%u) :", identifiant, numero,
-                  zone_->lireNombreChamps());
-    dumpValeur(valeur);
   }
   return cr;
 }

@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "basics/codes_retour.h"
+#include "basics/trace.h"
 #include "ctrl_in/controleur_super_groupe.h"
 #include "manip/zone.h"
-#include "types/valeur_champ.h"
 
 namespace noxlux {
 
@@ -27,7 +27,8 @@ class ControleurZone {
   CodeRetour positionnerGroupeSuivant(std::uint16_t& identifiant);
   // The next field, checked: its group's identifier, its number in the group, and its bytes or its value.
   CodeRetour extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees);
-  CodeRetour extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, ValeurChamp& valeur);
+  template <class T>
+  CodeRetour extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, T& valeur);
   // Once the last field is read: 0xA001 + number of groups read when the zone holds more.
   CodeRetour verifierFinDonnees() const;
 
@@ -47,6 +48,24 @@ class ControleurZone {
   const Groupe* groupe_ = nullptr;
   std::uint16_t numeroChamp_ = 0;
 };
+
+template <class T>
+CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, T& valeur) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_PARAMETRES, cr, "ControleurZone::extraireChamp");
+  const Champ* champ = nullptr;
+  Octets donnees;
+  cr = lireChampSuivant(identifiant, numero, donnees, champ);
+  if (cr == NOX_CR_OK) {
+    cr = situerFaute(champ->transformer(donnees, valeur));
+  }
+  if (cr == NOX_CR_OK && Trace::estDetaille(TRACE_PARAMETRES)) {
+    Trace::ecrire(TRACE_PARAMETRES, "Groupe %u, champ %u (%u) :", identifiant, numero,
+                  zone_->lireNombreChamps());
+    valeur.dump(TRACE_PARAMETRES);
+  }
+  return cr;
+}
 
 }  // namespace noxlux
 

@@ -28,11 +28,6 @@ CodeRetour Groupe::ajouterChamp(Champ::Format format, Champ::Type type, std::uin
   return cr;
 }
 
-const Champ& Groupe::lireChamp(std::uint16_t i) const {
-  exiger(i < champs_.size(), "i < nbChamps");
-  return champs_[i];
-}
-
 void Groupe::dump() const {
   Trace::debut(TRACE_PARAMETRES, "Groupe::dump : identifiant = %u, nbChamps = %u", identifiant_,
                lireNbChamps());

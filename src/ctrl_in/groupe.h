@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "basics/assertion.h"
 #include "basics/codes_retour.h"
 #include "ctrl_in/champ.h"
 
@@ -24,7 +25,10 @@ class Groupe {
   std::uint16_t lireIdentifiant() const { return identifiant_; }
   std::uint16_t lireNbChamps() const { return static_cast<std::uint16_t>(champs_.size()); }
   // REQUIRES: i < lireNbChamps()
-  const Champ& lireChamp(std::uint16_t i) const;
+  const Champ& lireChamp(std::uint16_t i) const {
+    exiger(i < champs_.size(), "i < nbChamps");
+    return champs_[i];
+  }
   void dump() const;
 
  private:

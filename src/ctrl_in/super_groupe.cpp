@@ -66,11 +66,6 @@ CodeRetour SuperGroupe::ajouterFils(std::unique_ptr<const SuperGroupe> superGrou
   return ajouter(std::move(superGroupe), minimum, maximum);
 }
 
-const OccurrenceGroupe& SuperGroupe::lireFils(std::uint16_t i) const {
-  exiger(i < fils_.size(), "i < nbFils");
-  return fils_[i];
-}
-
 void SuperGroupe::dump() const {
   Trace::debut(TRACE_PARAMETRES, "SuperGroupe::dump : numero = %u, nom = %s, nbFils = %u, maxFils = %u",
                numero_, lireNom(), lireNbFils(), maxFils_);

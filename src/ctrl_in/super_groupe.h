@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "basics/assertion.h"
 #include "basics/codes_retour.h"
 #include "ctrl_in/groupe.h"
 
@@ -61,7 +62,10 @@ class SuperGroupe {
   std::uint16_t lireNbFils() const { return static_cast<std::uint16_t>(fils_.size()); }
   std::uint16_t lireMaxFils() const { return maxFils_; }
   // REQUIRES: i < lireNbFils()
-  const OccurrenceGroupe& lireFils(std::uint16_t i) const;
+  const OccurrenceGroupe& lireFils(std::uint16_t i) const {
+    exiger(i < fils_.size(), "i < nbFils");
+    return fils_[i];
+  }
   void dump() const;
 
  private:

@@ -1,6 +1,6 @@
 #include "interapp/controleur_parametres.h"
 
-#include <cstring>
+#include <string_view>
 
 #include "basics/trace.h"
 #include "types/booleen.h"
@@ -27,13 +27,12 @@ CodeRetour ControleurParametres::verifierDate(const char* texte, Date& date) {
     Trace::erreur(TRACE_PARAMETRES, "ERREUR: date = pointeur nul.");
     return cr = NOX_CR_PARAMETRE_ENTREE;
   }
-  const auto* octets = reinterpret_cast<const byte*>(texte);
-  const std::size_t longueur = std::strlen(texte);
-  if (!Date::estValide(octets, longueur)) {
+  const Date lue{std::string_view(texte)};
+  if (!lue.lireBrute().estValide()) {
     Trace::erreur(TRACE_PARAMETRES, "ERREUR: date %s invalide.", texte);
     return cr = NOX_CR_PARAMETRE_ENTREE;
   }
-  date = Date(octets, longueur);
+  date = lue;
   return cr;
 }
 

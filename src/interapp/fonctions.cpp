@@ -51,37 +51,19 @@ void Fonctions::positionnerGroupeSuivant(CodeRetour& cr, std::uint16_t& identifi
 }
 
 void Fonctions::ignoreChamp(CodeRetour& cr) {
-  if (cr != NOX_CR_OK || refuserSansZone(cr)) {
-    return;
+  if (cr == NOX_CR_OK && (controleur_ || refuserSansZone(cr))) {
+    std::uint16_t identifiant = 0;
+    std::uint16_t numero = 0;
+    Octets donnees;
+    cr = controleur_->extraireChamp(identifiant, numero, donnees);
   }
-  std::uint16_t identifiant = 0;
-  std::uint16_t numero = 0;
-  Octets donnees;
-  cr = controleur_->extraireChamp(identifiant, numero, donnees);
-}
-
-void Fonctions::extraireValeur(CodeRetour& cr, ValeurChamp& valeur) {
-  if (cr != NOX_CR_OK || refuserSansZone(cr)) {
-    return;
-  }
-  std::uint16_t identifiant = 0;
-  std::uint16_t numero = 0;
-  cr = controleur_->extraireChamp(identifiant, numero, valeur);
 }
 
 // A field asked by a function that the reference describes without input.
-bool Fonctions::refuserSansZone(CodeRetour& cr) const {
-  if (controleur_) {
-    return false;
-  }
+bool Fonctions::refuserSansZone(CodeRetour& cr) {
   Trace::erreur(TRACE_PARAMETRES, "ERREUR: champ demandé à une fonction sans zone d'entrée");
   cr = NOX_CR_INCOHERENCE;
-  return true;
-}
-
-void Fonctions::refuserType(CodeRetour& cr) {
-  Trace::erreur(TRACE_PARAMETRES, "ERREUR: type de champ différent de celui de la fonction");
-  cr = NOX_CR_INCOHERENCE;
+  return false;
 }
 
 Code Fonctions::extrairePhase(CodeRetour& cr) {
@@ -210,9 +192,7 @@ void Fonctions::ajouterChampVide(CodeRetour& cr, ZoneSortie& zone) {
 
 void Fonctions::ajouterTaux(CodeRetour& cr, ZoneSortie& zone, const Coefficient& taux) {
   if (cr == NOX_CR_OK) {
-    std::size_t longueur = 0;
-    const auto octets = taux.lireBytes(longueur, Coefficient::DECIMALES_TAUX);
-    cr = zone->ajouterChamp(Octets(octets.get(), longueur));
+    cr = zone->ajouterChamp(enOctets(taux.lireBytes(Coefficient::DECIMALES_TAUX)));
   }
 }
 

@@ -9,13 +9,14 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
-#include <variant>
 
 #include "basics/codes_retour.h"
 #include "ctrl_in/controleur_zone.h"
 #include "manip/zone_sortie.h"
+#include "types/booleen.h"
+#include "types/date.h"
+#include "types/decimal.h"
 #include "types/liste_codes.h"
-#include "types/valeur_champ.h"
 
 namespace noxlux {
 
@@ -54,16 +55,13 @@ class Fonctions {
   // field is described as something else.
   template <class T>
   T extraire(CodeRetour& cr) {
-    ValeurChamp valeur;
-    extraireValeur(cr, valeur);
-    if (cr != NOX_CR_OK || std::holds_alternative<std::monostate>(valeur)) {
-      return T();
+    T valeur;
+    if (cr == NOX_CR_OK && (controleur_ || refuserSansZone(cr))) {
+      std::uint16_t identifiant = 0;
+      std::uint16_t numero = 0;
+      cr = controleur_->extraireChamp(identifiant, numero, valeur);
     }
-    if (T* attendue = std::get_if<T>(&valeur); attendue != nullptr) {
-      return std::move(*attendue);
-    }
-    refuserType(cr);
-    return T();
+    return valeur;
   }
   Code extraireCode(CodeRetour& cr) { return extraire<Code>(cr); }
   Texte extraireTexte(CodeRetour& cr) { return extraire<Texte>(cr); }
@@ -99,10 +97,8 @@ class Fonctions {
  private:
   struct RegleListe;
 
-  void extraireValeur(CodeRetour& cr, ValeurChamp& valeur);
   ListeCodes extraireListe(CodeRetour& cr, const RegleListe& regle);
-  bool refuserSansZone(CodeRetour& cr) const;
-  static void refuserType(CodeRetour& cr);
+  static bool refuserSansZone(CodeRetour& cr);
 
   std::optional<ControleurZone> controleur_;
 };

@@ -171,7 +171,10 @@ CodeRetour Interface::Constructeur::initialiserSuperGroupes() {
   Trace::debut(TRACE_CHARGEMENT, "Interface::initialiserSuperGroupes");
   std::uint16_t nombre = 0;
   CodeRetour cr = lecture_.rechercherNombreSuperGroupes(nombre);
-  if (cr == NOX_CR_OK && !allouer([&] { arbre_.superGroupes.reserve(nombre); })) {
+  if (cr == NOX_CR_OK && !allouer([&] {
+        arbre_.superGroupes.reserve(nombre);
+        arbre_.prefixes.reserve(nombre);
+      })) {
     cr = refuser("ERREUR : Allocation tableau des super-groupes", NOX_CR_MEMOIRE);
   }
   for (std::uint16_t position = 0; cr == NOX_CR_OK && position < nombre; ++position) {
@@ -216,6 +219,7 @@ CodeRetour Interface::Constructeur::creerSuperGroupeRacine(std::uint16_t positio
   }
   cr = ajouterTousFils(*racine, position, descriptif.nombreFils);
   if (cr == NOX_CR_OK) {
+    arbre_.prefixes.push_back(Systeme::prefixeIdentifiant(racine->lireNom()));
     arbre_.superGroupes.push_back(std::move(racine));
     fermerFamille(descriptif.codeFonction);
   }
@@ -350,21 +354,29 @@ CodeRetour Interface::rechercher(const char* identifiant, std::uint16_t inf, std
                                  std::uint16_t& position) const {
   exiger(sup >= inf, "sup >= inf");
   Trace::debut(TRACE_PARAMETRES, "Interface::rechercher : identifiant = %s", identifiant);
+  const std::uint64_t prefixe = Systeme::prefixeIdentifiant(identifiant);
   const auto comparer = [&](unsigned rang) {
     return Systeme::comparerIdentifiant(identifiant, arbre_->superGroupes[rang]->lireNom());
+  };
+  const auto estApres = [&](unsigned rang) {
+    const std::uint64_t autre = arbre_->prefixes[rang];
+    return prefixe != autre ? prefixe > autre : comparer(rang) > 0;
   };
   unsigned premier = inf;
   unsigned dernier = sup;
   while (dernier > premier) {
     const unsigned milieu = (premier + dernier) / 2;
-    if (comparer(milieu) > 0) {
+    if (estApres(milieu)) {
       premier = milieu + 1;
     } else {
       dernier = milieu;
     }
   }
   position = static_cast<std::uint16_t>(premier);
-  const CodeRetour cr = comparer(premier) == 0 ? CodeRetour{NOX_CR_OK} : refuserIdentifiant(identifiant);
+  // A prefix that ends with a zero byte holds the whole name.
+  const bool entier = (prefixe & 0xFFU) == 0 && prefixe == arbre_->prefixes[premier];
+  const CodeRetour cr =
+      entier || comparer(premier) == 0 ? CodeRetour{NOX_CR_OK} : refuserIdentifiant(identifiant);
   Trace::fin(TRACE_PARAMETRES, "position = %u, cr = 0x%04X", position, cr);
   return cr;
 }

@@ -52,6 +52,7 @@ class Interface {
   struct Arbre {
     std::vector<std::unique_ptr<const Groupe>> groupes;            // by position in their table
     std::vector<std::unique_ptr<const SuperGroupe>> superGroupes;  // roots, in the order of their table
+    std::vector<std::uint64_t> prefixes;                           // of the names of the roots
     std::array<std::uint16_t, NOMBRE_FAMILLES> bornes{};           // one past the last root of each family
   };
   class Constructeur;

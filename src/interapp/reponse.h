@@ -18,16 +18,8 @@ class MesureReponse {
     ouvert_ = true;
   }
   void champ(const Texte& texte) { ajouter(texte.lireLongueur()); }
-  void champ(const TypeSimple& valeur) {
-    std::size_t longueur = 0;
-    valeur.lireBytes(longueur);
-    ajouter(longueur);
-  }
-  void taux(const Coefficient& valeur) {
-    std::size_t longueur = 0;
-    valeur.lireBytes(longueur, Coefficient::DECIMALES_TAUX);
-    ajouter(longueur);
-  }
+  void champ(const TypeSimple& valeur) { ajouter(valeur.lireBytes().size()); }
+  void taux(const Coefficient& valeur) { ajouter(valeur.lireBytes(Coefficient::DECIMALES_TAUX).size()); }
   void champVide() { ajouter(0); }
   std::size_t taille() {
     clore();

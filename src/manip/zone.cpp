@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::uint32_t TAILLE_IDENTIFIANT = 2;
 constexpr std::uint32_t TAILLE_ENTETE_MIN = TAILLE_IDENTIFIANT + 1;
-// First byte of a length from which it tells how many bytes follow; itself a length.
-constexpr byte LONGUEUR_COURTE_MAX = 0x80;
 constexpr std::uint32_t OCTETS_LONGUEUR_MAX = 4;
 
 void copier(byte* destination, Octets source) {
@@ -61,13 +59,8 @@ CodeRetour Zone::redimensionner(std::uint32_t taille) {
 // --- Decoding ---
 
 // REQUIRES: position < tailleBuffer
-CodeRetour Zone::decoderLongueur(std::uint32_t position, Longueur& longueur) const {
-  const byte premier = buffer_[position];
-  if (premier <= LONGUEUR_COURTE_MAX) {
-    longueur = {1, premier};
-    return NOX_CR_OK;
-  }
-  const std::uint32_t octets = premier - std::uint32_t{LONGUEUR_COURTE_MAX};
+CodeRetour Zone::decoderLongueurLongue(std::uint32_t position, Longueur& longueur) const {
+  const std::uint32_t octets = buffer_[position] - std::uint32_t{LONGUEUR_COURTE_MAX};
   if (octets > OCTETS_LONGUEUR_MAX) {
     Trace::erreur(TRACE_ZONE, "ERREUR: Nombre d'octets pour coder la longueur (%u) > %d.", octets,
                   OCTETS_LONGUEUR_MAX);
@@ -395,26 +388,17 @@ CodeRetour Zone::insererChamp(Octets donnees) {
   return NOX_CR_OK;
 }
 
-CodeRetour Zone::ajouterChamp(const Texte& texte) {
-  const std::string_view vue = texte.vue();
-  return ajouterChamp(Octets(reinterpret_cast<const byte*>(vue.data()), vue.size()));
-}
+CodeRetour Zone::ajouterChamp(const Texte& texte) { return ajouterChamp(enOctets(texte.vue())); }
 
 CodeRetour Zone::ajouterChamp(const TypeSimple& valeur) {
-  std::size_t longueur = 0;
-  std::unique_ptr<byte[]> octets;
-  bool converti = true;
+  std::string octets;
   try {
-    octets = valeur.lireBytes(longueur);
-    converti = octets != nullptr || longueur == 0;
+    octets = valeur.lireBytes();
   } catch (const std::bad_alloc&) {
-    converti = false;
-  }
-  if (!converti) {
     Trace::erreur(TRACE_ZONE, "ERREUR: Conversion d'un type simple en un champ d'octets impossible.");
     return NOX_CR_MEMOIRE;
   }
-  return ajouterChamp(Octets(octets.get(), longueur));
+  return ajouterChamp(enOctets(octets));
 }
 
 CodeRetour Zone::modifierChamp(Octets donnees) {
@@ -433,13 +417,6 @@ CodeRetour Zone::modifierChamp(Octets donnees) {
 }
 
 // --- Sizes ---
-
-std::size_t Zone::calculerTailleLongueur(std::size_t n) {
-  // From these lengths on, one byte more: the largest value of each size goes with the next one.
-  constexpr std::size_t SEUILS[] = {0x80, 0xFF, 0xFFFF, 0xFFFFFF};
-  return 1 + static_cast<std::size_t>(std::upper_bound(std::begin(SEUILS), std::end(SEUILS), n) -
-                                      std::begin(SEUILS));
-}
 
 std::size_t Zone::calculerTailleGroupe(std::initializer_list<std::size_t> longueurs) {
   std::size_t contenu = 0;

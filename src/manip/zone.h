@@ -11,6 +11,7 @@
 #include <initializer_list>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "basics/codes_retour.h"
 #include "types/texte.h"
@@ -20,6 +21,9 @@ namespace noxlux {
 
 // The bytes of a field, in the zone's buffer.
 using Octets = std::span<const byte>;
+inline Octets enOctets(std::string_view texte) {
+  return {reinterpret_cast<const byte*>(texte.data()), texte.size()};
+}
 
 // Reads and writes a zone through a cursor on one group and one field of it. The buffer is not owned.
 // An operation that fails leaves the buffer as it was.
@@ -92,7 +96,10 @@ class Zone {
 
   // --- Sizes ---
   // Bytes that the encoding of a length takes: 1 to 5.
-  static std::size_t calculerTailleLongueur(std::size_t n);
+  static constexpr std::size_t calculerTailleLongueur(std::size_t n) {
+    // The largest value of each size goes with the next one.
+    return n < 0x80 ? 1 : n < 0xFF ? 2 : n < 0xFFFF ? 3 : n < 0xFFFFFF ? 4 : 5;
+  }
   // Size of a field of n data bytes; of a group whose content is n bytes; of a group of fields of these
   // lengths.
   static std::size_t calculerTailleChamp(std::size_t n) { return calculerTailleLongueur(n) + n; }
@@ -105,6 +112,9 @@ class Zone {
   static std::string dumpChamp(Octets donnees, std::size_t n = 60);
 
  private:
+  // First byte of a length from which it tells how many bytes follow; itself a length.
+  static constexpr byte LONGUEUR_COURTE_MAX = 0x80;
+
   // A length as it is encoded: the bytes it takes and its value.
   struct Longueur {
     std::uint32_t taillePrefixe = 0;
@@ -120,7 +130,15 @@ class Zone {
   std::uint32_t finChampCourant() const { return positionChamp_ + taillePrefixe_ + longueurChamp_; }
   Octets donneesChamp() const { return {buffer_ + positionChamp_ + taillePrefixe_, longueurChamp_}; }
 
-  CodeRetour decoderLongueur(std::uint32_t position, Longueur& longueur) const;
+  CodeRetour decoderLongueur(std::uint32_t position, Longueur& longueur) const {
+    const byte premier = buffer_[position];
+    if (premier > LONGUEUR_COURTE_MAX) [[unlikely]] {
+      return decoderLongueurLongue(position, longueur);
+    }
+    longueur = {1, premier};
+    return NOX_CR_OK;
+  }
+  CodeRetour decoderLongueurLongue(std::uint32_t position, Longueur& longueur) const;
   CodeRetour decoderEntete(std::uint32_t position, EnteteGroupe& entete) const;
   CodeRetour avancerUnGroupe();
   CodeRetour avancerUnChamp();

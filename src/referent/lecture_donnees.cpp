@@ -62,20 +62,18 @@ CodeRetour LectureDonnees::lireVariante(Code& variante) const {
 }
 
 CodeRetour LectureDonnees::chercherActeDansIndex(const Code& acte, std::uint32_t& rang) {
-  const std::vector<Index>& index = donnees().lignes<Index>();
-  CodeActe cle;
-  const CodeRetour cr = composerCle(acte, cle);
-  if (cr != NOX_CR_OK) {
-    return cr;
-  }
-  if (dernierRang_ >= index.size() || index[dernierRang_].acte != cle) {
-    const Index* ligne = chercherParDichotomie(index, &Index::acte, cle);
-    if (ligne == nullptr) {
-      return refuser(NOX_CR_CODE_INCONNU, cleDe(std::type_identity<Index>{}).absente);
+  const Referentiel& referentiel = donnees();
+  if (!dernierRang_ || acte.vue() != dernierActe_) {
+    const Index* ligne = nullptr;
+    const CodeRetour cr = chercherLigne(referentiel, acte, ligne);
+    if (cr != NOX_CR_OK) {
+      return cr;
     }
-    dernierRang_ = static_cast<std::uint32_t>(ligne - index.data());
+    dernierRang_.reset();
+    dernierActe_ = acte.vue();
+    dernierRang_ = static_cast<std::uint32_t>(ligne - referentiel.lignes<Index>().data());
   }
-  rang = dernierRang_;
+  rang = *dernierRang_;
   return NOX_CR_OK;
 }
 

@@ -9,6 +9,8 @@
 #define NOXLUX_REFERENT_LECTURE_DONNEES_H
 
 #include <cstdint>
+#include <optional>
+#include <string>
 
 #include "basics/codes_retour.h"
 #include "basics/format_verifie.h"
@@ -271,7 +273,9 @@ class LectureDonnees {
 
   bool verification_ = false;
   std::uint32_t compteurModifications_ = 0;
-  std::uint32_t dernierRang_ = 0;  // of the last act found: queries on one act come in a row
+  // The last act found, and its rank: queries on one act come in a row.
+  std::string dernierActe_;
+  std::optional<std::uint32_t> dernierRang_;
 };
 
 // A read access held for the length of a scope.

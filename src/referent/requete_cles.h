@@ -64,17 +64,14 @@ std::strong_ordering comparer(const T& champ, const T& cle) {
 // Binary search of a sorted table; null when the key is not there.
 template <class L, class T>
 const L* chercherParDichotomie(const std::vector<L>& lignes, T L::*champ, const TypeCle<T>& cle) {
-  std::size_t bas = 0;
-  std::size_t haut = lignes.size();
-  while (bas < haut) {
-    const std::size_t milieu = bas + (haut - bas) / 2;
-    const std::strong_ordering ordre = comparer(lignes[milieu].*champ, cle);
-    if (ordre == 0) {
-      return &lignes[milieu];
-    }
-    (ordre < 0 ? bas : haut) = ordre < 0 ? milieu + 1 : milieu;
+  // Where the search turns is not to be predicted: each step moves without a branch.
+  const L* debut = lignes.data();
+  for (std::size_t reste = lignes.size(); reste > 1;) {
+    const std::size_t moitie = reste / 2;
+    debut += comparer(debut[moitie].*champ, cle) <= 0 ? moitie : 0;
+    reste -= moitie;
   }
-  return nullptr;
+  return !lignes.empty() && comparer(debut->*champ, cle) == 0 ? debut : nullptr;
 }
 
 // The key of a table found by binary search, and what is said of a key that is not there.

@@ -69,13 +69,14 @@ struct HistoriqueNiveauPhase {
 template <class H>
 using ChaineHistoriques = std::vector<H>;
 
+// In each level, what every look-up goes through comes first: it fits in one cache line.
 struct NiveauPhase {
   char codePhase = ' ';
   CodeFixe<2> nombreDents;
   std::uint16_t ageMinimum = 0;  // years; 0: none
   std::uint16_t ageMaximum = 0;  // years; 0: none
-  ListeCompacte<CodeDent> dentsIncompatibles;
   ChaineHistoriques<HistoriqueNiveauPhase> historiques;
+  ListeCompacte<CodeDent> dentsIncompatibles;
 
   CodeRetour lireNiveauPhase(Lecteur& lecteur);
   CodeRetour ecrireNiveauPhase(Ecrivain& ecrivain) const;
@@ -86,11 +87,11 @@ struct NiveauPhase {
 
 struct NiveauActivite {
   char codeActivite = ' ';
+  std::vector<NiveauPhase> phases;
+  ChaineHistoriques<HistoriqueNiveauActivite> historiques;
   ListeCompacte<CodeAgrementRadio> agrementsRadio;
   ListeCompacte<CodeRMO> rmo;
   ListeCompacte<char> extensionsDocumentaires;
-  ChaineHistoriques<HistoriqueNiveauActivite> historiques;
-  std::vector<NiveauPhase> phases;
 
   CodeRetour lireNiveauActivite(Lecteur& lecteur);
   CodeRetour ecrireNiveauActivite(Ecrivain& ecrivain) const;
@@ -102,20 +103,20 @@ struct NiveauActivite {
 };
 
 struct NiveauActe {
+  DateBrute dateCreation;
+  DateBrute dateFin;
+  std::vector<NiveauActivite> activites;
+  ChaineHistoriques<HistoriqueNiveauActe> historiques;
+  std::uint32_t codeMenu = 0;
+  char typeActe = ' ';
+  char sexeCompatible = ' ';
+  char fraisDeplacement = ' ';
   CodeActe codeStructure;
   TexteVariable libelleCourt;
   TexteVariable libelleLong;
-  char typeActe = ' ';
   TexteVariable conditionsGenerales;
   TexteVariable notes;
-  char sexeCompatible = ' ';
-  std::uint32_t codeMenu = 0;
-  DateBrute dateCreation;
-  DateBrute dateFin;
-  char fraisDeplacement = ' ';
   ListeCompacte<CodeNatureAssurance> naturesAssurance;
-  ChaineHistoriques<HistoriqueNiveauActe> historiques;
-  std::vector<NiveauActivite> activites;
 
   CodeRetour lireNiveauActe(Lecteur& lecteur);
   CodeRetour ecrireNiveauActe(Ecrivain& ecrivain) const;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <compare>
 #include <cstdint>
 #include <cstring>
@@ -21,11 +22,11 @@ namespace noxlux {
 // A code of N characters, padded with spaces on the right.
 template <std::size_t N>
 struct CodeFixe {
-  std::array<char, N> caracteres = remplirDEspaces();
+  std::array<char, N> caracteres;
 
-  CodeFixe() = default;
+  CodeFixe() { caracteres.fill(' '); }
   // REQUIRES: texte.size() <= N
-  explicit CodeFixe(std::string_view texte) {
+  explicit CodeFixe(std::string_view texte) : CodeFixe() {
     exiger(texte.size() <= N, "texte.size() <= N");
     std::copy(texte.begin(), texte.end(), caracteres.begin());
   }
@@ -41,15 +42,27 @@ struct CodeFixe {
   }
   // In byte order.
   std::strong_ordering operator<=>(const CodeFixe& autre) const {
-    return std::memcmp(caracteres.data(), autre.caracteres.data(), N) <=> 0;
+    if constexpr (N > MOT && N <= 2 * MOT) {
+      const std::uint64_t debut = motDe(0);
+      const std::uint64_t autreDebut = autre.motDe(0);
+      // The second word begins inside the first one: where the first ones are equal, so is what they share.
+      return debut != autreDebut ? debut <=> autreDebut : motDe(N - MOT) <=> autre.motDe(N - MOT);
+    } else {
+      return std::memcmp(caracteres.data(), autre.caracteres.data(), N) <=> 0;
+    }
   }
-  bool operator==(const CodeFixe& autre) const { return caracteres == autre.caracteres; }
+  bool operator==(const CodeFixe& autre) const {
+    return std::memcmp(caracteres.data(), autre.caracteres.data(), N) == 0;
+  }
 
  private:
-  static constexpr std::array<char, N> remplirDEspaces() {
-    std::array<char, N> espaces{};
-    espaces.fill(' ');
-    return espaces;
+  static constexpr std::size_t MOT = sizeof(std::uint64_t);
+
+  // Eight characters as a number that sorts as they do.
+  std::uint64_t motDe(std::size_t position) const {
+    std::uint64_t mot = 0;
+    std::memcpy(&mot, caracteres.data() + position, MOT);
+    return std::endian::native == std::endian::little ? __builtin_bswap64(mot) : mot;
   }
 };
 

@@ -20,9 +20,4 @@ void Booleen::dump(unsigned short module) const {
   Trace::ecrire(module, "  booleen = %s", vraiFaux(valeur_));
 }
 
-std::unique_ptr<byte[]> Booleen::lireBytes(std::size_t& longueur) const {
-  longueur = 1;
-  return copierBytes(valeur_ ? "O" : "N", 1);
-}
-
 }  // namespace noxlux

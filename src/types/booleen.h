@@ -22,7 +22,7 @@ class Booleen final : public TypeSimple {
   void dump(unsigned short module) const override;
   bool estRenseigne() const override { return true; }
   bool ok() const override { return true; }
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override;
+  std::string lireBytes() const override { return valeur_ ? "O" : "N"; }
 
   bool estVrai() const { return valeur_; }
   bool operator==(const Booleen& autre) const { return valeur_ == autre.valeur_; }

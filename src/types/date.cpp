@@ -93,10 +93,8 @@ void Periode::dump(unsigned short module) const {
   }
 }
 
-std::unique_ptr<byte[]> Periode::lireBytes(std::size_t& longueur) const {
-  char texte[16];
-  longueur = static_cast<std::size_t>(std::snprintf(texte, sizeof texte, "%huA%huJ", annees_, jours_));
-  return copierBytes(texte, longueur);
+std::string Periode::lireBytes() const {
+  return std::to_string(annees_).append(1, 'A').append(std::to_string(jours_)).append(1, 'J');
 }
 
 Periode Periode::operator+(const Periode& autre) const {
@@ -129,15 +127,14 @@ void Date::dump(unsigned short module) const {
   Trace::ecrire(module, "  date = %02u/%02u/%04u", brute_.jour, brute_.mois, brute_.annee);
 }
 
-std::unique_ptr<byte[]> Date::lireBytes(std::size_t& longueur) const {
-  longueur = 0;
+std::string Date::lireBytes() const {
   if (!estRenseigne()) {
-    return nullptr;
+    return {};
   }
   char texte[24];
-  longueur = static_cast<std::size_t>(
-      std::snprintf(texte, sizeof texte, "%04u%02u%02u0000", brute_.annee, brute_.mois, brute_.jour));
-  return copierBytes(texte, longueur);
+  const int ecrits =
+      std::snprintf(texte, sizeof texte, "%04u%02u%02u0000", brute_.annee, brute_.mois, brute_.jour);
+  return {texte, static_cast<std::size_t>(ecrits)};
 }
 
 Date Date::operator-(unsigned short jours) const {

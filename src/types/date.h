@@ -16,12 +16,16 @@ struct DateBrute {
   std::uint8_t mois = 0;
   std::uint8_t jour = 0;
 
-  auto operator<=>(const DateBrute&) const = default;
+  std::strong_ordering operator<=>(const DateBrute& autre) const { return rang() <=> autre.rang(); }
+  bool operator==(const DateBrute& autre) const { return rang() == autre.rang(); }
   // Whether year, month and day are all non-zero: an end date that is not is open.
   bool estComplete() const { return annee != 0 && mois != 0 && jour != 0; }
   bool estNulle() const { return *this == DateBrute{}; }
   // Whether it is a day of the calendar.
   bool estValide() const;
+
+ private:
+  std::uint32_t rang() const { return std::uint32_t{annee} << 16U | std::uint32_t{mois} << 8U | jour; }
 };
 
 constexpr unsigned short MAX_NOMBRE_JOURS = 365;
@@ -37,7 +41,7 @@ class Periode final : public TypeSimple {
   bool estRenseigne() const override { return annees_ != 0 || jours_ != 0; }
   bool ok() const override { return jours_ <= MAX_NOMBRE_JOURS; }
   // "%huA%huJ"
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override;
+  std::string lireBytes() const override;
 
   unsigned short lireAnnees() const { return annees_; }
   unsigned short lireJours() const { return jours_; }
@@ -67,7 +71,7 @@ class Date final : public TypeSimple {
   bool estRenseigne() const override { return !brute_.estNulle(); }
   bool ok() const override { return brute_.estNulle() || brute_.estValide(); }
   // "%04u%02u%02u0000"
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override;
+  std::string lireBytes() const override;
 
   // Whether the bytes give a day of the calendar.
   static bool estValide(const byte* champ, std::size_t longueur);

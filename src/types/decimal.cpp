@@ -1,7 +1,6 @@
 #include "types/decimal.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <iterator>
@@ -20,14 +19,20 @@ double puissanceDeDix(std::size_t n) {
   return n < std::size(PUISSANCES) ? PUISSANCES[n] : std::pow(10.0, static_cast<double>(n));
 }
 
-// The digits of a whole value, as "%.0f" prints them.
-std::size_t ecrireEntier(double valeur, char* chiffres, std::size_t place) {
+// The digits of the whole part of a value, at least `minimum` (a few) of them. REQUIRES: valeur >= 0
+std::string chiffresDe(double valeur, std::size_t minimum) {
   constexpr double ENTIER_EXACT = 9007199254740992.0;  // 2^53
-  if (valeur < ENTIER_EXACT) {
-    return static_cast<std::size_t>(
-        std::to_chars(chiffres, chiffres + place, static_cast<std::uint64_t>(valeur)).ptr - chiffres);
+  if (valeur >= ENTIER_EXACT) {
+    char chiffres[std::numeric_limits<double>::max_exponent10 + 2];
+    return {chiffres, static_cast<std::size_t>(std::snprintf(chiffres, sizeof chiffres, "%.0f", valeur))};
   }
-  return static_cast<std::size_t>(std::snprintf(chiffres, place, "%.0f", valeur));
+  char chiffres[std::numeric_limits<std::uint64_t>::digits10 + 1];
+  std::size_t debut = sizeof chiffres;
+  const std::size_t limite = sizeof chiffres - std::min(minimum, sizeof chiffres);
+  for (auto reste = static_cast<std::uint64_t>(valeur); reste != 0 || debut > limite; reste /= 10) {
+    chiffres[--debut] = static_cast<char>('0' + reste % 10);
+  }
+  return {chiffres + debut, sizeof chiffres - debut};
 }
 
 bool sontDesChiffres(const byte* champ, std::size_t longueur) {
@@ -60,17 +65,9 @@ bool Flottant::estRenseigne() const { return std::fabs(valeur_) > PRECISION; }
 
 bool Flottant::ok() const { return !std::isnan(valeur_); }
 
-std::unique_ptr<byte[]> Flottant::lireBytes(std::size_t& longueur, std::size_t decimales) const {
+std::string Flottant::lireBytes(std::size_t decimales) const {
   exiger(valeur_ >= 0, "valeur >= 0");
-  const double unites = std::floor(valeur_ * puissanceDeDix(decimales) + PRECISION);
-  char chiffres[std::numeric_limits<double>::max_exponent10 + 32];
-  const std::size_t ecrits = ecrireEntier(unites, chiffres, sizeof chiffres);
-  const std::size_t zeros = ecrits < decimales + 1 ? decimales + 1 - ecrits : 0;
-  longueur = zeros + ecrits;
-  std::unique_ptr<byte[]> octets(new byte[longueur]);
-  std::fill_n(octets.get(), zeros, static_cast<byte>('0'));
-  std::copy_n(chiffres, ecrits, octets.get() + zeros);
-  return octets;
+  return chiffresDe(valeur_ * puissanceDeDix(decimales) + PRECISION, decimales + 1);
 }
 
 bool Flottant::estValide(const byte* champ, std::size_t longueur) {
@@ -118,11 +115,10 @@ void Nombre::dump(unsigned short module) const {
   Trace::ecrire(module, "  nombre = %ld", static_cast<long>(valeur_));
 }
 
-std::unique_ptr<byte[]> Nombre::lireBytes(std::size_t& longueur) const {
+std::string Nombre::lireBytes() const {
   char texte[16];
-  longueur =
-      static_cast<std::size_t>(std::snprintf(texte, sizeof texte, "%05ld", static_cast<long>(valeur_)));
-  return copierBytes(texte, longueur);
+  const int ecrits = std::snprintf(texte, sizeof texte, "%05ld", static_cast<long>(valeur_));
+  return {texte, static_cast<std::size_t>(ecrits)};
 }
 
 Coefficient::Coefficient(double valeur) : Flottant(valeur) { exiger(valeur >= 0, "valeur >= 0"); }

@@ -25,10 +25,10 @@ class Flottant : public TypeSimple {
   // Whether the absolute value exceeds PRECISION.
   bool estRenseigne() const override;
   bool ok() const override;
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override { return lireBytes(longueur, 2); }
+  std::string lireBytes() const override { return lireBytes(2); }
   // The digits with `decimales` decimals and no point, at least decimales + 1 of them. Always written, for
   // zero too. REQUIRES: valeur >= 0
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur, std::size_t decimales) const;
+  std::string lireBytes(std::size_t decimales) const;
 
   // 1 to 9 bytes, all digits.
   static bool estValide(const byte* champ, std::size_t longueur);
@@ -62,7 +62,7 @@ class Nombre final : public TypeSimple {
   bool estRenseigne() const override { return valeur_ != 0; }
   bool ok() const override { return valide_; }
   // Decimal digits, padded with zeros on the left to 5 characters.
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override;
+  std::string lireBytes() const override;
 
   std::int32_t lireValeur() const { return valeur_; }
   auto operator<=>(const Nombre& autre) const { return valeur_ <=> autre.valeur_; }
@@ -87,9 +87,7 @@ class Coefficient final : public Flottant {
 
   void dump(unsigned short module) const override;
   using Flottant::lireBytes;
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override {
-    return Flottant::lireBytes(longueur, DECIMALES);
-  }
+  std::string lireBytes() const override { return Flottant::lireBytes(DECIMALES); }
 
   Coefficient operator+(const Coefficient& droite) const { return Coefficient(valeur_ + droite.valeur_); }
   // REQUIRES: valeur >= droite.valeur

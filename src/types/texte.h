@@ -2,6 +2,7 @@
 #ifndef NOXLUX_TYPES_TEXTE_H
 #define NOXLUX_TYPES_TEXTE_H
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -24,9 +25,12 @@ class Texte : public TypeSimple {
   void dump(unsigned short module) const override;
   bool estRenseigne() const override { return !texte_.empty(); }
   bool ok() const override { return true; }
-  std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const override;
+  std::string lireBytes() const override { return texte_; }
   virtual ~Texte() = default;
 
+  void affecter(const byte* champ, std::size_t longueur) {
+    texte_.assign(reinterpret_cast<const char*>(champ), longueur);
+  }
   const char* lireTexte() const { return texte_.c_str(); }
   std::string_view vue() const { return texte_; }
   std::size_t lireLongueur() const { return texte_.size(); }
@@ -42,6 +46,8 @@ class Texte : public TypeSimple {
   std::string texte_;
 };
 
+constexpr bool estCapitaleOuChiffre(byte c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
+
 // A text made of capital letters and digits.
 class Code : public Texte {
  public:
@@ -54,8 +60,12 @@ class Code : public Texte {
   void dump(unsigned short module) const override;
 
   // Whether each of the n characters is a capital letter or a digit.
-  static bool estValide(const byte* octets, std::size_t n);
-  static bool estValide(std::string_view texte);
+  static bool estValide(const byte* octets, std::size_t n) {
+    return std::all_of(octets, octets + n, estCapitaleOuChiffre);
+  }
+  static bool estValide(std::string_view texte) {
+    return estValide(reinterpret_cast<const byte*>(texte.data()), texte.size());
+  }
   bool estValide() const { return estValide(vue()); }
 
   // The part of `longueur` characters from `debut`, cut at the end of the code.

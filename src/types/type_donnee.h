@@ -4,7 +4,7 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <memory>
+#include <string>
 
 namespace noxlux {
 
@@ -31,8 +31,8 @@ class TypeDonnee {
 // A value that has a byte form in zones.
 class TypeSimple : public TypeDonnee {
  public:
-  // A new copy of the byte form, and its length; no block and length 0 for a value that is not filled.
-  virtual std::unique_ptr<byte[]> lireBytes(std::size_t& longueur) const = 0;
+  // The byte form; empty for a value that is not filled.
+  virtual std::string lireBytes() const = 0;
 
  protected:
   TypeSimple() = default;
@@ -49,9 +49,6 @@ class TypeComplexe : public TypeDonnee {
   TypeComplexe& operator=(const TypeComplexe&) = default;
   ~TypeComplexe() = default;
 };
-
-// A new block holding `longueur` bytes of `source`; none for 0 bytes.
-std::unique_ptr<byte[]> copierBytes(const void* source, std::size_t longueur);
 
 }  // namespace noxlux
 

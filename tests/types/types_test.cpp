@@ -15,13 +15,6 @@ namespace {
 
 const byte* octets(const char* texte) { return reinterpret_cast<const byte*>(texte); }
 
-std::string forme(const TypeSimple& valeur) {
-  std::size_t longueur = 99;
-  const auto bytes = valeur.lireBytes(longueur);
-  EXPECT_EQ(bytes == nullptr, longueur == 0);
-  return {reinterpret_cast<const char*>(bytes.get()), longueur};
-}
-
 TEST(Date, extraitLesFormesAdmises) {
   struct Cas {
     const char* texte;
@@ -43,8 +36,8 @@ TEST(Date, extraitLesFormesAdmises) {
     EXPECT_EQ(Date::estValide(octets(cas.texte), std::string(cas.texte).size()), cas.valide) << cas.texte;
   }
   EXPECT_FALSE(Date(std::string_view("2024x229")).estRenseigne());
-  EXPECT_EQ(forme(Date(2024, 2, 9)), "202402090000");
-  EXPECT_EQ(forme(Date()), "");
+  EXPECT_EQ(Date(2024, 2, 9).lireBytes(), "202402090000");
+  EXPECT_EQ(Date().lireBytes(), "");
   EXPECT_STREQ(Date(2024, 2, 9).lireValeur(), "09/02/2024");
 }
 
@@ -80,7 +73,7 @@ TEST(Date, donneLaPeriodeEntreDeuxDates) {
                         {{2024, 7, 1}, {2020, 2, 29}, {4, 123}},
                         {{2024, 3, 1}, {2024, 2, 1}, {0, 29}}}) {
     const Periode periode = cas.fin - cas.debut;
-    EXPECT_EQ(periode, cas.attendue) << forme(periode) << " au lieu de " << forme(cas.attendue);
+    EXPECT_EQ(periode, cas.attendue) << periode.lireBytes() << " au lieu de " << cas.attendue.lireBytes();
   }
 }
 
@@ -88,22 +81,22 @@ TEST(Periode, sAdditionneEtSOrdonne) {
   EXPECT_EQ(Periode(1, 300) + Periode(0, 100), Periode(2, 35));
   EXPECT_EQ(Periode(1, 300) + Periode(0, 65), Periode(1, 365));
   EXPECT_LT(Periode(1, 365), Periode(2, 0));
-  EXPECT_EQ(forme(Periode(16, 30)), "16A30J");
+  EXPECT_EQ(Periode(16, 30).lireBytes(), "16A30J");
   EXPECT_DEATH(Periode(0, 366), "nombreJours <= MAX_NOMBRE_JOURS");
 }
 
 TEST(Decimal, formesDeZone) {
-  EXPECT_EQ(forme(Montant(12.5)), "1250");
-  EXPECT_EQ(forme(Montant(0.05)), "005");
-  EXPECT_EQ(forme(Montant(0)), "000");
-  EXPECT_EQ(forme(Montant(0.29)), "029");  // 0.29 * 100 is a little below 29
-  EXPECT_EQ(forme(Montant(1.005)), "100");
-  EXPECT_EQ(forme(Coefficient(1.5)), "1500");
-  EXPECT_EQ(forme(Coefficient(0)), "0000");
-  EXPECT_EQ(forme(Nombre(7)), "00007");
-  EXPECT_EQ(forme(Nombre(123456)), "123456");
-  EXPECT_EQ(forme(Booleen(true)), "O");
-  EXPECT_DEATH(forme(Montant(-1)), "valeur >= 0");
+  EXPECT_EQ(Montant(12.5).lireBytes(), "1250");
+  EXPECT_EQ(Montant(0.05).lireBytes(), "005");
+  EXPECT_EQ(Montant(0).lireBytes(), "000");
+  EXPECT_EQ(Montant(0.29).lireBytes(), "029");  // 0.29 * 100 is a little below 29
+  EXPECT_EQ(Montant(1.005).lireBytes(), "100");
+  EXPECT_EQ(Coefficient(1.5).lireBytes(), "1500");
+  EXPECT_EQ(Coefficient(0).lireBytes(), "0000");
+  EXPECT_EQ(Nombre(7).lireBytes(), "00007");
+  EXPECT_EQ(Nombre(123456).lireBytes(), "123456");
+  EXPECT_EQ(Booleen(true).lireBytes(), "O");
+  EXPECT_DEATH(Montant(-1).lireBytes(), "valeur >= 0");
   EXPECT_DEATH(Coefficient(-0.5), "valeur >= 0");
   EXPECT_DEATH(Coefficient(0.5) - Coefficient(1.0), "valeur >= right.valeur");
 }

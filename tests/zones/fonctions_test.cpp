@@ -113,7 +113,7 @@ TEST(Fonctions, lisentUnChampDuTypeVoulu) {
                                          {Champ::Type::Nombre, "12", NOX_CR_INCOHERENCE, 0},
                                          {Champ::Type::Texte, "12", NOX_CR_INCOHERENCE, NOX_CR_INCOHERENCE},
                                          {Champ::Type::Aucun, "12", 0, 0},
-                                         {Champ::Type::Code, "a", 0x9001, 0x9001}}) {
+                                         {Champ::Type::Code, "a", 0x9001, NOX_CR_INCOHERENCE}}) {
     CodeRetour cr = NOX_CR_OK;
     Lecture enCode(cas.type, {cas.donnees});
     const Code code = enCode.fonctions.extraireCode(cr);
