@@ -185,12 +185,15 @@ std::unique_ptr<TableDbf> LectureDbf::ouvrir(const char* nom, const std::vector<
     rapport_.signaler({}, phrase(chemin->second, " : ", raison));
     return nullptr;
   }
+  std::string absentes;
   for (const std::string_view colonne : colonnes) {
     rangs.push_back(table->colonnes(colonne));
     if (rangs.back().empty()) {
-      rapport_.signaler(
-          {}, phrase(chemin->second, " : la colonne ", colonne.substr(0, colonne.find('.')), " manque"));
+      absentes += phrase(absentes.empty() ? "" : ", ", colonne.substr(0, colonne.find('.')));
     }
+  }
+  if (!absentes.empty()) {
+    rapport_.signaler({}, phrase(chemin->second, " : colonnes manquantes : ", absentes));
   }
   return table;
 }

@@ -50,29 +50,24 @@ std::unique_ptr<TableDbf> TableDbf::ouvrir(const std::string& chemin, std::strin
   std::unique_ptr<TableDbf> table(new TableDbf);
   table->chemin_ = chemin;
   table->table_.reset(DBFOpen(chemin.c_str(), "rb"));
-  raison = table->table_ == nullptr ? "la table dBASE est illisible" : table->controlerColonnes();
-  if (!raison.empty()) {
+  // Columns wider than the records are refused here.
+  if (table->table_ == nullptr) {
+    raison = "la table dBASE est illisible";
     return nullptr;
   }
+  table->lireNoms();
   table->nombre_ = static_cast<std::uint32_t>(DBFGetRecordCount(table->table_.get()));
   return table;
 }
 
-// Fields lie inside the record, whatever the widths told for them.
-std::string TableDbf::controlerColonnes() {
+void TableDbf::lireNoms() {
   for (int rang = 0; rang < DBFGetFieldCount(table_.get()); ++rang) {
     std::array<char, XBASE_FLDNAME_LEN_READ + 1> nom{};
     DBFGetFieldInfo(table_.get(), rang, nom.data(), nullptr, nullptr);
     std::string& capitales = noms_.emplace_back(nom.data());
     std::transform(capitales.begin(), capitales.end(), capitales.begin(),
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    const int debut = table_->panFieldOffset[rang];
-    const int largeur = table_->panFieldSize[rang];
-    if (debut < 0 || largeur < 0 || debut > table_->nRecordLength - largeur) {
-      return "les colonnes sont plus larges que les enregistrements";
-    }
   }
-  return noms_.empty() ? "la table dBASE n'a aucune colonne" : std::string();
 }
 
 std::vector<int> TableDbf::colonnes(std::string_view nom) const {

@@ -35,7 +35,7 @@ class TableDbf {
     void operator()(DBFInfo* table) const { DBFClose(table); }
   };
   TableDbf() = default;
-  std::string controlerColonnes();
+  void lireNoms();
   std::vector<int> tranches(std::string_view nom) const;
 
   std::string chemin_;
