@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "compilateur/lecture_dbf.h"
+#include "compilateur/niveaux_dbf.h"
 #include "compilateur/transcodage.h"
 
 namespace noxlux::compilateur {
@@ -30,15 +30,6 @@ std::string verifierGrille(LectureDbf& lecture, unsigned grille) {
   lecture.signaler("la grille tarifaire ", std::to_string(grille),
                    " n'existe pas ; celles de la base : ", connues.empty() ? "aucune" : connues);
   return {};
-}
-
-template <class H>
-DateBrute dernierEffet(const std::vector<H>& historiques) {
-  DateBrute dernier;
-  for (const H& historique : historiques) {
-    dernier = std::max(dernier, historique.effet);
-  }
-  return dernier;
 }
 
 // The date of the newest change of an act, an activity or a price.

@@ -285,6 +285,8 @@ MAUVAIS_ENREGISTREMENTS = [
     (changer("R_ACTE_IVITE_PHASE", (A1 + "0", D, A1, D12, 0, "-12.00")), "R_ACTE_IVITE_PHASE : nombre illisible", 1),
     (changer("R_ACTE_IVITE_PHASE", (A1 + "0", D18, A1, D12, 0, 1, 0, "", 20, 10)), "âge maximum", 1),
     (changer("R_ACTE_IVITE_PHASE", (A1 + "1", D, A1, D15, 1, 1)), "description rattachée par son seul code", 0),
+    (changer("R_ACTE_IVITE_PHASE", (A1 + "0", D, A1, "20209999", 0, 1)), "R_ACTE_IVITE_PHASE : date qui n'est pas", 1),
+    (changer("R_ACTE_IVITE", (A.ljust(13) + "5", D, A, D20, "5")), "activité sans historique ou sans prix", 1),
     (changer("R_PU_BASE", (A1 + "0", 1, 5, D16)), "R_PU_BASE : code inconnu, ou sans description à cette date", 1),
     (changer("R_PU_BASE", (A1 + "0", 1, 5, D18)), "R_PU_BASE : deux prix", 1),
     (changer("R_PU_BASE", (A1 + "0", 2, 5, D18)), "R_PU_BASE : 4 lus, 1 gardés", 0),
