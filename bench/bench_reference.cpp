@@ -91,17 +91,29 @@ unsigned short consulter(std::string& zone, const char* date = "20200101") {
   return cr;
 }
 
+// Of one length.
+std::vector<std::string> codesActes() {
+  std::vector<std::string> codes;
+  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+    codes.push_back(codeActe(i));
+  }
+  return codes;
+}
+
 void consultationNoxlux(benchmark::State& etat) {
   const BibliothequeChargee bibliotheque;
-  std::vector<std::string> zones;
-  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
-    zones.push_back(zoneActe(codeActe(i)));
-    exigerReponse(consulter(zones.back()), etat);
+  const std::vector<std::string> actes = codesActes();
+  for (const std::string& acte : actes) {
+    std::string zone = zoneActe(acte);
+    exigerReponse(consulter(zone), etat);
   }
+  std::string zone = zoneActe(actes[0]);
+  const std::size_t place = zone.find(actes[0]);
   unsigned i = 0;
   for (auto _ : etat) {
     i = (i + 4093) % NOMBRE_ACTES;
-    exigerReponse(consulter(zones[i]), etat);
+    zone.replace(place, actes[i].size(), actes[i]);
+    exigerReponse(consulter(zone), etat);
   }
 }
 BENCHMARK(consultationNoxlux);
@@ -109,9 +121,10 @@ BENCHMARK(consultationNoxlux);
 // The same question as the consultation: is the act in force, what is its price, was it changed locally.
 class BaseSQLite {
  public:
-  BaseSQLite() {
-    sqlite3_open(":memory:", &base_);
+  explicit BaseSQLite(const std::string& chemin) {
+    sqlite3_open(chemin.c_str(), &base_);
     executer(
+        "DROP TABLE IF EXISTS acte; DROP TABLE IF EXISTS prix; DROP TABLE IF EXISTS modification;"
         "CREATE TABLE acte(code TEXT PRIMARY KEY, creation INTEGER, fin INTEGER) WITHOUT ROWID;"
         "CREATE TABLE prix(acte TEXT, activite TEXT, phase TEXT, effet INTEGER, prix REAL,"
         "                  PRIMARY KEY(acte, activite, phase, effet)) WITHOUT ROWID;"
@@ -171,12 +184,9 @@ class BaseSQLite {
   sqlite3_stmt* question_ = nullptr;
 };
 
-void consultationSQLite(benchmark::State& etat) {
-  BaseSQLite base;
-  std::vector<std::string> actes;
-  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
-    actes.push_back(codeActe(i));
-  }
+void consulterSQLite(benchmark::State& etat, const std::string& chemin) {
+  BaseSQLite base(chemin);
+  const std::vector<std::string> actes = codesActes();
   unsigned i = 0;
   for (auto _ : etat) {
     i = (i + 4093) % NOMBRE_ACTES;
@@ -187,7 +197,15 @@ void consultationSQLite(benchmark::State& etat) {
     benchmark::DoNotOptimize(prix);
   }
 }
+
+// A database where a host would keep it, in a file beside the reference.
+void consultationSQLite(benchmark::State& etat) {
+  consulterSQLite(etat, repertoireReference() + "prix.sqlite");
+}
 BENCHMARK(consultationSQLite);
+
+void consultationSQLiteEnMemoire(benchmark::State& etat) { consulterSQLite(etat, ":memory:"); }
+BENCHMARK(consultationSQLiteEnMemoire);
 
 void premiereLectureActe(benchmark::State& etat) {
   std::vector<std::string> zones;
