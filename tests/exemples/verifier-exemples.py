@@ -10,7 +10,7 @@ import re
 import sys
 
 sys.dont_write_bytecode = True
-from aides.commande import Commande, Compte  # noqa: E402
+from aides.commande import Commande, Compte, echantillon  # noqa: E402
 
 REPONDU, CODE_ERREUR, MAUVAIS_USAGE = 0, 1, 2
 
@@ -128,15 +128,14 @@ def verifier_exemples(commande, exemples, compte):
     factures = sorted(exemples.glob("*.json"))
     attendus = sorted(p.name for p in (exemples / "attendus").glob("*.json"))
     compte.verifier("every example has its answer", [p.name for p in factures], attendus)
-    couples = []
-    for chemin in factures:
-        attendu = json.loads((exemples / "attendus" / chemin.name).read_text())
+    couples = [(json.loads(chemin.read_text()), json.loads((exemples / "attendus" / chemin.name).read_text()))
+               for chemin in factures]
+    for chemin, (_, attendu) in echantillon(list(zip(factures, couples))):
         statut, sortie, erreurs = commande.controler("--json", str(chemin))
         compte.verifier(f"{chemin.stem}: standard error", erreurs, "")
         compte.verifier(f"{chemin.stem}: answer", json.loads(sortie), attendu)
         statut_attendu = REPONDU if attendu["verdict"] == "acceptee" else CODE_ERREUR
         compte.verifier(f"{chemin.stem}: status", statut, statut_attendu)
-        couples.append((json.loads(chemin.read_text()), attendu))
     return couples
 
 
@@ -198,7 +197,7 @@ def verifier_fautes(commande, facture, compte):
     essais += [([], texte, None, MAUVAIS_USAGE, message) for texte, message in MAL_FORMES]
     essais += [([], fautive(changement), None, CODE_ERREUR, code + " : ") for changement, code in CODES]
     essais += [(options, "", reference, MAUVAIS_USAGE, message) for options, reference, message in USAGES]
-    for options, texte, reference, statut_attendu, message in essais:
+    for options, texte, reference, statut_attendu, message in echantillon(essais):
         statut, sortie, erreurs = commande.controler(*options, entree=texte, reference=reference)
         dit = erreurs.startswith("noxlux : ") and message in erreurs
         compte.verifier(f"fault: {message}", (statut, sortie, message if dit else erreurs), (statut_attendu, "", message))

@@ -1,7 +1,13 @@
 """The command under test, and the count that every script ends with."""
 import json
+import os
 import subprocess
 import sys
+
+
+def echantillon(cas):
+    """The cases to run one by one: all of them, or every n-th where each costs much (builds with sanitizers)."""
+    return cas[::int(os.environ.get("NOXLUX_ECHANTILLON", "1"))]
 
 
 class Commande:
