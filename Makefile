@@ -1,8 +1,6 @@
 # Thin front of CMake. `make demo` and `make test` do everything on a fresh Debian machine.
 TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
-# What the cache must overlook to work with precompiled headers.
-export CCACHE_SLOPPINESS = pch_defines,time_macros
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
 .PHONY: all install package demo test test-release test-release32 test-assaini bench format propre paquets release release32

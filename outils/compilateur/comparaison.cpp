@@ -4,28 +4,15 @@
 #include <map>
 #include <set>
 
-#include "compilateur/transcodage.h"
+#include "compilateur/ecriture_valeurs.h"
 
 namespace noxlux::compilateur {
 
 namespace {
 
-std::string jour(const DateBrute& date) {
-  char texte[16];
-  std::snprintf(texte, sizeof texte, "%04u-%02u-%02u", unsigned{date.annee}, unsigned{date.mois},
-                unsigned{date.jour});
-  return texte;
-}
-
-std::string enTexte(char code) { return code == ' ' || code == '\0' ? std::string() : std::string(1, code); }
-template <std::size_t N>
-std::string enTexte(const CodeFixe<N>& code) {
-  return versUtf8(code.vue());
-}
-
 // The codes of a list, in one order whatever the file's.
 template <class L>
-JsonOrdonne enListe(const L& codes) {
+JsonOrdonne enListeTriee(const L& codes) {
   std::set<std::string> ordre;
   for (const auto& code : codes) {
     ordre.insert(enTexte(code));
@@ -103,9 +90,9 @@ class Comparaison {
     comparerHistoriques("autres", ou, "entente préalable", avant.historiques, apres.historiques,
                         [](const auto& h) { return enTexte(h.ententePrealable); });
     comparerHistoriques("autres", ou, "exonérations", avant.historiques, apres.historiques,
-                        [](const auto& h) { return enListe(h.exonerationsTM); });
+                        [](const auto& h) { return enListeTriee(h.exonerationsTM); });
     comparerHistoriques("autres", ou, "actes incompatibles", avant.historiques, apres.historiques,
-                        [](const auto& h) { return enListe(h.incompatibilites); });
+                        [](const auto& h) { return enListeTriee(h.incompatibilites); });
     parCode(avant.activites, apres.activites, &NiveauActivite::codeActivite,
             [&](const NiveauActivite& a, const NiveauActivite& b, char activite) {
               comparerActivites({{"acte", code}, {"activité", enTexte(activite)}}, a, b);
@@ -130,7 +117,7 @@ class Comparaison {
 
   void comparerActivites(const JsonOrdonne& ou, const NiveauActivite& avant, const NiveauActivite& apres) {
     comparerHistoriques("modificateurs", ou, nullptr, avant.historiques, apres.historiques,
-                        [](const auto& h) { return enListe(h.modificateurs); });
+                        [](const auto& h) { return enListeTriee(h.modificateurs); });
     comparerHistoriques("autres", ou, "code de regroupement", avant.historiques, apres.historiques,
                         [](const auto& h) { return enTexte(h.codeRegroupement); });
     comparerHistoriques("autres", ou, "catégorie médicale", avant.historiques, apres.historiques,

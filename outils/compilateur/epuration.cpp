@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "compilateur/cles_toml.h"
+#include "compilateur/ecriture_valeurs.h"
 #include "compilateur/etiquettes.h"
 #include "compilateur/fusion.h"
 #include "compilateur/transcodage.h"
@@ -15,12 +16,6 @@ namespace noxlux::compilateur {
 namespace {
 
 constexpr int PASSES = 8;
-
-std::string enTexte(char code) { return std::string(1, code); }
-template <std::size_t N>
-std::string enTexte(const CodeFixe<N>& code) {
-  return std::string(code.vue());
-}
 
 // Keeps the first of each code that is known.
 class Tri {

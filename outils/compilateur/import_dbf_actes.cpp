@@ -2,24 +2,17 @@
 // date (labels, notes...), is that of the newest description.
 #include <map>
 
+#include "compilateur/ecriture_valeurs.h"
 #include "compilateur/niveaux_dbf.h"
 
 namespace noxlux::compilateur {
 
 namespace {
 
-constexpr std::size_t LONGUEUR_LIBELLE_COURT = 70;
-
 struct LienActe : LienDate {
   CodeActe acte;
   bool procedure = false;  // or incompatible
 };
-
-void ajouterTexte(std::string& textes, std::string_view texte) {
-  if (!texte.empty()) {
-    textes.append(textes.empty() ? "" : "\n").append(texte);
-  }
-}
 
 class LectureNiveauActe {
  public:
@@ -93,7 +86,7 @@ class LectureNiveauActe {
     if (acte.libelleLong.empty()) {
       acte.libelleLong = acte.libelleCourt;
     } else if (acte.libelleCourt.empty()) {
-      acte.libelleCourt = acte.libelleLong.substr(0, LONGUEUR_LIBELLE_COURT);
+      acte.libelleCourt = abreger(acte.libelleLong);
     }
     if (acte.libelleLong.empty()) {
       c.refuser("libellé absent");

@@ -2,13 +2,12 @@
 #include <algorithm>
 #include <map>
 
+#include "compilateur/ecriture_valeurs.h"
 #include "compilateur/lecture_dbf.h"
 
 namespace noxlux::compilateur {
 
 namespace {
-
-constexpr std::uint32_t MENU_RACINE = 1;
 
 void lireNotes(LectureDbf& lecture, std::vector<Menu>& menus) {
   std::map<std::uint32_t, std::multimap<unsigned, std::string>> notes;

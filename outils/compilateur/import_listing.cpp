@@ -7,6 +7,7 @@
 #include <map>
 
 #include "compilateur/csv.h"
+#include "compilateur/ecriture_valeurs.h"
 #include "compilateur/transcodage.h"
 #include "compilateur/valeurs_listing.h"
 
@@ -43,9 +44,7 @@ constexpr std::array<std::string_view, NOMBRE_COLONNES> TITRES = {"Code",
                                                                   "Regroupement"};
 
 constexpr std::string_view CHAPITRE_MODIFICATEURS = "19.03";
-constexpr std::uint32_t MENU_RACINE = 1;
 constexpr std::uint32_t NIVEAU_1 = 1000000;  // from a chapter of the first level to the next
-constexpr std::size_t LONGUEUR_LIBELLE_COURT = 70;
 constexpr std::size_t USAGES_D_UN_MODIFICATEUR = 10;
 constexpr char ACTE_ISOLE = '1';
 constexpr char GESTE_COMPLEMENTAIRE = '3';
@@ -115,24 +114,6 @@ void ajouterUneFois(std::vector<T>& liste, const T& valeur) {
   if (std::find(liste.begin(), liste.end(), valeur) == liste.end()) {
     liste.push_back(valeur);
   }
-}
-
-void ajouterTexte(std::string& notes, std::string_view texte) {
-  if (!texte.empty()) {
-    notes.append(notes.empty() ? "" : "\n").append(texte);
-  }
-}
-
-// The first words of a label, at most as long as short labels are.
-std::string abreger(std::string_view libelle) {
-  libelle = libelle.substr(0, libelle.find('\n'));
-  if (libelle.size() <= LONGUEUR_LIBELLE_COURT) {
-    return std::string(libelle);
-  }
-  const std::size_t espace = libelle.rfind(' ', LONGUEUR_LIBELLE_COURT);
-  std::string court(libelle.substr(0, espace == libelle.npos ? LONGUEUR_LIBELLE_COURT : espace));
-  court.erase(court.find_last_not_of(" ,;") + 1);
-  return court;
 }
 
 class LectureListing {

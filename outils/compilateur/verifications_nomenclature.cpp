@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "compilateur/ecriture_valeurs.h"
 #include "compilateur/mots_cles.h"
 #include "compilateur/transcodage.h"
 #include "compilateur/verifications.h"
@@ -13,26 +14,9 @@ namespace noxlux::compilateur {
 
 namespace {
 
-constexpr std::uint32_t MENU_RACINE = 1;
-
-std::string jour(const DateBrute& date) {
-  char texte[16];
-  std::snprintf(texte, sizeof texte, "%04u-%02u-%02u", unsigned{date.annee}, unsigned{date.mois},
-                unsigned{date.jour});
-  return texte;
-}
-
-std::string lire(char code) { return code == ' ' ? std::string() : std::string(1, code); }
-std::string lire(const std::string& code) { return versUtf8(code); }
-std::string lire(std::uint32_t code) { return std::to_string(code); }
-template <std::size_t N>
-std::string lire(const CodeFixe<N>& code) {
-  return std::string(code.vue());
-}
-
-class Verification {
+class VerificationNomenclature {
  public:
-  Verification(const Modele& modele, const Etiquettes& etiquettes, Rapport& rapport)
+  VerificationNomenclature(const Modele& modele, const Etiquettes& etiquettes, Rapport& rapport)
       : modele_(modele), etiquettes_(etiquettes), rapport_(rapport) {}
 
   void verifier() {
@@ -145,8 +129,8 @@ class Verification {
     std::map<std::decay_t<decltype(std::invoke(cle, elements[0]))>, Lieu> vus;
     for (const E& element : elements) {
       const auto [place, nouveau] = vus.emplace(std::invoke(cle, element), element.lieu);
-      if (!nouveau && !lire(place->first).empty()) {  // an empty key has been refused by its reader
-        refuser(element.lieu, nom, " « ", lire(place->first), " » est en double (déjà à la ligne ",
+      if (!nouveau && !enTexte(place->first).empty()) {  // an empty key has been refused by its reader
+        refuser(element.lieu, nom, " « ", enTexte(place->first), " » est en double (déjà à la ligne ",
                 std::to_string(place->second.ligne), " de ", rapport_.nomSource(place->second.source), ")");
       }
     }
@@ -157,7 +141,7 @@ class Verification {
     std::set<T> vus;
     for (const T& code : codes) {
       if (!vus.insert(code).second) {
-        refuser(lieu, nom, " « ", lire(code), " » est en double dans la liste");
+        refuser(lieu, nom, " « ", enTexte(code), " » est en double dans la liste");
       }
     }
   }
@@ -167,7 +151,7 @@ class Verification {
     verifierSansDoublon(lieu, codes, nom);
     for (const T& code : codes) {
       if (!connus.contains(code)) {
-        refuser(lieu, nom, " « ", lire(code), " » est inconnu");
+        refuser(lieu, nom, " « ", enTexte(code), " » est inconnu");
       }
     }
   }
@@ -183,7 +167,7 @@ class Verification {
   void verifierEtiquettes(Lieu lieu, TableCode table, const std::vector<T>& codes, const char* nom) {
     verifierSansDoublon(lieu, codes, nom);
     for (const T& code : codes) {
-      verifierEtiquette(lieu, table, lire(code), nom);
+      verifierEtiquette(lieu, table, enTexte(code), nom);
     }
   }
 
@@ -217,7 +201,7 @@ class Verification {
   void verifierPeriodesParCode(const std::vector<E>& elements, const std::string& quoi) {
     std::map<std::string, std::vector<E>> parCode;
     for (const E& element : elements) {
-      parCode[lire(element.code)].push_back(element);
+      parCode[enTexte(element.code)].push_back(element);
     }
     for (const auto& [code, memes] : parCode) {
       verifierPeriodes(memes, phrase(quoi, " « ", code, " »"));
@@ -286,7 +270,7 @@ class Verification {
 
   void refuserSoiMeme(Lieu lieu, const CodeActe& acte, const std::vector<CodeActe>& liste, const char* nom) {
     if (std::find(liste.begin(), liste.end(), acte) != liste.end()) {
-      refuser(lieu, "l'acte « ", lire(acte), " » est ", nom, " avec lui-même");
+      refuser(lieu, "l'acte « ", enTexte(acte), " » est ", nom, " avec lui-même");
     }
   }
 
@@ -313,20 +297,20 @@ class Verification {
     const Lieu lieu = historique.lieu;
     verifierEtiquette(lieu, CODES_CATEGORIE, historique.categorieMedicale.vue(), "la catégorie médicale");
     if (!historique.regroupement.vue().empty() && !regroupements_.contains(historique.regroupement)) {
-      refuser(lieu, "le code de regroupement « ", lire(historique.regroupement), " » est inconnu");
+      refuser(lieu, "le code de regroupement « ", enTexte(historique.regroupement), " » est inconnu");
     }
     verifierConnus(lieu, historique.modificateurs, modificateurs_, "le modificateur");
     verifierConnus(lieu, historique.classesSpecialite, classes_, "la classe de spécialité");
     std::set<CodeActe> associes;
     for (const AssociationActe& association : historique.associations) {
       if (!associes.insert(association.acte).second) {
-        refuser(association.lieu, "l'acte associé « ", lire(association.acte), " » est en double");
+        refuser(association.lieu, "l'acte associé « ", enTexte(association.acte), " » est en double");
       }
       if (!actes_.contains(association.acte)) {
-        refuser(association.lieu, "l'acte associé « ", lire(association.acte), " » est inconnu");
+        refuser(association.lieu, "l'acte associé « ", enTexte(association.acte), " » est inconnu");
       }
       if (!reglesTarifaires_.contains(association.regle)) {
-        refuser(association.lieu, "la règle tarifaire « ", lire(association.regle), " » est inconnue");
+        refuser(association.lieu, "la règle tarifaire « ", enTexte(association.regle), " » est inconnue");
       }
     }
   }
@@ -368,7 +352,7 @@ class Verification {
   void verifierModificateurs() {
     verifierUnicite(modele_.modificateurs, &ModificateurActe::code, "le modificateur");
     for (const ModificateurActe& modificateur : modele_.modificateurs) {
-      const std::string nom = phrase("le modificateur « ", lire(modificateur.code), " »");
+      const std::string nom = phrase("le modificateur « ", enTexte(modificateur.code), " »");
       verifierPeriodes(modificateur.ages, nom + ", âges");
       verifierPeriodes(modificateur.coherences, nom + ", cohérences");
       verifierPeriodes(modificateur.valeurs, nom + ", valeurs");
@@ -376,7 +360,8 @@ class Verification {
       verifierPeriodesParCode(modificateur.compatibles, nom + ", compatibilité avec");
       for (const CodeModificateurDate& compatible : modificateur.compatibles) {
         if (!modificateurs_.contains(compatible.code)) {
-          refuser(compatible.lieu, "le modificateur compatible « ", lire(compatible.code), " » est inconnu");
+          refuser(compatible.lieu, "le modificateur compatible « ", enTexte(compatible.code),
+                  " » est inconnu");
         }
       }
       for (const ForfaitEtTaux& valeur : modificateur.valeurs) {
@@ -393,7 +378,7 @@ class Verification {
   void verifierAge(const AgeModificateur& age) {
     for (const char unite : {age.uniteMinimum, age.uniteMaximum}) {
       if (unite != 'A' && unite != 'M' && unite != 'J') {
-        refuser(age.lieu, "l'unité d'âge « ", lire(unite),
+        refuser(age.lieu, "l'unité d'âge « ", enTexte(unite),
                 " » n'est ni A (années), ni M (mois), ni J (jours)");
       }
     }
@@ -406,7 +391,7 @@ class Verification {
   void verifierSpecialites() {
     verifierUnicite(modele_.specialites, &SpecialitePS::code, "la spécialité");
     for (const SpecialitePS& specialite : modele_.specialites) {
-      verifierPeriodes(specialite.historiques, phrase("la spécialité « ", lire(specialite.code), " »"));
+      verifierPeriodes(specialite.historiques, phrase("la spécialité « ", enTexte(specialite.code), " »"));
     }
   }
 
@@ -414,9 +399,9 @@ class Verification {
     verifierUnicite(codes, &CodeACoefficients::code, nom);
     for (const CodeACoefficients& code : codes) {
       if (avecLibelle && code.libelle.empty()) {
-        refuser(code.lieu, nom, " « ", lire(code.code), " » n'a pas de libellé");
+        refuser(code.lieu, nom, " « ", enTexte(code.code), " » n'a pas de libellé");
       }
-      verifierPeriodes(code.historiques, phrase(nom, " « ", lire(code.code), " »"));
+      verifierPeriodes(code.historiques, phrase(nom, " « ", enTexte(code.code), " »"));
     }
   }
 
@@ -428,7 +413,7 @@ class Verification {
         parJour[ferie.jour].push_back(ferie);
       }
       for (const auto& [date, memes] : parJour) {
-        verifierPeriodes(memes, phrase("la caisse « ", lire(caisse.code), " », jour férié ", jour(date)));
+        verifierPeriodes(memes, phrase("la caisse « ", enTexte(caisse.code), " », jour férié ", jour(date)));
       }
     }
   }
@@ -441,7 +426,7 @@ class Verification {
       verifierUnicite(obligation.specialites, &SpecialiteObligee::code, "la spécialité");
       for (const SpecialiteObligee& specialite : obligation.specialites) {
         if (!specialites_.contains(specialite.code)) {
-          refuser(specialite.lieu, "la spécialité « ", lire(specialite.code), " » est inconnue");
+          refuser(specialite.lieu, "la spécialité « ", enTexte(specialite.code), " » est inconnue");
         }
       }
     }
@@ -517,7 +502,7 @@ class Verification {
 }  // namespace
 
 void verifierNomenclature(const Modele& modele, const Etiquettes& etiquettes, Rapport& rapport) {
-  Verification(modele, etiquettes, rapport).verifier();
+  VerificationNomenclature(modele, etiquettes, rapport).verifier();
 }
 
 }  // namespace noxlux::compilateur

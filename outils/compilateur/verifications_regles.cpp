@@ -59,9 +59,9 @@ std::string comparerFormat(std::string_view format, const std::vector<std::strin
   return rang == arguments.size() ? "" : "le détail n'emploie pas tous les arguments de la liste";
 }
 
-class Verification {
+class VerificationRegles {
  public:
-  Verification(const Modele& modele, Rapport& rapport) : modele_(modele), rapport_(rapport) {
+  VerificationRegles(const Modele& modele, Rapport& rapport) : modele_(modele), rapport_(rapport) {
     for (const Regle& regle : modele.regles) {
       if (!regles_.insert(regle.identifiant).second) {
         refuser(regle.lieu, "la règle « ", regle.identifiant.vue(), " » est en double");
@@ -179,6 +179,8 @@ class Verification {
 
 }  // namespace
 
-void verifierRegles(const Modele& modele, Rapport& rapport) { Verification(modele, rapport).verifier(); }
+void verifierRegles(const Modele& modele, Rapport& rapport) {
+  VerificationRegles(modele, rapport).verifier();
+}
 
 }  // namespace noxlux::compilateur

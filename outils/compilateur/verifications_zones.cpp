@@ -12,9 +12,9 @@ namespace {
 constexpr std::string_view FORMATS = "ANDEI";
 constexpr std::string_view TYPES = "CTBDNMFXA";
 constexpr std::string_view TYPES_REPONSE = "CTBDNMFXAP";
-constexpr std::string_view FAMILLES[] = {"consultation", "modification", "annulation",
-                                         "controle",     "regle",        "controle_complet"};
-constexpr std::string_view FAMILLE_CONTROLE_COMPLET = FAMILLES[5];
+constexpr std::string_view FAMILLES_ZONES[] = {"consultation", "modification", "annulation",
+                                               "controle",     "regle",        "controle_complet"};
+constexpr std::string_view FAMILLE_CONTROLE_COMPLET = FAMILLES_ZONES[5];
 
 // Identifiers are looked up whatever their case.
 std::string minuscules(std::string texte) {
@@ -24,9 +24,9 @@ std::string minuscules(std::string texte) {
   return texte;
 }
 
-class Verification {
+class VerificationZones {
  public:
-  Verification(const Modele& modele, Rapport& rapport) : modele_(modele), rapport_(rapport) {}
+  VerificationZones(const Modele& modele, Rapport& rapport) : modele_(modele), rapport_(rapport) {}
 
   void verifier() {
     verifierGroupes(modele_.groupes, groupes_, false);
@@ -145,7 +145,8 @@ class Verification {
     std::map<std::string, std::set<std::string>> noms;
     std::map<std::string, std::set<std::uint16_t>> numeros;
     for (const FonctionZone& fonction : modele_.fonctions) {
-      if (std::find(std::begin(FAMILLES), std::end(FAMILLES), fonction.famille) == std::end(FAMILLES)) {
+      if (std::find(std::begin(FAMILLES_ZONES), std::end(FAMILLES_ZONES), fonction.famille) ==
+          std::end(FAMILLES_ZONES)) {
         refuser(fonction.lieu, "la famille « ", versUtf8(fonction.famille), " » est inconnue");
       }
       if (!noms[fonction.famille].insert(minuscules(fonction.nom)).second) {
@@ -158,7 +159,7 @@ class Verification {
       verifierFils(fonction.fils, false);
       verifierFils(fonction.reponse, true);
     }
-    for (const std::string_view famille : FAMILLES) {
+    for (const std::string_view famille : FAMILLES_ZONES) {
       const std::size_t nombre = noms[std::string(famille)].size();
       if (nombre == 0 || (famille == FAMILLE_CONTROLE_COMPLET && nombre != 1)) {
         refuser({}, "la famille « ", famille, " » compte ", std::to_string(nombre), " fonction, il en faut ",
@@ -176,6 +177,6 @@ class Verification {
 
 }  // namespace
 
-void verifierZones(const Modele& modele, Rapport& rapport) { Verification(modele, rapport).verifier(); }
+void verifierZones(const Modele& modele, Rapport& rapport) { VerificationZones(modele, rapport).verifier(); }
 
 }  // namespace noxlux::compilateur

@@ -16,14 +16,14 @@ namespace {
 
 using namespace noxlux::compilateur;
 
-struct Options {
+struct OptionsComparer {
   std::string avant;
   std::string apres;
   bool json = false;
 };
 
 // One table a kind of change, under its name and number; its columns are the fields of its records.
-void afficher(const JsonOrdonne& resultat) {
+void afficherEcarts(const JsonOrdonne& resultat) {
   bool changement = false;
   for (const auto& [nom, liste] : resultat.items()) {
     if (!liste.is_array() || liste.empty()) {
@@ -60,7 +60,7 @@ void afficher(const JsonOrdonne& resultat) {
   }
 }
 
-int executer(const Options& options) {
+int comparerReference(const OptionsComparer& options) {
   const auto avant = ouvrirReference(options.avant, NOM_FICHIER_REFERENCE);
   const auto apres = ouvrirReference(options.apres, NOM_FICHIER_REFERENCE);
   for (const auto* fichier : {&avant, &apres}) {
@@ -79,7 +79,7 @@ int executer(const Options& options) {
   if (options.json) {
     std::cout << resultat.dump(2) << '\n';
   } else {
-    afficher(resultat);
+    afficherEcarts(resultat);
   }
   return STATUT_REPONDU;
 }
@@ -87,7 +87,7 @@ int executer(const Options& options) {
 }  // namespace
 
 void enregistrerComparer(CLI::App& application, int& statut) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<OptionsComparer>();
   CLI::App* const commande = application.add_subcommand(
       "comparer", "Dit ce qui change d'un référentiel à un autre : actes, prix, modificateurs, libellés");
   commande->add_option("avant", options->avant, "Le premier tablebin.nox, ou son répertoire")
@@ -95,7 +95,7 @@ void enregistrerComparer(CLI::App& application, int& statut) {
       ->type_name("FICHIER");
   commande->add_option("apres", options->apres, "Le second")->required()->type_name("FICHIER");
   commande->add_flag("--json", options->json, "réponse en JSON, pour un programme");
-  commande->callback([options, &statut] { statut = executer(*options); });
+  commande->callback([options, &statut] { statut = comparerReference(*options); });
 }
 
 }  // namespace noxlux::commande

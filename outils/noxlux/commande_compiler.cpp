@@ -26,7 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace noxlux::compilateur;
 
-struct Options {
+struct OptionsCompiler {
   std::vector<std::string> sources;
   std::vector<std::string> complement;
   std::string socle;
@@ -74,7 +74,7 @@ std::vector<std::string> complementParDefaut() {
 }
 
 // The socle, then the sources; what completes an import comes by default from the example reference.
-std::vector<std::string> cheminsToml(const Options& options) {
+std::vector<std::string> cheminsToml(const OptionsCompiler& options) {
   std::vector<std::string> chemins{options.socle.empty() ? sourcesLivrees("socle").string() : options.socle};
   std::vector<std::string> autres = options.sources;
   autres.insert(autres.end(), options.complement.begin(), options.complement.end());
@@ -98,8 +98,8 @@ char reglePleine(const Modele& modele) {
   throw ErreurUsage("aucune règle tarifaire du complément n'a aujourd'hui 1 pour coefficient");
 }
 
-void importer(const Options& options, const Avancement& avancement, Modele& modele, BilanImport& bilan,
-              Rapport& rapport) {
+void importer(const OptionsCompiler& options, const Avancement& avancement, Modele& modele,
+              BilanImport& bilan, Rapport& rapport) {
   const std::uint32_t premiereSource = rapport.nombreSources();
   Modele importe;
   if (!options.baseDbf.empty()) {
@@ -137,7 +137,7 @@ int refuserEcarts(const BilanImport& bilan, const Rapport& rapport) {
   return STATUT_MAUVAIS_USAGE;
 }
 
-int executer(const Options& options) {
+int compilerReference(const OptionsCompiler& options) {
   const auto debut = std::chrono::steady_clock::now();
   Modele modele;
   Rapport rapport;
@@ -178,7 +178,7 @@ int executer(const Options& options) {
 }  // namespace
 
 void enregistrerCompiler(CLI::App& application, int& statut) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<OptionsCompiler>();
   CLI::App* const commande =
       application.add_subcommand("compiler", "Compile une nomenclature en un référentiel tablebin.nox");
   CLI::Option* const sources =
@@ -218,7 +218,7 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
     if (options->grille && !options->listing.empty() && *options->grille != 1 && *options->grille != 2) {
       throw ErreurUsage("une liste a deux colonnes de prix : --grille 1 ou --grille 2");
     }
-    statut = executer(*options);
+    statut = compilerReference(*options);
   });
 }
 

@@ -21,7 +21,7 @@ namespace {
 
 using namespace noxlux::compilateur;
 
-struct Options {
+struct OptionsLister {
   std::string chemin;
   std::string sujet;
   bool json = false;
@@ -40,7 +40,7 @@ void afficherFichier(const JsonOrdonne& fichier) {
   tableau.afficher(std::cout);
 }
 
-void afficherLignes(const JsonOrdonne& lignes) {
+void afficherTable(const JsonOrdonne& lignes) {
   if (lignes.empty()) {
     std::cout << "(aucune ligne)\n";
     return;
@@ -82,7 +82,7 @@ void afficherObjet(const JsonOrdonne& objet, std::size_t retrait) {
   }
 }
 
-int listerSujet(const FichierReference& fichier, const Options& options) {
+int listerSujet(const FichierReference& fichier, const OptionsLister& options) {
   JsonOrdonne resultat;
   const unsigned numero = numeroDeTable(options.sujet);
   CodeRetour cr = NOX_CR_OK;
@@ -109,14 +109,14 @@ int listerSujet(const FichierReference& fichier, const Options& options) {
   if (options.json) {
     std::cout << resultat.dump(2) << '\n';
   } else if (resultat.is_array()) {
-    afficherLignes(resultat);
+    afficherTable(resultat);
   } else {
     afficherObjet(resultat, 0);
   }
   return STATUT_REPONDU;
 }
 
-int executer(const Options& options) {
+int listerReference(const OptionsLister& options) {
   const auto fichier = ouvrirReference(options.chemin, NOM_FICHIER_REFERENCE);
   if (!options.sujet.empty()) {
     return listerSujet(*fichier, options);
@@ -136,7 +136,7 @@ int executer(const Options& options) {
 }  // namespace
 
 void enregistrerLister(CLI::App& application, int& statut) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<OptionsLister>();
   CLI::App* const commande = application.add_subcommand(
       "lister", "Relit un tablebin.nox ou un modifref.nox : entête, tables, actes");
   commande->add_option("fichier", options->chemin, "Fichier, ou répertoire de tablebin.nox")
@@ -147,7 +147,7 @@ void enregistrerLister(CLI::App& application, int& statut) {
                    "Numéro ou nom d'une table, ou code d'un acte ; rien : l'entête et la liste des tables")
       ->type_name("TABLE|ACTE");
   commande->add_flag("--json", options->json, "réponse en JSON, pour un programme");
-  commande->callback([options, &statut] { statut = executer(*options); });
+  commande->callback([options, &statut] { statut = listerReference(*options); });
 }
 
 }  // namespace noxlux::commande

@@ -17,7 +17,7 @@ namespace {
 
 using namespace noxlux::compilateur;
 
-struct Options {
+struct OptionsModifications {
   OptionsReference reference;
   bool json = false;
 };
@@ -80,7 +80,7 @@ std::string detail(const JsonOrdonne& objet) {
   return texte;
 }
 
-void afficher(const JsonOrdonne& resultat) {
+void afficherModifications(const JsonOrdonne& resultat) {
   std::cout << cellule(resultat["fichier"]) << ", enregistré le " << cellule(resultat["entete"]["date"]);
   const std::string commentaire = cellule(resultat["entete"]["commentaire"]);
   std::cout << (commentaire.empty() ? "" : " (" + commentaire + ")") << "\n";
@@ -95,7 +95,7 @@ void afficher(const JsonOrdonne& resultat) {
   }
 }
 
-void executer(const Options& options) {
+void listerModifications(const OptionsModifications& options) {
   namespace fs = std::filesystem;
   const fs::path repertoire = options.reference.repertoireModification();
   const fs::path chemin = repertoire / NOM_FICHIER_MODIFICATION;
@@ -121,19 +121,19 @@ void executer(const Options& options) {
   if (options.json) {
     std::cout << resultat.dump(2) << '\n';
   } else {
-    afficher(resultat);
+    afficherModifications(resultat);
   }
 }
 
 }  // namespace
 
 void enregistrerModifications(CLI::App& application) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<OptionsModifications>();
   CLI::App* const commande = application.add_subcommand(
       "modifications", "Dit ce qui est modifié localement, depuis quand, par quel fichier");
   options->reference.declarer(*commande);
   commande->add_flag("--json", options->json, "réponse en JSON, pour un programme");
-  commande->callback([options] { executer(*options); });
+  commande->callback([options] { listerModifications(*options); });
 }
 
 }  // namespace noxlux::commande

@@ -15,9 +15,9 @@ namespace noxlux {
 namespace {
 
 using R = Reglementation;
-using EtapeLigne = EtapeRegle<R, const LigneCCAM>;
+using EtapeActeCCAM = EtapeRegle<R, const LigneCCAM>;
 
-constexpr EtapeLigne REGLES_ACTE[] = {
+constexpr EtapeActeCCAM REGLES_ACTE[] = {
     {"PROD500", &R::appliquerProd500},   {"PROD510", &R::appliquerProd510},
     {"PROD511A", &R::appliquerProd511A}, {"PROD890", &R::appliquerProd890},
     {"PROD780", &R::appliquerProd780},   {"PROD760", &R::appliquerProd760},
@@ -29,11 +29,11 @@ constexpr EtapeLigne REGLES_ACTE[] = {
     {"PROD555", &R::appliquerProd555},   {"PROD798A", &R::appliquerProd798A},
     {"PROD540", &R::appliquerProd540},
 };
-constexpr EtapeLigne REGLES_AGE[] = {
+constexpr EtapeActeCCAM REGLES_AGE[] = {
     {"PROD720", &R::appliquerProd720},
     {"PROD730", &R::appliquerProd730},
 };
-constexpr EtapeLigne REGLES_DENTS[] = {
+constexpr EtapeActeCCAM REGLES_DENTS[] = {
     {"PROD700", &R::appliquerProd700},
     {"PROD702", &R::appliquerProd702},
     {"PROD710", &R::appliquerProd710},

@@ -13,6 +13,9 @@
 
 namespace essai {
 
+// A day on which the example reference has something to say of every act.
+inline constexpr const char* DATE = "20260115";
+
 // A directory of its own, removed with all it holds.
 class DossierTemporaire {
  public:

@@ -9,7 +9,6 @@ namespace {
 
 using Parametres = AvecReference;
 
-constexpr const char* DATE = "20260115";
 const Zone ACTE = {{3010, {"HBFD008"}}};
 
 TEST_F(Parametres, RefusedInputs) {

@@ -44,8 +44,6 @@ unsigned short KEP_EcrireZoneOut(unsigned short numeroSession, void* zone, unsig
 
 namespace {
 
-constexpr const char* DATE = "20260115";
-
 class Sessions : public AvecReference {
  protected:
   void SetUp() override {

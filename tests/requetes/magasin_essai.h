@@ -16,6 +16,10 @@
 
 namespace noxlux {
 
+inline const Code ACTE("HBJD001");
+inline const Code UN("1");
+inline const Code ZERO("0");
+
 inline DateBrute jour(unsigned aaaammjj) {
   return {static_cast<std::uint16_t>(aaaammjj / 10000), static_cast<std::uint8_t>(aaaammjj / 100 % 100),
           static_cast<std::uint8_t>(aaaammjj % 100)};

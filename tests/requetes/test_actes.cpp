@@ -4,10 +4,6 @@
 namespace noxlux {
 namespace {
 
-const Code ACTE("HBJD001");
-const Code UN("1");
-const Code ZERO("0");
-
 class RequetesActes : public MagasinEssai {
  protected:
   RequetesActes() {

@@ -10,9 +10,6 @@
 namespace noxlux {
 namespace {
 
-const Code ACTE("HBJD001");
-const Code UN("1");
-const Code ZERO("0");
 constexpr DateBrute SANS_FIN{};
 
 class Modifications : public MagasinEssai {
