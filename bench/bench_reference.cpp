@@ -81,7 +81,7 @@ void sommeNoxlux(benchmark::State& etat) {
 }
 BENCHMARK(sommeNoxlux)->Unit(benchmark::kMillisecond);
 
-unsigned short consulter(std::string& zone, const char* date = "20200101") {
+unsigned short consulter(std::string& zone, const char* date = jourMesure()) {
   void* sortie = nullptr;
   unsigned int taille = 0;
   const unsigned short cr = NOX_ConsulterDonnee("CCAM_37", date, zone.data(),
@@ -91,27 +91,18 @@ unsigned short consulter(std::string& zone, const char* date = "20200101") {
   return cr;
 }
 
-// Of one length.
-std::vector<std::string> codesActes() {
-  std::vector<std::string> codes;
-  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
-    codes.push_back(codeActe(i));
-  }
-  return codes;
-}
-
 void consultationNoxlux(benchmark::State& etat) {
+  const std::vector<std::string>& actes = actesMesures();
   const BibliothequeChargee bibliotheque;
-  const std::vector<std::string> actes = codesActes();
   for (const std::string& acte : actes) {
     std::string zone = zoneActe(acte);
     exigerReponse(consulter(zone), etat);
   }
   std::string zone = zoneActe(actes[0]);
   const std::size_t place = zone.find(actes[0]);
-  unsigned i = 0;
+  std::size_t i = 0;
   for (auto _ : etat) {
-    i = (i + 4093) % NOMBRE_ACTES;
+    i = (i + 4093) % actes.size();
     zone.replace(place, actes[i].size(), actes[i]);
     exigerReponse(consulter(zone), etat);
   }
@@ -186,10 +177,10 @@ class BaseSQLite {
 
 void consulterSQLite(benchmark::State& etat, const std::string& chemin) {
   BaseSQLite base(chemin);
-  const std::vector<std::string> actes = codesActes();
-  unsigned i = 0;
+  const std::vector<std::string>& actes = actesMesures();
+  std::size_t i = 0;
   for (auto _ : etat) {
-    i = (i + 4093) % NOMBRE_ACTES;
+    i = (i + 4093) % actes.size();
     const double prix = base.prix(actes[i], 20200101);
     if (prix < 0) {
       etat.SkipWithError("no price");
@@ -209,8 +200,8 @@ BENCHMARK(consultationSQLiteEnMemoire);
 
 void premiereLectureActe(benchmark::State& etat) {
   std::vector<std::string> zones;
-  for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
-    zones.push_back(zoneActe(codeActe(i)));
+  for (const std::string& acte : actesMesures()) {
+    zones.push_back(zoneActe(acte));
   }
   for (auto _ : etat) {
     const BibliothequeChargee bibliotheque;
@@ -219,7 +210,7 @@ void premiereLectureActe(benchmark::State& etat) {
       exigerReponse(consulter(zone), etat);
     }
     const double duree = std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count();
-    etat.SetIterationTime(duree / NOMBRE_ACTES);
+    etat.SetIterationTime(duree / static_cast<double>(zones.size()));
   }
 }
 BENCHMARK(premiereLectureActe)->UseManualTime()->Iterations(5);
@@ -244,13 +235,14 @@ std::size_t octetsAlloues() {
 // loaded.
 void memoire(benchmark::State& etat) {
   const auto taille = static_cast<double>(lireFichier().size());
+  actesMesures();
   configurer();
   for (auto _ : etat) {
     const std::size_t avant = octetsAlloues();
     const BibliothequeChargee bibliotheque;
     etat.counters["au_demarrage"] = static_cast<double>(octetsAlloues() - avant) / taille;
-    for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
-      std::string zone = zoneActe(codeActe(i));
+    for (const std::string& acte : actesMesures()) {
+      std::string zone = zoneActe(acte);
       exigerReponse(consulter(zone), etat);
     }
     void* sortie = nullptr;

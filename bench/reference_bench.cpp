@@ -8,6 +8,7 @@
 
 #include "compilateur/compilation.h"
 #include "compilateur/lecteur_toml.h"
+#include "manip/zone.h"
 #include "noxlux/noxlux.h"
 
 namespace noxlux::bench {
@@ -120,12 +121,66 @@ PhaseTarifee phaseTarifee(unsigned i) {
   return {codeActe(i), {base + 4.5, base + 1.25, base}};
 }
 
+namespace {
+
+const char* referenceImposee() { return std::getenv("NOXLUX_BENCH_REFERENCE"); }
+
+bool aUnPrix(const std::string& acte) {
+  std::string zone = zoneActe(acte);
+  void* reponse = nullptr;
+  unsigned int taille = 0;
+  const unsigned short cr = NOX_ConsulterDonnee("CCAM_37", jourMesure(), zone.data(),
+                                                static_cast<unsigned int>(zone.size()), &reponse, &taille);
+  NOX_LibererZoneMem(reponse);
+  return cr == 0;
+}
+
+// The acts of the imposed reference: every one is found by an empty filter, in fields behind their number.
+std::vector<std::string> chercherActes() {
+  const BibliothequeChargee bibliotheque;
+  void* reponse = nullptr;
+  unsigned int taille = 0;
+  if (NOX_RechercherParFiltre("", &reponse, &taille) != 0) {
+    throw std::runtime_error("the reference has no act");
+  }
+  std::vector<std::string> actes;
+  Zone zone(static_cast<byte*>(reponse), taille);
+  std::uint16_t numero = 0;
+  Octets champ;
+  zone.avancerGroupeSuivant(numero);
+  zone.avancerChampSuivant(numero, champ);
+  while (!zone.finGroupe() && zone.avancerChampSuivant(numero, champ) == 0) {
+    const std::string acte(champ.begin(), champ.end());
+    if ((actes.empty() || acte.size() == actes[0].size()) && aUnPrix(acte)) {
+      actes.push_back(acte);
+    }
+  }
+  NOX_LibererZoneMem(reponse);
+  return actes;
+}
+
+}  // namespace
+
 const std::string& repertoireReference() {
-  static const std::string repertoire = [] {
-    const char* impose = std::getenv("NOXLUX_BENCH_REFERENCE");
-    return impose == nullptr ? generer() : std::string(impose);
-  }();
+  static const std::string repertoire =
+      referenceImposee() == nullptr ? generer() : std::string(referenceImposee());
   return repertoire;
+}
+
+const char* jourMesure() { return referenceImposee() == nullptr ? "20200101" : "20991231"; }
+
+const std::vector<std::string>& actesMesures() {
+  static const std::vector<std::string> actes = [] {
+    if (referenceImposee() != nullptr) {
+      return chercherActes();
+    }
+    std::vector<std::string> generes;
+    for (unsigned i = 0; i < NOMBRE_ACTES; ++i) {
+      generes.push_back(codeActe(i));
+    }
+    return generes;
+  }();
+  return actes;
 }
 
 std::string fichierReference() { return repertoireReference() + "tablebin.nox"; }

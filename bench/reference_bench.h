@@ -47,6 +47,12 @@ class BibliothequeChargee {
 // Points REPERTOIRE_SYSTEME at an orvan.ini for that reference.
 void configurer();
 
+// The acts asked about, their codes of one length: the generated ones, or those of the imposed reference whose
+// activity 1 has a price for phase 0 (the library must not be loaded then). And a day on which they have one,
+// AAAAMMJJ.
+const std::vector<std::string>& actesMesures();
+const char* jourMesure();
+
 // The input zone of group 3012 for an act, activity 1, phase 0.
 std::string zoneActe(const std::string& acte);
 

@@ -16,7 +16,7 @@ import tomllib
 
 sys.dont_write_bytecode = True
 from aides import base_publique  # noqa: E402
-from aides.commande import Compte  # noqa: E402
+from aides.commande import Compte, echantillon  # noqa: E402
 
 COMMANDE = pathlib.Path(sys.argv[1]).resolve()
 SOURCES = pathlib.Path(sys.argv[3]).resolve()
@@ -328,9 +328,9 @@ def verifier_reponses(compte, base):
 
 
 def verifier_questions(compte, base, quoi):
-    for identifiant, champs, reponses in QUESTIONS:
-        for date, attendu in reponses:
-            compte.verifier(f"{quoi}{identifiant} {champs} {date}", base.consulter(identifiant, champs, date), attendu)
+    questions = [(identifiant, champs, *reponse) for identifiant, champs, reponses in QUESTIONS for reponse in reponses]
+    for identifiant, champs, date, attendu in echantillon(questions):
+        compte.verifier(f"{quoi}{identifiant} {champs} {date}", base.consulter(identifiant, champs, date), attendu)
 
 
 def verifier_regles(compte, base):

@@ -9,6 +9,7 @@ import ctypes
 import importlib.util
 import io
 import json
+import os
 import pathlib
 import re
 import resource
@@ -23,7 +24,7 @@ from aides.commande import Compte  # noqa: E402
 
 COMMANDE = pathlib.Path(sys.argv[1]).resolve()
 SOURCES = pathlib.Path(sys.argv[3]).resolve()
-LISTING = SOURCES.parent / "shared/donnees/ccam_v81.csv"
+LISTING = pathlib.Path(os.environ.get("NOXLUX_LISTING", SOURCES.parent / "shared/donnees/ccam_v81.csv"))
 BIBLIOTHEQUE = COMMANDE.parent / "libnoxlux.so"
 DATE = b"20260201"
 CADRE_LIBELLE_LONG = 2
