@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all install package demo test test-release test-release32 test-assaini bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini corruption bench format propre paquets release release32
 
 all: release release32
 
@@ -43,6 +43,12 @@ test-assaini: paquets
 	@$(call CONFIGURER,debug)
 	@cmake --build build/debug -j $(TACHES)
 	@cd build/debug && ctest --output-on-failure -j $(TACHES)
+
+# Every byte of the reference files damaged in turn, under the sanitizers: hours.
+corruption: paquets
+	@$(call CONFIGURER,debug)
+	@cmake --build build/debug -j $(TACHES)
+	@cd build/debug && NOXLUX_CORRUPTION_COMPLETE=1 ctest --output-on-failure -j $(TACHES) -R '^(referent|bout_en_bout)$$' --timeout 1000000
 
 bench: paquets
 	@$(call CONFIGURER,bench)
