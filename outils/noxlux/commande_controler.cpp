@@ -159,9 +159,9 @@ int controlerLot(const OptionsControler& options) {
   }
   const double duree = std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count();
   std::fprintf(stderr,
-               "%zu factures : %zu acceptées, %zu avec erreurs, %zu non contrôlées ; %.0f factures/s\n",
-               compte.factures, compte.acceptees, compte.enErreur, compte.impossibles,
-               duree > 0 ? static_cast<double>(compte.factures) / duree : 0.0);
+               "%zu facture%s : %zu acceptées, %zu avec erreurs, %zu non contrôlées ; %.0f factures/s\n",
+               compte.factures, compte.factures > 1 ? "s" : "", compte.acceptees, compte.enErreur,
+               compte.impossibles, duree > 0 ? static_cast<double>(compte.factures) / duree : 0.0);
   return compte.impossibles == 0 ? STATUT_REPONDU : STATUT_CODE_ERREUR;
 }
 

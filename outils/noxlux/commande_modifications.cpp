@@ -81,7 +81,11 @@ std::string detail(const JsonOrdonne& objet) {
 }
 
 void afficherModifications(const JsonOrdonne& resultat) {
-  std::cout << cellule(resultat["fichier"]) << ", enregistré le " << cellule(resultat["entete"]["date"]);
+  std::string date = cellule(resultat["entete"]["date"]);  // AAAAMMJJ
+  if (date.size() == 8) {
+    date.insert(6, 1, '-').insert(4, 1, '-');
+  }
+  std::cout << cellule(resultat["fichier"]) << ", enregistré le " << date;
   const std::string commentaire = cellule(resultat["entete"]["commentaire"]);
   std::cout << (commentaire.empty() ? "" : " (" + commentaire + ")") << "\n";
   Tableau tableau({"depuis", "donnée", "valeur"});
