@@ -6,6 +6,7 @@
 
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
+#include "noxlux/dates.h"
 #include "noxlux/ouverture.h"
 #include "noxlux/tableau.h"
 #include "referent/referentiel.h"
@@ -81,11 +82,9 @@ std::string detail(const JsonOrdonne& objet) {
 }
 
 void afficherModifications(const JsonOrdonne& resultat) {
-  std::string date = cellule(resultat["entete"]["date"]);  // AAAAMMJJ
-  if (date.size() == 8) {
-    date.insert(6, 1, '-').insert(4, 1, '-');
-  }
-  std::cout << cellule(resultat["fichier"]) << ", enregistré le " << date;
+  const std::string date = cellule(resultat["entete"]["date"]);
+  std::cout << cellule(resultat["fichier"]) << ", enregistré le "
+            << (date.size() == 8 ? dateLisible(date) : date);
   const std::string commentaire = cellule(resultat["entete"]["commentaire"]);
   std::cout << (commentaire.empty() ? "" : " (" + commentaire + ")") << "\n";
   Tableau tableau({"depuis", "donnée", "valeur"});

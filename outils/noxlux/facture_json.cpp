@@ -5,6 +5,7 @@
 #include <map>
 #include <tuple>
 
+#include "noxlux/dates.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/noxlux.h"
 
@@ -152,8 +153,7 @@ std::string grouperDe(unsigned numero, std::initializer_list<const Json*> source
 // Asks the reference for one number about a line; null without an answer, its code in `code`.
 Json consulter(const char* identifiant, const Json& ligne, std::string zone, const char* champ,
                unsigned short& code) {
-  const std::string date = ligne["date"].get<std::string>();
-  const std::string chiffres = date.substr(0, 4) + date.substr(5, 2) + date.substr(8, 2);
+  const std::string chiffres = dateCompacte(ligne["date"].get<std::string>()).value_or("");
   const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
     return NOX_ConsulterDonnee(identifiant, chiffres.c_str(), zone.data(),
                                static_cast<unsigned int>(zone.size()), sortie, taille);

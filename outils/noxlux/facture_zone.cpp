@@ -7,6 +7,7 @@
 #include <charconv>
 #include <span>
 
+#include "noxlux/dates.h"
 #include "noxlux/facture_json.h"
 #include "types/date.h"
 
@@ -81,9 +82,7 @@ Chemin placeDuChamp(const Chemin& chemin, std::string_view nom) {
 // --- What a field admits ---
 
 void controlerDate(const std::string& texte, const Chemin& chemin) {
-  const bool forme = texte.size() == 10 && texte[4] == '-' && texte[7] == '-';
-  const std::string chiffres =
-      forme ? texte.substr(0, 4) + texte.substr(5, 2) + texte.substr(8, 2) : std::string();
+  const std::string chiffres = dateCompacte(texte).value_or("");
   if (!Date::estValide(reinterpret_cast<const byte*>(chiffres.data()), chiffres.size())) {
     chemin.refuser("une date AAAA-MM-JJ du calendrier est attendue");
   }

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 
+#include "noxlux/dates.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/tableau.h"
 #include "types/date.h"
@@ -138,10 +139,8 @@ std::string dateReference(const std::string& texte) {
     char tampon[16];
     std::strftime(tampon, sizeof tampon, "%Y%m%d", &local);
     chiffres = tampon;
-  } else if (texte.size() == 10 && texte[4] == '-' && texte[7] == '-') {
-    chiffres = texte.substr(0, 4) + texte.substr(5, 2) + texte.substr(8, 2);
   } else {
-    chiffres = texte;
+    chiffres = dateCompacte(texte).value_or(texte);
   }
   if (chiffres.size() != 8 || !Date::estValide(reinterpret_cast<const byte*>(chiffres.data()), 8)) {
     throw ErreurUsage("« " + texte + " » n'est pas une date AAAA-MM-JJ du calendrier");

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "compilateur/transcodage.h"
+#include "noxlux/dates.h"
 #include "noxlux/erreurs.h"
 
 namespace noxlux::commande {
@@ -108,13 +109,6 @@ std::string encoderNombre(const ChampDecrit& champ, const Json& valeur, const Ch
   return chiffres.size() >= largeur ? chiffres : std::string(largeur - chiffres.size(), '0') + chiffres;
 }
 
-std::optional<std::string> dateCompacte(const std::string& texte) {
-  if (texte.size() != 10 || texte[4] != '-' || texte[7] != '-') {
-    return std::nullopt;
-  }
-  return texte.substr(0, 4) + texte.substr(5, 2) + texte.substr(8, 2);
-}
-
 std::string texteLatin1(const std::string& utf8, const Chemin& chemin) {
   if (std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; })) {
     return utf8;
@@ -139,7 +133,7 @@ Json valeurTypee(char type, const std::string& octets) {
   }
   if (type == 'D' && (octets.size() == 8 || octets.size() == 12) &&
       octets.find_first_not_of("0123456789") == std::string::npos) {
-    return octets.substr(0, 4) + "-" + octets.substr(4, 2) + "-" + octets.substr(6, 2);
+    return dateLisible(octets);
   }
   return nullptr;
 }

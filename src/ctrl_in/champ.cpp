@@ -29,7 +29,7 @@ CodeRetour refuser(FormatVerifie<const char*> format, Octets donnees) {
 }
 
 constexpr bool estChiffre(byte b) { return b >= '0' && b <= '9'; }
-constexpr bool estAlphanumerique(byte b) { return b == ' ' || (b >= 'A' && b <= 'Z') || estChiffre(b); }
+constexpr bool estAlphanumerique(byte b) { return b == ' ' || estCapitaleOuChiffre(b); }
 
 template <bool (*EST_PERMIS)(byte)>
 CodeRetour controlerCaracteres(Octets donnees, FormatVerifie<byte> format) {

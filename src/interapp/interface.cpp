@@ -373,10 +373,7 @@ CodeRetour Interface::rechercher(const char* identifiant, std::uint16_t inf, std
     }
   }
   position = static_cast<std::uint16_t>(premier);
-  // A prefix that ends with a zero byte holds the whole name.
-  const bool entier = (prefixe & 0xFFU) == 0 && prefixe == arbre_->prefixes[premier];
-  const CodeRetour cr =
-      entier || comparer(premier) == 0 ? CodeRetour{NOX_CR_OK} : refuserIdentifiant(identifiant);
+  const CodeRetour cr = comparer(premier) == 0 ? CodeRetour{NOX_CR_OK} : refuserIdentifiant(identifiant);
   Trace::fin(TRACE_PARAMETRES, "position = %u, cr = 0x%04X", position, cr);
   return cr;
 }

@@ -10,13 +10,7 @@ namespace {
 class Actes : public testing::Test {
  protected:
   static Octets ecrire(const NiveauActe& acte) {
-    Repertoire repertoire;
-    Referentiel referentiel;
-    std::FILE* fichier = std::fopen(repertoire.chemin("acte").c_str(), "wb+");
-    Ecrivain ecrivain(&referentiel, fichier);
-    EXPECT_EQ(acte.ecrireNiveauActe(ecrivain), 0);
-    std::fclose(fichier);
-    return repertoire.lire("acte");
+    return octetsEcrits([&](Ecrivain& ecrivain) { return acte.ecrireNiveauActe(ecrivain); });
   }
   static CodeRetour lire(const Octets& octets, NiveauActe& acte) {
     Repertoire repertoire;

@@ -68,6 +68,18 @@ inline std::uint16_t crcBitABit(const Octets& octets, std::size_t debut) {
   return static_cast<std::uint16_t>((registre & 0xFFU) << 8 | (registre >> 8 & 0xFFU));
 }
 
+// What `ecrire(ecrivain)` writes into a new file.
+template <class F>
+Octets octetsEcrits(const F& ecrire) {
+  const Repertoire repertoire;
+  noxlux::Referentiel referentiel;
+  std::FILE* fichier = std::fopen(repertoire.chemin("f").c_str(), "wb+");
+  noxlux::Ecrivain ecrivain(&referentiel, fichier);
+  EXPECT_EQ(ecrire(ecrivain), 0);
+  std::fclose(fichier);
+  return repertoire.lire("f");
+}
+
 inline void refaireCRC(Octets& octets) {
   char texte[8];
   std::snprintf(texte, sizeof texte, "%04X", crcBitABit(octets, 4));

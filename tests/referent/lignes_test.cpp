@@ -26,13 +26,7 @@ class FichierEssai {
 };
 
 Octets ecrireTable(const Table& table) {
-  Repertoire repertoire;
-  Referentiel referentiel;
-  std::FILE* fichier = std::fopen(repertoire.chemin("table").c_str(), "wb+");
-  Ecrivain ecrivain(&referentiel, fichier);
-  EXPECT_EQ(table.ecrireTable(ecrivain), 0);
-  std::fclose(fichier);
-  return repertoire.lire("table");
+  return octetsEcrits([&](Ecrivain& ecrivain) { return table.ecrireTable(ecrivain); });
 }
 
 Octets assembler(std::initializer_list<std::string_view> morceaux) {
