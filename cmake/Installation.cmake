@@ -1,6 +1,6 @@
 # What is installed, and the packages made of it (`make package`).
 install(TARGETS noxlux EXPORT noxlux LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES include/noxlux/noxlux.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/noxlux)
+install(DIRECTORY include/noxlux DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT noxlux NAMESPACE noxlux:: FILE noxluxConfig.cmake DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/noxlux)
 configure_file(packaging/noxlux.pc.in ${CMAKE_BINARY_DIR}/noxlux.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/noxlux.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -46,6 +46,18 @@ with tempfile.TemporaryDirectory() as nom:
     verifier("the README shows premier.c as it is",
              (sources / "examples/premier.c").read_text() in (sources / "README.md").read_text())
 
+    # By the names of fields, in C++17; what must not compile does not, and without it the same file does.
+    for compilateur in ("g++", "clang++"):
+        nommer = [compilateur, *compiler[1:], "-std=c++17", "-Wconversion", "-Wshadow"]
+        (configuration().parent / "orvan.ini").write_text(f"[NOX]\nrepertoiretable={dossier / 'tables'}/\n")
+        for source, attendu in (("examples/premier.cpp", "HHFA001 : 17679 centimes\n"), ("tests/hotes/noms.cpp", "")):
+            statut, sortie = lancer(*nommer, sources / source, "-o", dossier / "nomme", *lier)
+            verifier(f"{source} compiles with {compilateur}", statut == 0, sortie)
+            verifier(f"{source} answers", lancer(dossier / "nomme", dossier) == (0, attendu), sortie)
+    for faute in range(1, 8):
+        statut, sortie = lancer(*nommer, "-fsyntax-only", f"-DFAUTE={faute}", sources / "tests/hotes/noms.cpp")
+        verifier(f"fault {faute} does not compile", statut != 0)
+
     statut, sortie = lancer(*compiler, sources / "examples/hote.c", "-o", dossier / "hote", "-ldl")
     verifier("hote.c compiles", statut == 0, sortie)
     tables = configuration()
