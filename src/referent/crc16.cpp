@@ -8,7 +8,6 @@ namespace noxlux {
 
 namespace {
 
-constexpr unsigned POLYNOME = 0x8408;
 constexpr std::size_t PAS = 16;  // bytes taken at a time
 
 // TABLES[k][b]: what byte b leaves in the register once it and k zero bytes have been shifted out.
@@ -19,7 +18,7 @@ constexpr TablesCrc calculerTables() {
   for (unsigned b = 0; b < 256; ++b) {
     unsigned registre = b;
     for (int i = 0; i < 8; ++i) {
-      registre = (registre >> 1) ^ ((registre & 1U) != 0 ? POLYNOME : 0U);
+      registre = (registre >> 1) ^ ((registre & 1U) != 0 ? POLYNOME_CRC16 : 0U);
     }
     tables[0][b] = registre;
   }
@@ -62,17 +61,28 @@ inline unsigned avancerBloc(unsigned registre, const byte* octets) {
   return bloc ^ reduire<14>(registre, DemiMot{});
 }
 
-}  // namespace
-
-void Crc16::ajouter(const byte* octets, std::size_t n) {
-  unsigned registre = registre_;
+unsigned avancerParTables(unsigned registre, const byte* octets, std::size_t n) {
   for (; n >= PAS; n -= PAS, octets += PAS) {
     registre = avancerBloc(registre, octets);
   }
   for (; n != 0; --n) {
     registre = avancer(registre, *octets++);
   }
-  registre_ = static_cast<std::uint16_t>(registre);
+  return registre;
+}
+
+}  // namespace
+
+void Crc16::ajouter(const byte* octets, std::size_t n) {
+  if (pliage_.plier != nullptr && n >= pliage_.pas) {
+    const std::size_t plies = n - n % pliage_.pas;
+    byte residu[TAILLE_RESIDU];
+    pliage_.plier(registre_, octets, plies, residu);
+    registre_ = static_cast<std::uint16_t>(avancerParTables(0, residu, TAILLE_RESIDU));
+    octets += plies;
+    n -= plies;
+  }
+  registre_ = static_cast<std::uint16_t>(avancerParTables(registre_, octets, n));
 }
 
 std::uint16_t Crc16::resultat() const {

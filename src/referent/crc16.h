@@ -5,18 +5,25 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "referent/crc16_plie.h"
 #include "types/type_donnee.h"
 
 namespace noxlux {
 
-// A 16-bit CRC (polynomial 0x8408, bits taken from the low end), fed at the high end of the register and
-// never flushed; the two bytes of the result are exchanged. Several bytes are taken at a time.
+// A 16-bit CRC (bits taken from the low end), fed at the high end of the register and never flushed; the two
+// bytes of the result are exchanged. Several bytes are taken at a time, by products without carry where the
+// processor has them, by tables elsewhere.
 class Crc16 {
  public:
+  // With the fastest way of this processor, or the one given: Pliage{} is by tables alone.
+  Crc16() : Crc16(pliagesPossibles().front()) {}
+  explicit Crc16(const Pliage& pliage) : pliage_(pliage) {}
+
   void ajouter(const byte* octets, std::size_t n);
   std::uint16_t resultat() const;
 
  private:
+  Pliage pliage_;
   std::uint16_t registre_ = 0;
 };
 

@@ -55,17 +55,20 @@ class Repertoire {
 };
 
 // The checksum, bit by bit as the file format defines it.
-inline std::uint16_t crcBitABit(const Octets& octets, std::size_t debut) {
-  std::uint32_t registre = 0;
-  for (std::size_t i = debut; i < octets.size(); ++i) {
-    registre |= static_cast<std::uint32_t>(octets[i]) << 16;
-    for (int bit = 0; bit < 8; ++bit) {
-      const bool sorti = (registre & 1U) != 0;
-      registre >>= 1;
-      registre ^= sorti ? 0x8408U : 0U;
-    }
+inline unsigned avancerBitABit(unsigned registre, unsigned octet) {
+  registre |= octet << 16;
+  for (int bit = 0; bit < 8; ++bit) {
+    registre = (registre >> 1) ^ ((registre & 1U) != 0 ? 0x8408U : 0U);
   }
-  return static_cast<std::uint16_t>((registre & 0xFFU) << 8 | (registre >> 8 & 0xFFU));
+  return registre;
+}
+
+inline std::uint16_t crcBitABit(const Octets& octets, std::size_t debut) {
+  unsigned registre = 0;
+  for (std::size_t i = debut; i < octets.size(); ++i) {
+    registre = avancerBitABit(registre, octets[i]);
+  }
+  return static_cast<std::uint16_t>((registre & 0xFFU) << 8 | registre >> 8);
 }
 
 // What `ecrire(ecrivain)` writes into a new file.
