@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Writes the names that C++ and Python hosts use, from where each is said once: fields, groups and functions in the
-socle, return codes in the public header, their meanings in the command.
+socle, return codes in the public header, their meanings and the equivalents of characters in the command.
 
     packaging/generer_noms.py              writes them
     packaging/generer_noms.py --verifier   fails when they are not what would be written
 """
 
+import codecs
 import re
 import sys
 import tomllib
@@ -32,8 +33,12 @@ class Noms:
                             + re.findall(r'code == (NOX_CR_\w+)\) \{\s*return "([^"]*)"', phrases))
         self.positions = [(int(base, 16), int(fin, 16), debut, suite) for base, fin, debut, suite in
                           re.findall(r'Famille\{(0x\w+), (0x\w+), "([^"]*)", "([^"]*)"\}', phrases)]
-        if not self.phrases or not self.positions:
-            raise SystemExit("outils/noxlux/erreurs.cpp: no meaning found")
+        table = (SOURCES / "outils/compilateur/transcodage.cpp").read_text(encoding="utf-8")
+        self.equivalences = {int(c, 16): codecs.escape_decode(e)[0].decode("latin-1") for c, e in
+                             re.findall(r'\{0x([0-9A-F]{4}), +"((?:[^"\\]|\\.)*)"\}', table)}
+        for quoi in ("codes", "phrases", "positions", "equivalences"):
+            if not getattr(self, quoi):
+                raise SystemExit(f"{quoi}: not found where they are said")
 
     def signification(self, nom):
         return self.phrases.get(nom, "")
@@ -113,7 +118,10 @@ class Noms:
         yield "}"
         yield "POSITIONS: tuple[tuple[int, int, str, str], ...] = ("
         yield from (f"    (0x{b:04X}, 0x{f:04X}, {d!r}, {s!r})," for b, f, d, s in self.positions)
-        yield ")"
+        yield ")\n# Characters outside ISO-8859-1 that have a plain equivalent in it."
+        yield "EQUIVALENCES: dict[int, str] = {"
+        yield from (f"    0x{c:04X}: {e!r}," for c, e in self.equivalences.items())
+        yield "}"
 
     def fils_simples(self, fonction):
         """Input groups in zone order with their minimum, those of a line's super-group in its place."""
