@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all install package demo test test-release test-release32 test-assaini corruption bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini test-python corruption bench format propre paquets release release32
 
 all: release release32
 
@@ -43,6 +43,14 @@ test-assaini: paquets
 	@$(call CONFIGURER,debug)
 	@cmake --build build/debug -j $(TACHES)
 	@cd build/debug && ctest --output-on-failure -j $(TACHES)
+
+# The Python package with pandas, on a scheduler that loses a worker, and its hints.
+PYTHON = /usr/bin/python3
+test-python: release
+	@build/release/noxlux compiler reference/exemple --socle reference/socle -o build/exemple >/dev/null
+	@packaging/installer-paquets python3-distributed python3-pandas mypy
+	@cd python && $(PYTHON) -m mypy --config-file pyproject.toml --cache-dir ../build/mypy noxlux
+	@$(PYTHON) tests/python/verifier-distribue.py build/release/noxlux build/release/libnoxlux.so build/exemple .
 
 # Every byte of the reference files damaged in turn, under the sanitizers: hours.
 corruption: paquets

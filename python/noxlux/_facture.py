@@ -51,10 +51,13 @@ def _octets(champ: Champ, valeur: Any, chemin: str) -> bytes:
             return b""
         octets = b""
     else:
-        faute = _faute_de_type(champ.type, valeur)
-        if faute:
-            refuser(_place(chemin, champ.nom), faute)
-        octets = encoder_champ(champ, valeur, _place(chemin, champ.nom))
+        raison = _faute_de_type(champ.type, valeur)
+        if raison:
+            refuser(_place(chemin, champ.nom), raison)
+        try:
+            octets = encoder_champ(champ, valeur, "")
+        except ErreurDemande as faute:
+            raise ErreurDemande(f"{_place(chemin, champ.nom)}{faute}") from None
     if len(octets) < champ.min:
         refuser(_place(chemin, champ.nom), f"{_caracteres(champ.min)} au moins" if octets else f"manque ({champ.libelle})")
     if champ.max and len(octets) > champ.max:

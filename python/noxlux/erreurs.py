@@ -44,9 +44,12 @@ class ErreurBibliotheque(Erreur):
     """
 
     def __init__(self, code: int, fonction: str = "noxlux"):
-        self.code = code
+        self.code, self._fonction = code, fonction
         self.texte = signification(code)
         super().__init__(f"{fonction} a répondu {hexadecimal(code)} : {self.texte}")
+
+    def __reduce__(self) -> tuple[type, tuple[int, str]]:
+        return type(self), (self.code, self._fonction)
 
     @property
     def nom(self) -> str:

@@ -307,8 +307,10 @@ class Reference:
         [{'code': None, 'erreur': '$.professionnel : un objet est attendu'}]
         """
         for facture in factures:
-            if isinstance(facture, (str, bytes)) and not facture.strip():
-                continue
+            if isinstance(facture, (str, bytes)):
+                facture = facture.removesuffix("\n") if isinstance(facture, str) else facture.removesuffix(b"\n")
+                if not facture.strip():
+                    continue
             try:
                 yield self.controler(facture, detail).json()
             except ErreurBibliotheque as erreur:

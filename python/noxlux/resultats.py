@@ -1,7 +1,7 @@
 """What the full check of an invoice answers. Members bear the names of the command's JSON, which `json()` gives."""
 from __future__ import annotations
 
-from dataclasses import asdict, dataclass, field
+from dataclasses import dataclass, field
 from typing import TYPE_CHECKING, Any, Iterable
 
 from .erreurs import hexadecimal
@@ -66,10 +66,10 @@ class Resultat:
     def json(self) -> dict[str, Any]:
         """The same object as `noxlux controler --json` writes, in the same order."""
         objet: dict[str, Any] = {"code": hexadecimal(self.code), "verdict": self.verdict}
-        objet["erreurs"] = [asdict(e) for e in self.erreurs]
-        objet["forcages"] = [asdict(f) for f in self.forcages]
+        objet["erreurs"] = [dict(vars(e)) for e in self.erreurs]
+        objet["forcages"] = [dict(vars(f)) for f in self.forcages]
         if self.lignes is not None:
-            objet["lignes"] = [asdict(ligne) for ligne in self.lignes]
+            objet["lignes"] = [dict(vars(ligne)) for ligne in self.lignes]
         return objet
 
     def to_dataframe(self) -> "pandas.DataFrame":
