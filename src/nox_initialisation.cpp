@@ -34,6 +34,7 @@ class Chargement {
 CodeRetour Chargement::chargerReference(const FichierIni& fichierIni) {
   const char* repertoire = fichierIni.lireValeur("NOX", "repertoiretable");
   if (repertoire == nullptr) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : la cle repertoiretable manque a la section NOX");
     return NOX_CR_CONFIGURATION;
   }
   const char* repertoireModification = fichierIni.lireValeur("NOX", "repertoireModification");
@@ -105,6 +106,7 @@ unsigned short NOX_InitLIB(void) {
     initialiserTrace(fichierIni);
     // Whatever else is wrong with the file, its valid lines count.
     if (crIni == NOX_CR_INI_OUVERTURE) {
+      Trace::erreur(TRACE_CHARGEMENT, "ERREUR : le fichier orvan.ini ne s'ouvre pas");
       return CodeRetour{NOX_CR_CONFIGURATION};
     }
     return Chargement().executer(fichierIni);

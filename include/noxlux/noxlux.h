@@ -129,6 +129,9 @@ extern NOX_API const char* REPERTOIRE_SYSTEME;
  * Loads the library: reads orvan.ini (section NOX: repertoiretable, repertoireModification, FichierTrace,
  * ModeTrace, ModulesTrace; section COMMUN: repertoiretravail), then tablebin.nox and modifref.nox.
  * Directories in orvan.ini end with '/'.
+ * Acts and some tables are read from tablebin.nox when they are first asked: while another file stands at its
+ * place, such requests answer 0xD640. Install a new reference by renaming it into place, then NOX_TermLIB and
+ * NOX_InitLIB in each host.
  * Codes: 0; 0xD600 already loaded (nothing changes); 0xD680; 0xD61x to 0xD65x; 0xDFFC; 0xDFFE; and 0xF6F1,
  * 0xF6F2, which leave the library loaded and usable.
  */
@@ -210,6 +213,9 @@ NOX_API unsigned short NOX_RechercherParFiltre(const char* filtre, void** zoneOu
 /*
  * Saves the changes made in memory to modifref.nox.
  *   commentaire  at most 200 characters, replaces the comment of the reference; NULL or "" keeps it
+ * Waits up to 2 seconds for another process that saves there, then answers 0xD700. The version that another
+ * process saved since the load is replaced all the same; the trace tells it, and modif~.nox keeps it
+ * (docs/integration.md tells how to lose nothing).
  * Codes: 0 (also when there is nothing to save); 0xF802; 0xD700; 0xDFFC; 0xDF00; 0xDF01.
  */
 NOX_API unsigned short NOX_SauvegarderReferentiel(const char* commentaire);

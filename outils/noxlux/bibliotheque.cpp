@@ -58,7 +58,7 @@ void OptionsReference::declarer(CLI::App& commande) {
 
 std::string OptionsReference::repertoireModification() const {
   if (!reference.empty()) {
-    return modification.empty() ? reference : modification;
+    return avecBarre(modification.empty() ? reference : modification);
   }
   const std::string nom = avecBarre(config.empty() ? REPERTOIRE_SYSTEME : config) + "orvan.ini";
   FichierIni ini;

@@ -21,7 +21,7 @@ struct OptionsReference {
   std::string modification;  // directory of modifref.nox; empty: as the reference
   std::string config;        // directory of orvan.ini
   void declarer(CLI::App& commande);
-  // Where modifref.nox is. Throws ErreurUsage when no orvan.ini tells.
+  // Where modifref.nox is: what its name follows at once. Throws ErreurUsage when no orvan.ini tells.
   std::string repertoireModification() const;
 };
 

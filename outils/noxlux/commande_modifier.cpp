@@ -7,6 +7,7 @@
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
 #include "noxlux/requete.h"
+#include "referent/verrou_modifications.h"
 
 namespace noxlux::commande {
 
@@ -104,10 +105,26 @@ void exigerSucces(const char* fonction, unsigned short code) {
   }
 }
 
+// The lock of the modification directory, for the length of a change: what is loaded is what is saved over.
+class Exclusivite {
+ public:
+  explicit Exclusivite(const std::string& repertoire) : verrou_(repertoire, ATTENTE) {
+    if (verrou_.etat() == VerrouModifications::Etat::Occupe) {
+      throw ErreurUsage("une autre sauvegarde tient " + repertoire + " : à reprendre plus tard");
+    }
+    verrou_.preter();
+  }
+
+ private:
+  static constexpr std::chrono::seconds ATTENTE{10};
+  VerrouModifications verrou_;
+};
+
 template <class F>
 void changer(const OptionsModifier& options, const std::string& identifiant, const std::string& date,
              const char* verbe, F changement) {
   const compilateur::TexteLatin1 commentaire = compilateur::versLatin1(options.commentaire);
+  const Exclusivite exclusivite(options.reference.repertoireModification());
   const Bibliotheque bibliotheque(options.reference);
   Json avant = valeursEnVigueur(identifiant, options.champs, date);
   changement();

@@ -1,10 +1,11 @@
 #include "basics/fichier_ini.h"
 
 #include <cstring>
-#include <fstream>
 #include <new>
+#include <sstream>
 
 #include "basics/assertion.h"
+#include "basics/fichiers.h"
 #include "basics/systeme.h"
 #include "basics/trace.h"
 
@@ -79,14 +80,15 @@ CodeRetour FichierIni::parserFichier(const char* nomFichier) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_SYSTEME, cr, "FichierIni::parserFichier : nomFichier = %s", nomFichier);
   sections_.clear();
-  std::ifstream fichier(nomFichier);
-  if (!fichier.is_open()) {
+  std::string contenu;
+  if (!lireFichier(nomFichier, contenu)) {
     Trace::erreur(TRACE_SYSTEME, "ERREUR: ouverture du fichier %s", nomFichier);
     cr = NOX_CR_INI_OUVERTURE;
     return cr;
   }
+  std::istringstream lignes(std::move(contenu));
   std::string ligne;
-  while (std::getline(fichier, ligne)) {
+  while (std::getline(lignes, ligne)) {
     const CodeRetour crLigne = parserLigne(sansBlancsAGauche(ligne));
     if (cr == NOX_CR_OK) {
       cr = crLigne;

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "basics/fichier_ini.h"
+#include "basics/fichiers.h"
 #include "basics/trace.h"
 
 const char* REPERTOIRE_SYSTEME = "/usr/local/orvan/etc";
@@ -88,7 +89,7 @@ CodeRetour SuiviDeParc::sauvegarderVersion(const char* repertoire, unsigned shor
   const BlocTrace bloc(TRACE_SYSTEME, cr, "SuiviDeParc::sauvegarderVersion : version = %s", version);
   const std::string nom = std::string(repertoire) + '/' + std::to_string(numero) + ".adm";
   Trace::ecrire(TRACE_SYSTEME, "Le numero de version du composant est copie dans le fichier %s", nom.c_str());
-  std::FILE* fichier = std::fopen(nom.c_str(), "w");
+  std::FILE* fichier = creerFichier(nom);
   if (fichier == nullptr) {
     cr = NOX_CR_SUIVI_ECRITURE;
     return cr;

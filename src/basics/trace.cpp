@@ -33,7 +33,7 @@ CodeRetour Trace::ouvrir(const char* nomFichier, const char* mode) {
   if (!ecrasement && demande != "a" && demande != "ab") {
     return NOX_CR_PARAMETRE_ENTREE;
   }
-  fichier = std::fopen(nomFichier, ecrasement ? "w" : "a");
+  fichier = std::fopen(nomFichier, ecrasement ? "we" : "ae");
   if (fichier == nullptr) {
     return NOX_CR_FICHIER_TRACE;
   }

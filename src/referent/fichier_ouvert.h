@@ -9,7 +9,10 @@ namespace noxlux {
 
 class FichierOuvert {
  public:
-  FichierOuvert(const std::string& nom, const char* mode) : fichier_(std::fopen(nom.c_str(), mode)) {}
+  // Open for reading.
+  explicit FichierOuvert(const std::string& nom) : fichier_(std::fopen(nom.c_str(), "rbe")) {}
+  // Takes over an open file, or null.
+  explicit FichierOuvert(std::FILE* fichier) : fichier_(fichier) {}
   ~FichierOuvert() { fermer(); }
   FichierOuvert(const FichierOuvert&) = delete;
   FichierOuvert& operator=(const FichierOuvert&) = delete;

@@ -60,6 +60,7 @@ class Lecteur {
   std::int32_t positionChamp() const { return position_; }
   // Bytes between the current position and the end of the file: what a count may announce at most.
   std::uint64_t reste() const { return taille_ - offset_; }
+  std::uint64_t taille() const { return taille_; }
   // The data size told by the table header read last.
   std::uint32_t tailleTable() const { return tailleTable_; }
   std::uint32_t positionCourante() const { return static_cast<std::uint32_t>(offset_); }

@@ -1,5 +1,7 @@
 #include "referent/referentiel.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -96,6 +98,30 @@ CodeRetour echouer(FormatVerifie<> message, CodeRetour cr) {
   return cr;
 }
 
+// What the two files answer for the same faults of their checksum.
+struct CodesCRC {
+  CodeRetour lecture;
+  CodeRetour different;
+};
+constexpr CodesCRC CRC_REFERENCE{NOX_CR_LECTURE_REFERENCE, NOX_CR_CRC_REFERENCE};
+constexpr CodesCRC CRC_MODIFICATION{NOX_CR_LECTURE_MODIF, NOX_CR_CRC_MODIF};
+
+CodeRetour controlerCRC(Lecteur& lecteur, std::FILE* fichier, const std::string& nom, const CodesCRC& codes) {
+  std::uint16_t lu = 0;
+  std::uint16_t calcule = 0;
+  if (lecteur.lireCRC(lu) != NOX_CR_OK) {
+    return echouer("ERREUR : probleme de lecture du CRC", codes.lecture);
+  }
+  if (!Referentiel::calculerCRC16(fichier, calcule)) {
+    return echouer("ERREUR : le CRC du fichier ne peut etre calcule", codes.lecture);
+  }
+  if (lu != calcule) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : CRC du fichier %s different du CRC calcule", nom.c_str());
+    return codes.different;
+  }
+  return NOX_CR_OK;
+}
+
 }  // namespace
 
 CodeRetour Referentiel::chargerReferentiel(const char* pcRepertoire, const char* pcRepertoireModification,
@@ -134,26 +160,20 @@ CodeRetour Referentiel::chargerReferentiel(const char* pcRepertoire, const char*
 CodeRetour Referentiel::chargerFichierReference(const char* versionLogicielle, const char* versionMinimale) {
   const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
   Trace::ecrire(TRACE_CHARGEMENT, "Ouverture du fichier %s", nom.c_str());
-  FichierOuvert fichier(nom, "rb");
+  FichierOuvert fichier(nom);
   if (!fichier.estOuvert()) {
     return signalerOuverture(nom, NOX_CR_OUVERTURE_REFERENCE);
   }
   Lecteur lecteur(this, fichier.lire());
-  std::uint16_t crcLu = 0;
-  std::uint16_t crcCalcule = 0;
-  CodeRetour cr = lecteur.lireCRC(crcLu);
-  if (cr == NOX_CR_OK && !calculerCRC16(fichier.lire(), crcCalcule)) {
-    cr = NOX_CR_LECTURE_REFERENCE;
-  }
-  if (cr == NOX_CR_OK && crcLu != crcCalcule) {
-    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : CRC du fichier %s different du CRC calcule", nom.c_str());
-    cr = NOX_CR_CRC_REFERENCE;
-  }
+  CodeRetour cr = controlerCRC(lecteur, fichier.lire(), nom, CRC_REFERENCE);
   if (cr == NOX_CR_OK) {
     cr = lecteur.lireEnteteRef();
   }
   if (cr == NOX_CR_OK) {
     cr = controlerNumerosVersions(versionLogicielle, versionMinimale);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = retenirReference(lecteur);
   }
   if (cr == NOX_CR_OK) {
     cr = lireTablesReference(lecteur);
@@ -162,6 +182,27 @@ CodeRetour Referentiel::chargerFichierReference(const char* versionLogicielle, c
     cr = controlerTables();
   }
   return fermer(fichier, cr, NOX_CR_OUVERTURE_REFERENCE);
+}
+
+CodeRetour Referentiel::retenirReference(Lecteur& lecteur) {
+  const std::uint32_t fin = lecteur.positionCourante();
+  tailleReference_ = lecteur.taille();
+  debutReference_.resize(fin);
+  CodeRetour cr = lecteur.positionner(0);
+  if (cr == NOX_CR_OK) {
+    cr = lecteur.lireChaineFixe(debutReference_.data(), fin);
+  }
+  return cr == NOX_CR_OK ? cr : echouer("ERREUR : l'entete ne se relit pas", cr);
+}
+
+CodeRetour Referentiel::exigerReferenceChargee(Lecteur& lecteur, const std::string& nom) const {
+  std::string debut(debutReference_.size(), '\0');
+  if (lecteur.taille() == tailleReference_ &&
+      lecteur.lireChaineFixe(debut.data(), debut.size()) == NOX_CR_OK && debut == debutReference_) {
+    return NOX_CR_OK;
+  }
+  Trace::erreur(TRACE_CHARGEMENT, "ERREUR : le fichier %s n'est plus celui qui a ete charge", nom.c_str());
+  return NOX_CR_LECTURE_REFERENCE;
 }
 
 CodeRetour Referentiel::controlerNumerosVersions(const char* versionLogicielle,
@@ -254,34 +295,50 @@ CodeRetour Referentiel::lireUneTable(Lecteur& lecteur, const char* identifiant, 
 CodeRetour Referentiel::chargerModifications() {
   const std::string nom = nomCompletFichier(repertoireModification, NOM_FICHIER_MODIFICATION);
   Trace::ecrire(TRACE_CHARGEMENT, "Ouverture du fichier %s", nom.c_str());
-  FichierOuvert fichier(nom, "rb");
+  FichierOuvert fichier(nom);
+  if (!fichier.estOuvert() && errno != ENOENT) {
+    return signalerOuverture(nom, NOX_CR_OUVERTURE_MODIF);
+  }
+  signalerRestes(fichier.estOuvert());
   if (!fichier.estOuvert()) {
-    return errno == ENOENT ? creerTablesModifications() : signalerOuverture(nom, NOX_CR_OUVERTURE_MODIF);
+    return creerTablesModifications();
   }
-  Lecteur lecteur(this, fichier.lire());
-  std::uint16_t crcLu = 0;
-  std::uint16_t crcCalcule = 0;
-  CodeRetour cr = NOX_CR_OK;
+  return fermer(fichier, lireModifications(fichier.lire(), nom), NOX_CR_OUVERTURE_MODIF);
+}
+
+// What an interrupted save left beside modifref.nox is not taken up: it is told.
+void Referentiel::signalerRestes(bool modification) const {
+  const std::string sauvegarde = nomCompletFichier(repertoireModification, NOM_SAUVEGARDE_MODIFICATION);
+  const std::string temporaire = nomCompletFichier(repertoireModification, NOM_TEMPORAIRE_MODIFICATION);
+  if (!modification && access(sauvegarde.c_str(), F_OK) == 0) {
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : le fichier %s est seul, une sauvegarde a ete interrompue",
+                  sauvegarde.c_str());
+  }
+  if (access(temporaire.c_str(), F_OK) == 0) {
+    Trace::erreur(TRACE_CHARGEMENT,
+                  "ERREUR : le fichier %s est le reste d'une sauvegarde, interrompue ou en cours",
+                  temporaire.c_str());
+  }
+}
+
+CodeRetour Referentiel::lireModifications(std::FILE* fichier, const std::string& nom) {
+  versionConnue_ = lireEmpreinte(fichier);
+  Lecteur lecteur(this, fichier);
+  CodeRetour cr = controlerCRC(lecteur, fichier, nom, CRC_MODIFICATION);
   CodeFixe<4> version;
-  if (lecteur.lireCRC(crcLu) != NOX_CR_OK) {
-    cr = echouer("ERREUR : probleme de lecture du CRC", NOX_CR_LECTURE_MODIF);
-  } else if (!calculerCRC16(fichier.lire(), crcCalcule)) {
-    cr = NOX_CR_LECTURE_MODIF;
-  } else if (crcLu != crcCalcule) {
-    Trace::erreur(TRACE_CHARGEMENT, "ERREUR : CRC du fichier %s different du CRC calcule", nom.c_str());
-    cr = NOX_CR_CRC_MODIF;
-  } else if (lecteur.lireVersion(version) != NOX_CR_OK) {
-    cr = NOX_CR_LECTURE_MODIF;
-  } else if (version == entete.version) {
-    cr = lecteur.lireEnteteModif();
-    if (cr == NOX_CR_OK) {
-      cr = lireTablesModifications(lecteur);
-    }
-  } else {
-    // Changes made to another reference: set aside.
-    cr = creerTablesModifications();
+  if (cr != NOX_CR_OK) {
+    return cr;
   }
-  return fermer(fichier, cr, NOX_CR_OUVERTURE_MODIF);
+  if (lecteur.lireVersion(version) != NOX_CR_OK) {
+    return echouer("ERREUR : probleme lors de la lecture du numero de version du referentiel",
+                   NOX_CR_LECTURE_MODIF);
+  }
+  if (version != entete.version) {
+    // Changes made to another reference: set aside.
+    return creerTablesModifications();
+  }
+  cr = lecteur.lireEnteteModif();
+  return cr == NOX_CR_OK ? lireTablesModifications(lecteur) : cr;
 }
 
 CodeRetour Referentiel::lireTablesModifications(Lecteur& lecteur) {
@@ -348,14 +405,18 @@ CodeRetour Referentiel::chargerTable(unsigned short identifiant) {
   const std::uint32_t nombreLignes = cible.lireNombreLignes();
   const std::int32_t position = cible.lirePosition();
   const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
-  FichierOuvert fichier(nom, "rb");
+  FichierOuvert fichier(nom);
   if (!fichier.estOuvert()) {
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR : Probleme d'ouverture du fichier %s: %s", nom.c_str(),
                   std::strerror(errno));
     cr = NOX_CR_OUVERTURE_REFERENCE;
     return cr;
   }
-  cr = cible.chargerTable(this, fichier.lire());
+  Lecteur lecteur(this, fichier.lire());
+  cr = exigerReferenceChargee(lecteur, nom);
+  if (cr == NOX_CR_OK) {
+    cr = cible.chargerTable(this, fichier.lire());
+  }
   if (cr == NOX_CR_OK) {
     cr = controlerTables();
   }
@@ -373,7 +434,7 @@ CodeRetour Referentiel::chargerActe(std::uint32_t positionActe, NiveauActe& acte
   Trace::ecrire(TRACE_CHARGEMENT, "Parametres positionActe = 0x%08lX",
                 static_cast<unsigned long>(positionActe));
   const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
-  FichierOuvert fichier(nom, "rb");
+  FichierOuvert fichier(nom);
   if (!fichier.estOuvert()) {
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR : Probleme d'ouverture du fichier %s: %s", nom.c_str(),
                   std::strerror(errno));
@@ -381,7 +442,9 @@ CodeRetour Referentiel::chargerActe(std::uint32_t positionActe, NiveauActe& acte
     return cr;
   }
   Lecteur lecteur(this, fichier.lire());
-  if (lecteur.positionner(positionActe) != NOX_CR_OK) {
+  if (exigerReferenceChargee(lecteur, nom) != NOX_CR_OK) {
+    cr = NOX_CR_LECTURE_REFERENCE;
+  } else if (lecteur.positionner(positionActe) != NOX_CR_OK) {
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR : probleme lors du positionnement dans le fichier: %s",
                   std::strerror(errno));
     cr = NOX_CR_LECTURE_REFERENCE;

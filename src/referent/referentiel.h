@@ -6,15 +6,19 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "basics/codes_retour.h"
+#include "referent/empreinte.h"
 #include "tables/niveaux_acte.h"
 #include "tables/table.h"
 #include "types/date.h"
 
 namespace noxlux {
+
+class RotationModifications;
 
 constexpr unsigned NOMBRE_TABLES_REFERENCE = 49;
 constexpr unsigned NOMBRE_TABLES_MODIFICATION = 9;
@@ -22,6 +26,10 @@ constexpr unsigned PREMIERE_TABLE_MODIFICATION = 35;
 
 constexpr const char* NOM_FICHIER_REFERENCE = "tablebin.nox";
 constexpr const char* NOM_FICHIER_MODIFICATION = "modifref.nox";
+// Beside it: the version before, the new one while it is written, a copy of the former while the files turn.
+constexpr const char* NOM_SAUVEGARDE_MODIFICATION = "modif~.nox";
+constexpr const char* NOM_TEMPORAIRE_MODIFICATION = "modiftmp.nox";
+constexpr const char* NOM_SECURITE_MODIFICATION = "modif~.sav";
 
 // What the headers of the two files tell.
 struct EnteteReferentiel {
@@ -100,6 +108,10 @@ class Referentiel {
 
  private:
   CodeRetour chargerFichierReference(const char* versionLogicielle, const char* versionMinimale);
+  // Once the header has been read.
+  CodeRetour retenirReference(Lecteur& lecteur);
+  // Whether an open tablebin.nox is still the one that was loaded. REQUIRES: one was.
+  CodeRetour exigerReferenceChargee(Lecteur& lecteur, const std::string& nom) const;
   CodeRetour controlerNumerosVersions(const char* versionLogicielle, const char* versionMinimale) const;
   CodeRetour lireTablesReference(Lecteur& lecteur);
   CodeRetour lireUneTable(Lecteur& lecteur, const char* identifiant, std::uint32_t nombreLignes,
@@ -111,6 +123,16 @@ class Referentiel {
   CodeRetour appliquerModificationsActe(NiveauActe& acte, const char* code);
   void dumpActes(unsigned short module) const;
   CodeRetour controlerTables() const;
+  void signalerRestes(bool modification) const;
+  CodeRetour lireModifications(std::FILE* fichier, const std::string& nom);
+  CodeRetour ecrireModifications(RotationModifications& rotation);
+  void signalerVersionInconnue(const std::string& nom) const;
+
+  // What tells that tablebin.nox is the file that was loaded: its size, and the bytes of its header.
+  std::uint64_t tailleReference_ = 0;
+  std::string debutReference_;
+  // modifref.nox as this process read or wrote it last; none when there was none.
+  std::optional<Empreinte> versionConnue_;
 };
 
 }  // namespace noxlux

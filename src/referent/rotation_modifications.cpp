@@ -1,11 +1,13 @@
 #include "referent/rotation_modifications.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
+#include "basics/fichiers.h"
 #include "basics/trace.h"
 #include "referent/fichier_ouvert.h"
 #include "referent/referentiel.h"
@@ -22,15 +24,6 @@ CodeRetour signaler(FormatVerifie<char*> message) {
   return NOX_CR_ECRITURE_MODIF;
 }
 
-CodeRetour supprimer(const std::string& nom, const std::string& nomDit) {
-  if (std::remove(nom.c_str()) == 0) {
-    return NOX_CR_OK;
-  }
-  Trace::erreur(TRACE_SAUVEGARDE, "ERREUR : probleme lors de la suppression du fichier %s : %s",
-                nomDit.c_str(), std::strerror(errno));
-  return NOX_CR_ECRITURE_MODIF;
-}
-
 bool copierContenu(std::FILE* source, std::FILE* copie) {
   char bloc[4096];
   std::size_t lus = sizeof bloc;
@@ -43,13 +36,31 @@ bool copierContenu(std::FILE* source, std::FILE* copie) {
   return std::ferror(source) == 0;
 }
 
+// Makes a file anew with the mode and the owner of one that is there.
+std::FILE* creerComme(const std::string& nom, const struct stat& modele) {
+  constexpr mode_t DROITS = 0777;
+  std::FILE* const fichier = creerFichier(nom, modele.st_mode & DROITS);
+  if (fichier == nullptr) {
+    return nullptr;
+  }
+  const int descripteur = fileno(fichier);
+  const bool garde = fchown(descripteur, modele.st_uid, modele.st_gid) == 0;
+  if (!garde && fchown(descripteur, static_cast<uid_t>(-1), modele.st_gid) != 0) {
+    Trace::ecrire(TRACE_SAUVEGARDE, "Le proprietaire du fichier %s ne peut etre garde : %s", nom.c_str(),
+                  std::strerror(errno));
+  }
+  fchmod(descripteur, modele.st_mode & DROITS);
+  return fichier;
+}
+
 // The copy is on the disk before the file it was made from may go.
 CodeRetour copier(const std::string& nom, const std::string& nomCopie) {
-  FichierOuvert source(nom, "rb");
-  if (!source.estOuvert()) {
+  const FichierOuvert source(nom);
+  struct stat etat {};
+  if (!source.estOuvert() || fstat(fileno(source.lire()), &etat) != 0) {
     return signaler("ERREUR : probleme lors de l'ouverture du fichier: %s");
   }
-  FichierOuvert copie(nomCopie, "wb");
+  FichierOuvert copie(creerComme(nomCopie, etat));
   if (!copie.estOuvert()) {
     return signaler("ERREUR : probleme lors de l'ouverture du fichier: %s");
   }
@@ -64,21 +75,30 @@ CodeRetour copier(const std::string& nom, const std::string& nomCopie) {
 
 RotationModifications::RotationModifications(const std::string& repertoire)
     : repertoire_(repertoire),
-      modification_(Referentiel::nomCompletFichier(repertoire, NOM_FICHIER_MODIFICATION)),
-      sauvegarde_(Referentiel::nomCompletFichier(repertoire, "modif~.nox")),
-      temporaire_(Referentiel::nomCompletFichier(repertoire, "modiftmp.nox")),
-      securite_(Referentiel::nomCompletFichier(repertoire, "modif~.sav")) {}
+      modification_(suivreLiens(Referentiel::nomCompletFichier(repertoire, NOM_FICHIER_MODIFICATION))),
+      repertoireModification_(repertoireDe(modification_)),
+      sauvegarde_(Referentiel::nomCompletFichier(repertoire, NOM_SAUVEGARDE_MODIFICATION)),
+      temporaire_(Referentiel::nomCompletFichier(repertoireModification_, NOM_TEMPORAIRE_MODIFICATION)),
+      securite_(Referentiel::nomCompletFichier(repertoire, NOM_SECURITE_MODIFICATION)) {}
+
+std::FILE* RotationModifications::creerTemporaire() const {
+  struct stat etat {};
+  return stat(modification_.c_str(), &etat) == 0 ? creerComme(temporaire_, etat) : creerFichier(temporaire_);
+}
 
 // Where modifref.nox is missing (a save was cut short), modif~.nox is the last good version: it stays.
 CodeRetour RotationModifications::tourner() {
   CodeRetour cr = NOX_CR_OK;
-  if (existe(modification_)) {
+  const bool remplace = existe(modification_);
+  if (remplace) {
     cr = mettreSauvegardeEnSecurite();
     if (cr == NOX_CR_OK) {
-      cr = retirerVersionEnVigueur();
+      sauvegardeEcrite_ = true;
+      cr = copier(modification_, sauvegarde_);
+      synchroniserRepertoire(repertoire_);
     }
   }
-  return cr == NOX_CR_OK ? mettreEnPlace() : cr;
+  return cr == NOX_CR_OK ? mettreEnPlace(remplace) : cr;
 }
 
 CodeRetour RotationModifications::mettreSauvegardeEnSecurite() {
@@ -87,27 +107,21 @@ CodeRetour RotationModifications::mettreSauvegardeEnSecurite() {
   }
   securiteCreee_ = true;
   CodeRetour cr = copier(sauvegarde_, securite_);
-  if (cr == NOX_CR_OK) {
-    cr = supprimer(sauvegarde_, sauvegarde_);
-    sauvegardeDeplacee_ = cr == NOX_CR_OK;
+  if (cr == NOX_CR_OK && std::remove(sauvegarde_.c_str()) != 0) {
+    cr = signalerSuppression();
   }
+  sauvegardeDeplacee_ = cr == NOX_CR_OK;
   return cr;
 }
 
-CodeRetour RotationModifications::retirerVersionEnVigueur() {
-  sauvegardeEcrite_ = true;
-  CodeRetour cr = copier(modification_, sauvegarde_);
-  if (cr == NOX_CR_OK) {
-    synchroniserRepertoire(repertoire_);
-    cr = supprimer(modification_, sauvegarde_);
-    versionRetiree_ = cr == NOX_CR_OK;
-  }
-  return cr;
-}
-
-CodeRetour RotationModifications::mettreEnPlace() {
+// The version in force goes the moment the new one takes its name. Where that is refused, the trace says
+// that the old one could not be removed: under the name of its copy, as ever.
+CodeRetour RotationModifications::mettreEnPlace(bool remplace) {
   if (std::rename(temporaire_.c_str(), modification_.c_str()) != 0) {
     const int raison = errno;
+    if (remplace && raison != ENOENT) {
+      signalerSuppression();
+    }
     Trace::erreur(TRACE_SAUVEGARDE, "Renommage du fichier %s en %s", temporaire_.c_str(),
                   modification_.c_str());
     if (raison != ENOENT) {
@@ -115,8 +129,14 @@ CodeRetour RotationModifications::mettreEnPlace() {
       return NOX_CR_ECRITURE_MODIF;
     }
   }
-  synchroniserRepertoire(repertoire_);
+  synchroniserRepertoire(repertoireModification_);
   return NOX_CR_OK;
+}
+
+CodeRetour RotationModifications::signalerSuppression() const {
+  Trace::erreur(TRACE_SAUVEGARDE, "ERREUR : probleme lors de la suppression du fichier %s : %s",
+                sauvegarde_.c_str(), std::strerror(errno));
+  return NOX_CR_ECRITURE_MODIF;
 }
 
 void RotationModifications::terminer(CodeRetour cr) {
@@ -128,14 +148,16 @@ void RotationModifications::terminer(CodeRetour cr) {
   }
 }
 
-// The version in force goes back first: a backup is only touched once modifref.nox is there.
+// modifref.nox never left: only the backup goes back.
 void RotationModifications::annuler() {
-  const bool enVigueur = !versionRetiree_ || std::rename(sauvegarde_.c_str(), modification_.c_str()) == 0;
-  if (enVigueur && sauvegardeDeplacee_) {
+  if (sauvegardeDeplacee_) {
     std::rename(securite_.c_str(), sauvegarde_.c_str());
-  } else if (enVigueur && sauvegardeEcrite_ && !versionRetiree_) {
+    return;
+  }
+  if (sauvegardeEcrite_) {
     std::remove(sauvegarde_.c_str());
-  } else if (securiteCreee_) {
+  }
+  if (securiteCreee_) {
     std::remove(securite_.c_str());
   }
 }

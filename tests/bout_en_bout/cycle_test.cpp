@@ -21,7 +21,10 @@ TEST_F(Cycle, LoadedTwiceThenUnloadedThenLoadedAgain) {
 }
 
 TEST_F(Cycle, VersionFilesTellSoftwareAndReference) {
+  ecrireFichier(dossier_.fichier("victime"), "intacte");
+  std::filesystem::create_symlink("victime", dossier_.fichier("20.adm"));
   ASSERT_EQ(NOX_InitLIB(), NOX_CR_OK);
+  EXPECT_EQ(lireFichier(dossier_.fichier("victime")), "intacte") << "a link that waits is not followed";
   EXPECT_EQ(lireFichier(dossier_.fichier("20.adm")), "0113");
   EXPECT_EQ(lireFichier(dossier_.fichier("21.adm")), "E0121");
 }
@@ -64,7 +67,9 @@ TEST_F(Cycle, FailedStartsLeaveTheLibraryUnloaded) {
     if (!reference.empty()) {
       ecrireFichier(autre + "tablebin.nox", reference);
     }
+    const TraceEssai trace({0});
     EXPECT_EQ(NOX_InitLIB(), code);
+    EXPECT_TRUE(trace.contient("\nERREUR : ")) << "a failure is told before it is returned";
     EXPECT_EQ(lireVersion().code, unsigned{NOX_CR_NON_CHARGE});
   }
   std::filesystem::remove(dossier_.fichier("orvan.ini"));

@@ -88,6 +88,25 @@ TEST(Commande, DitCeQuiEstModifie) {
   }
 }
 
+// Each holds the lock from its load to its save: none is lost, even by a save in between.
+TEST(Commande, ModifieAvecDAutres) {
+  const Repertoire dossier;
+  const std::string produit = (dossier.chemin() / "produit").string();
+  ASSERT_EQ(lancer(dossier, phrase("compiler ", (depot() / "reference/exemple").string(), " --socle ",
+                                   (depot() / "reference/socle").string(), " -o ", produit))
+                .statut,
+            0);
+  const std::string commande = (fs::read_symlink("/proc/self/exe").parent_path() / "noxlux").string();
+  const std::string ligne = phrase("for prix in 1 2 3 4 5 6 7 8; do '", commande,
+                                   "' modifier CCAM_37 acte=HHFA001 activite=1 phase=0",
+                                   " montant=20$prix -e 2026-01-01 -r ", produit, " >/dev/null & done; wait");
+  EXPECT_EQ(std::system(ligne.c_str()), 0);
+  const std::string liste = lancer(dossier, "modifications -r " + produit).sortie;
+  for (char prix = '1'; prix <= '8'; ++prix) {
+    EXPECT_NE(liste.find(phrase("20", std::string(1, prix), ",00")), std::string::npos) << liste;
+  }
+}
+
 TEST(Commande, RefuseAvecLeStatut2) {
   const Repertoire dossier;
   const std::string faux = dossier.ecrire("faux.toml", "[[menu]]\ncode = \"un\"\n").string();

@@ -240,6 +240,65 @@ TEST_F(Chargement, modifications) {
   EXPECT_EQ(referentiel_->lignes<Seuil>()[0].metropole, 120.0);
 }
 
+// The file that answers for an act is the one whose index was loaded, or none answers.
+TEST_F(Chargement, referenceRemplacee) {
+  ASSERT_EQ(ecrireEtCharger(), 0);
+  const Octets chargee = repertoire_.lire("tablebin.nox");
+  const std::uint32_t position = referentiel_->lignes<Index>()[0].position;
+  Reference autre;
+  autre.actes[0].libelleCourt = texte("libelle ruoct");
+  autre.ecrire(repertoire_);
+  const Octets memeTaille = repertoire_.lire("tablebin.nox");
+  Octets plusLongue = chargee;
+  plusLongue.push_back('x');
+  for (const Octets& octets : {memeTaille, plusLongue, Octets(chargee.begin(), chargee.begin() + 30)}) {
+    repertoire_.ecrire("tablebin.nox", octets);
+    Ecoute ecoute;
+    NiveauActe acte;
+    EXPECT_EQ(referentiel_->chargerActe(position, acte, "HBLD038"), 0xD640);
+    EXPECT_EQ(referentiel_->assurerTable(31), 0xD640);
+    EXPECT_TRUE(ecoute.contient("tablebin.nox n'est plus celui qui a ete charge"));
+  }
+  repertoire_.ecrire("tablebin.nox", chargee);
+  NiveauActe acte;
+  EXPECT_EQ(referentiel_->chargerActe(position, acte, "HBLD038"), 0);
+  EXPECT_EQ(referentiel_->assurerTable(31), 0);
+}
+
+TEST_F(Chargement, chaqueEchecLaisseUneLigne) {
+  ecrireModifications();
+  const Octets reference = repertoire_.lire("tablebin.nox");
+  const Octets modification = repertoire_.lire("modifref.nox");
+  const auto debut = [](const Octets& octets, std::size_t taille) {
+    Octets coupes(octets.begin(), octets.begin() + static_cast<std::ptrdiff_t>(taille));
+    refaireCRC(coupes);
+    return coupes;
+  };
+  const struct {
+    const char* fichier;
+    Octets octets;
+    CodeRetour cr;
+    const char* ligne;
+  } CAS[] = {
+      {"tablebin.nox", {}, 0xD640, "ERREUR : probleme de lecture du CRC"},
+      {"tablebin.nox", {'X', 'Y', 'Z', 'T', ' '}, 0xD640, "ERREUR : probleme de lecture du CRC"},
+      {"tablebin.nox", debut(reference, 40), 0xD640, "ERREUR: probleme lors de la lecture de la version"},
+      {"modifref.nox", {'X'}, 0xD641, "ERREUR : probleme de lecture du CRC"},
+      {"modifref.nox", debut(modification, 20), 0xD641, "ERREUR : probleme lors de la lecture du numero de"},
+      {"modifref.nox", debut(modification, 40), 0xD641, "ERREUR : probleme lors de la lecture de la version"},
+      {"modif~.nox", modification, 0, "modif~.nox est seul, une sauvegarde a ete interrompue"},
+      {"modiftmp.nox", {}, 0, "modiftmp.nox est le reste d'une sauvegarde, interrompue ou en cours"},
+  };
+  for (const auto& cas : CAS) {
+    std::filesystem::remove(repertoire_.chemin("modifref.nox"));
+    repertoire_.ecrire("tablebin.nox", reference);
+    repertoire_.ecrire(cas.fichier, cas.octets);
+    Ecoute ecoute;
+    EXPECT_EQ(charger(), cas.cr) << cas.ligne;
+    EXPECT_TRUE(ecoute.contient(cas.ligne)) << cas.ligne << ecoute.texte();
+  }
+}
+
 TEST_F(Chargement, dump) {
   ASSERT_EQ(ecrireEtCharger(), 0);
   Ecoute ecoute;

@@ -1,11 +1,18 @@
 // Saving the modifications: the files seen at the end, and what is left when an operation on a file fails or
-// the process dies at it. The operations of the C library are replaced here, to fail or die on demand.
+// the process dies at it, when others save at the same time, over links and files of any mode. The operations
+// of the C library are replaced here, to fail or die on demand.
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdarg>
 #include <map>
+#include <string_view>
 
 #include "referent/fabrique_reference.h"
 
@@ -49,9 +56,15 @@ F* veritable(F* /*fonction*/, const char* nom) {
 
 #ifdef __USE_FILE_OFFSET64
 constexpr const char* FOPEN = "fopen64";
+constexpr const char* OPEN = "open64";
 #else
 constexpr const char* FOPEN = "fopen";
+constexpr const char* OPEN = "open";
 #endif
+
+int heritables = 0;  // files that a program started meanwhile would have inherited
+
+void compterHeritable(bool ferme) { heritables += plan.panne != Panne::Aucune && !ferme ? 1 : 0; }
 
 }  // namespace
 
@@ -59,7 +72,29 @@ extern "C" {
 
 FILE* fopen(const char* nom, const char* mode) {
   static const auto reelle = veritable(&fopen, FOPEN);
+  compterHeritable(std::string_view(mode).find('e') != std::string_view::npos);
   return echoueOuMeurt("fopen") ? nullptr : reelle(nom, mode);
+}
+int open(const char* nom, int drapeaux, ...) {
+  static const auto reelle = reinterpret_cast<int (*)(const char*, int, ...)>(dlsym(RTLD_NEXT, OPEN));
+  std::va_list arguments;
+  va_start(arguments, drapeaux);
+  const mode_t droits = (drapeaux & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+  va_end(arguments);
+  compterHeritable((drapeaux & O_CLOEXEC) != 0);
+  return echoueOuMeurt("open") ? -1 : reelle(nom, drapeaux, droits);
+}
+FILE* fdopen(int descripteur, const char* mode) noexcept {
+  static const auto reelle = veritable(&fdopen, "fdopen");
+  return echoueOuMeurt("fdopen") ? nullptr : reelle(descripteur, mode);
+}
+int unlink(const char* nom) noexcept {
+  static const auto reelle = veritable(&unlink, "unlink");
+  return echoueOuMeurt("unlink") ? -1 : reelle(nom);
+}
+int flock(int descripteur, int operation) noexcept {
+  static const auto reelle = veritable(&flock, "flock");
+  return echoueOuMeurt("flock") ? -1 : reelle(descripteur, operation);
 }
 // A process that dies while it writes leaves half of it.
 size_t fwrite(const void* octets, size_t taille, size_t nombre, FILE* fichier) {
@@ -272,6 +307,7 @@ TEST_F(Sauvegarde, unePanneRendLeRepertoireTelQuIlEtait) {
     }
   }
   EXPECT_GT(essais, 200);
+  EXPECT_EQ(heritables, 0);
 }
 
 TEST_F(Sauvegarde, unePanneDurableLaisseUneVersionSaine) {
@@ -302,6 +338,7 @@ TEST_F(Sauvegarde, uneMortLaisseUneVersionSaine) {
       sortie = WEXITSTATUS(etat);
       ASSERT_NE(sortie, 1);
       ASSERT_TRUE(depart.empty() || versionSaine()) << "operation " << rang;
+      ASSERT_TRUE(depart.contains("modifref.nox") <= repertoire_.contient("modifref.nox")) << rang;
       ASSERT_TRUE(!repertoire_.contient("modifref.nox") ||
                   repertoire_.lire("modifref.nox") == versions_[depart.empty() ? 2 : 1] ||
                   repertoire_.lire("modifref.nox") == versions_[2]);
@@ -318,11 +355,12 @@ TEST_F(Sauvegarde, messages) {
     CodeRetour cr;
     const char* message;
   } CAS[] = {
-      {"fopen", 0, EACCES, 0xD700, "ERREUR : probleme lors de l'ouverture du fichier: Permission denied"},
+      {"open", 1, EACCES, 0xD700, "ERREUR : probleme lors de l'ouverture du fichier: Permission denied"},
       {"fopen", 1, EACCES, 0xD700, "ERREUR : probleme lors de l'ouverture du fichier: Permission denied"},
-      {"fclose", 0, EIO, 0xD700, "ERREUR : probleme lors de la fermeture du fichier: "},
+      {"fclose", 1, EIO, 0xD700, "ERREUR : probleme lors de la fermeture du fichier: "},
       {"remove", 0, EPERM, 0xD700, "modif~.nox : Operation not permitted"},
-      {"remove", 1, EPERM, 0xD700, "modif~.nox : Operation not permitted"},
+      {"rename", 0, EPERM, 0xD700, "modif~.nox : Operation not permitted"},
+      {"flock", 0, ENOLCK, 0, "ne peut etre verrouille"},
       {"rename", 0, EIO, 0xD700, "ERREUR : probleme lors du renommage: "},
       {"rename", 0, ENOENT, 0, "Renommage du fichier "},
   };
@@ -339,6 +377,121 @@ TEST_F(Sauvegarde, messages) {
     EXPECT_NE(trace.find(cas.message), std::string::npos) << cas.operation << trace;
   }
   EXPECT_EQ(repertoire_.lire("modif~.nox"), versions_[1]) << "the version before is kept";
+}
+
+// Two processes that save without pause leave, at every moment, a whole version of one of them.
+TEST_F(Sauvegarde, deuxProcessusEnMemeTemps) {
+  constexpr int SAUVEGARDES = 60;
+  pid_t fils[2];
+  for (int rang = 0; rang < 2; ++rang) {
+    fils[rang] = fork();
+    ASSERT_GE(fils[rang], 0);
+    if (fils[rang] == 0) {
+      int echecs = 0;
+      for (int i = 0; i < SAUVEGARDES; ++i) {
+        referentiel_.entete.numeroRevision = static_cast<std::uint16_t>(100 * (rang + 1) + i);
+        echecs += referentiel_.sauvegarderModifications() == 0 ? 0 : 1;
+      }
+      _exit(echecs == 0 ? 0 : 1);
+    }
+  }
+  int enCours = 2;
+  int lectures = 0;
+  for (; enCours > 0; ++lectures) {
+    const Octets octets = repertoire_.lire("modifref.nox");
+    ASSERT_GT(octets.size(), 60U) << "a moment without modifref.nox";
+    Octets refait = octets;
+    refaireCRC(refait);
+    ASSERT_EQ(octets, refait);
+    int etat = 0;
+    if (waitpid(-1, &etat, WNOHANG) > 0) {
+      --enCours;
+      EXPECT_EQ(etat, 0);
+    }
+  }
+  EXPECT_GT(lectures, 10);
+  const Fichiers fin = photographier();
+  EXPECT_EQ(fin.size(), 2U);
+  EXPECT_NE(fin.at("modifref.nox"), fin.at("modif~.nox"));
+}
+
+TEST_F(Sauvegarde, attendLeVerrouDuRepertoire) {
+  const int descripteur = ::open(repertoire_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  ASSERT_EQ(flock(descripteur, LOCK_EX), 0);
+  const Fichiers avant = photographier();
+  Ecoute ecoute;
+  const auto debut = std::chrono::steady_clock::now();
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0xD700);
+  EXPECT_NEAR(std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count(), 2.5, 0.7);
+  EXPECT_TRUE(ecoute.contient("ERREUR : une autre sauvegarde tient le repertoire "));
+  EXPECT_EQ(photographier(), avant);
+  // The process that holds the lock lends it to its own saves, and goes on holding it.
+  setenv("NOXLUX_VERROU", std::to_string(descripteur).c_str(), 1);
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+  unsetenv("NOXLUX_VERROU");
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0xD700);
+  close(descripteur);
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+}
+
+TEST_F(Sauvegarde, ditQuIlRemplaceLaVersionDUnAutre) {
+  constexpr const char* LIGNE = "a ete change par un autre programme ; modif~.nox garde sa version";
+  Referentiel autre;
+  ASSERT_EQ(charger(autre, repertoire_), 0);
+  autre.entete.numeroRevision = 50;
+  ASSERT_EQ(autre.sauvegarderModifications(), 0);
+  const Octets version = repertoire_.lire("modifref.nox");
+  {
+    Ecoute ecoute;
+    EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+    EXPECT_TRUE(ecoute.contient(LIGNE));
+  }
+  EXPECT_EQ(repertoire_.lire("modif~.nox"), version);
+  Ecoute ecoute;
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+  Referentiel relu;
+  EXPECT_EQ(charger(relu, repertoire_), 0);
+  EXPECT_EQ(relu.sauvegarderModifications(), 0);
+  EXPECT_FALSE(ecoute.contient(LIGNE)) << "what was loaded, or saved last, is its own";
+}
+
+TEST_F(Sauvegarde, droitsEtLiens) {
+  namespace fs = std::filesystem;
+  const auto droits = [&](const char* nom) {
+    return static_cast<unsigned>(fs::status(repertoire_.chemin(nom)).permissions());
+  };
+  const mode_t masque = umask(027);
+  retablir({});
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+  EXPECT_EQ(droits("modifref.nox"), 0640U);
+  fs::permissions(repertoire_.chemin("modifref.nox"), fs::perms{0606});
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+  EXPECT_EQ(droits("modifref.nox"), 0606U);
+  EXPECT_EQ(droits("modif~.nox"), 0606U);
+  umask(masque);
+  if (geteuid() == 0) {
+    ASSERT_EQ(chown(repertoire_.chemin("modifref.nox").c_str(), 12, 34), 0);
+    EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+    struct stat etat {};
+    ASSERT_EQ(stat(repertoire_.chemin("modifref.nox").c_str(), &etat), 0);
+    EXPECT_EQ(etat.st_uid, 12U);
+    EXPECT_EQ(etat.st_gid, 34U);
+  }
+
+  const Repertoire ailleurs;
+  retablir({{"modif~.nox", versions_[0]}});
+  ailleurs.ecrire("cible", versions_[1]);
+  ailleurs.ecrire("victime", {'v'});
+  fs::create_symlink(ailleurs.chemin("cible"), repertoire_.chemin("modifref.nox"));
+  for (const std::string& nom : {ailleurs.chemin("modiftmp.nox"), repertoire_.chemin("modiftmp.nox"),
+                                 repertoire_.chemin("modif~.sav")}) {
+    fs::create_symlink(ailleurs.chemin("victime"), nom);
+  }
+  EXPECT_EQ(referentiel_.sauvegarderModifications(), 0);
+  EXPECT_TRUE(fs::is_symlink(repertoire_.chemin("modifref.nox")));
+  EXPECT_EQ(ailleurs.lire("cible"), versions_[2]);
+  EXPECT_EQ(ailleurs.lire("victime"), Octets{'v'});
+  EXPECT_EQ(repertoire_.lire("modif~.nox"), versions_[1]);
 }
 
 }  // namespace
