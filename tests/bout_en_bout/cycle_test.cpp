@@ -69,7 +69,7 @@ TEST_F(Cycle, FailedStartsLeaveTheLibraryUnloaded) {
     }
     const TraceEssai trace({0});
     EXPECT_EQ(NOX_InitLIB(), code);
-    EXPECT_TRUE(trace.contient("\nERREUR : ")) << "a failure is told before it is returned";
+    EXPECT_TRUE(trace.contient("ERREUR : ")) << "a failure is told before it is returned";
     EXPECT_EQ(lireVersion().code, unsigned{NOX_CR_NON_CHARGE});
   }
   std::filesystem::remove(dossier_.fichier("orvan.ini"));

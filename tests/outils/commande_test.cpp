@@ -103,7 +103,7 @@ TEST(Commande, ModifieAvecDAutres) {
   EXPECT_EQ(std::system(ligne.c_str()), 0);
   const std::string liste = lancer(dossier, "modifications -r " + produit).sortie;
   for (char prix = '1'; prix <= '8'; ++prix) {
-    EXPECT_NE(liste.find(phrase("20", std::string(1, prix), ",00")), std::string::npos) << liste;
+    EXPECT_NE(liste.find(phrase("prix unitaire 20", std::string(1, prix), ".0")), std::string::npos) << liste;
   }
 }
 
