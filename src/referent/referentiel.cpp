@@ -196,6 +196,9 @@ CodeRetour Referentiel::retenirReference(Lecteur& lecteur) {
 }
 
 CodeRetour Referentiel::exigerReferenceChargee(Lecteur& lecteur, const std::string& nom) const {
+  if (debutReference_.empty()) {
+    return NOX_CR_OK;  // a store made in memory
+  }
   std::string debut(debutReference_.size(), '\0');
   if (lecteur.taille() == tailleReference_ &&
       lecteur.lireChaineFixe(debut.data(), debut.size()) == NOX_CR_OK && debut == debutReference_) {

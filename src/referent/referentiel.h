@@ -110,7 +110,7 @@ class Referentiel {
   CodeRetour chargerFichierReference(const char* versionLogicielle, const char* versionMinimale);
   // Once the header has been read.
   CodeRetour retenirReference(Lecteur& lecteur);
-  // Whether an open tablebin.nox is still the one that was loaded. REQUIRES: one was.
+  // Whether an open tablebin.nox is still the one that was loaded, if one was.
   CodeRetour exigerReferenceChargee(Lecteur& lecteur, const std::string& nom) const;
   CodeRetour controlerNumerosVersions(const char* versionLogicielle, const char* versionMinimale) const;
   CodeRetour lireTablesReference(Lecteur& lecteur);
