@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The public listing of the CCAM, compiled, against a reading of it that owes nothing to the importer; the listing
-spoiled in the ways that files get spoiled. Skipped where the listing is not at hand.
+"""Listings of the CCAM, compiled, against a reading of them that owes nothing to the importer; each spoiled in the ways
+that files get spoiled. One is small, laid out as the public one with its traps; the public one, where it is at hand.
 
 Usage: verifier-listing.py COMMAND COMPILED_REFERENCE SOURCES
 """
@@ -24,7 +24,8 @@ from aides.commande import Compte  # noqa: E402
 
 COMMANDE = pathlib.Path(sys.argv[1]).resolve()
 SOURCES = pathlib.Path(sys.argv[3]).resolve()
-LISTING = pathlib.Path(os.environ.get("NOXLUX_LISTING", SOURCES.parent / "shared/donnees/ccam_v81.csv"))
+PETIT = SOURCES / "fuzz/graines/listing/petit.csv"
+PUBLIC = pathlib.Path(os.environ.get("NOXLUX_LISTING", "/absent"))
 BIBLIOTHEQUE = COMMANDE.parent / "libnoxlux.so"
 DATE = b"20260201"
 CADRE_LIBELLE_LONG = 2
@@ -47,12 +48,12 @@ def mots(texte):
     return set(re.findall(r"[A-Z0-9]+", sans_accents.upper()))
 
 
-def lire(colonne):
-    """The listing: prices by (act, activity, phase), the other data by act, and the chapters."""
+def lire(listing, colonne):
+    """A listing: prices by (act, activity, phase), the other data by act, and the chapters."""
     prix, regroupements, modificateurs, exonerations, mentions, libelles = {}, {}, {}, {}, {}, {}
     chapitres = set()
     acte = activite = None
-    with open(LISTING, encoding="utf-8", newline="") as fichier:
+    with open(listing, encoding="utf-8", newline="") as fichier:
         for code, _, texte, *valeurs in csv.reader(fichier):
             code = code.strip()
             if re.fullmatch(r"[A-Z]{4}\d{3}", code):
@@ -116,9 +117,9 @@ def ecarts(obtenus, attendus):
             if obtenus.get(cle) != attendus.get(cle)][:5]
 
 
-def verifier_contenu(compte, dossier):
-    prix, regroupements, modificateurs, exonerations, mentions, libelles, chapitres = lire(5)
-    compte.verifier("the independent reading sees all acts", len(libelles), 8257)
+def verifier_contenu(compte, listing, actes, dossier):
+    prix, regroupements, modificateurs, exonerations, mentions, libelles, chapitres = lire(listing, 5)
+    compte.verifier("the independent reading sees all acts", len(libelles), actes)
     reference = Reference(dossier)
     lus = {cle: int(reference.champs(b"CCAM_37", 3012, *cle)[0][0]) for cle in prix}
     compte.verifier("prices", ecarts(lus, prix), [])
@@ -155,9 +156,8 @@ def enregistrements(texte, changer):
     return sortie.getvalue()
 
 
-def mauvais_fichiers():
+def mauvais_fichiers(octets):
     """(what was done, bytes, passage of the sentence)"""
-    octets = LISTING.read_bytes()
     texte = octets.decode()
     coupe = octets.index(b"\n19.03,")
     lignes = io.StringIO()
@@ -165,7 +165,7 @@ def mauvais_fichiers():
     return [
         ("empty", b"", "vide"),
         ("blank", b"\n\n \n", "vide"),
-        ("cut in a record", octets[:100000], "tronqué"),
+        ("cut in a record", octets[:octets.index(b"\nAHQB027,") + 20], "tronqué"),
         ("cut in a quoted field", octets[:octets.index(b"- du larynx")], "tronqué"),
         ("cut between chapters", octets[:coupe + 1], "19.03"),
         ("cut among the modifiers", octets[:octets.index(b"\n19.03.04,") + 1], "ne définit pas le modificateur"),
@@ -185,62 +185,64 @@ def mauvais_fichiers():
 
 
 def mauvais_enregistrements():
-    """(record to change, by what, passage of the report): the others must all be there."""
+    """(record to change, by what, passage of the report, acts lost with it): the others must all be there."""
     return [
-        (b"\nAHQB027,", b"\nAHQB0277,", "premier champ incompréhensible", 8256),
-        (b"\nAHQB027,", b"\nAHQB025,", "acte en double", 8256),
-        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,cinq,51.84,,,2,ATM\n", "prix incompréhensible", 8256),
-        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,A,51.84,51.84,,,2,ATM\n", "activité ou phase", 8256),
-        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,2-x,ATM\n", "code d'exonération incompréhensible", 8257),
-        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,9,ATM\n", "code d'exonération inconnu", 8257),
-        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,2,ATM,\n", "enregistrement mal formé", 8256),
-        (b'\n"[F, P, S, U]"', b'\n"[F, P, S, X]"', "modificateur inconnu", 8257),
-        (b'\n"[F, P, S, U]"', b'\n"[F, P, SU]"', "liste de modificateurs incompréhensible", 8257),
-        (b"(GELE001)", b"(GELE901)", "acte associé inconnu", 8257),
-        (b"\n01.01.01,", b"\n01.01,", "chapitre en double", 8257),
+        (b"\nAHQB027,", b"\nAHQB0277,", "premier champ incompréhensible", 1),
+        (b"\nAHQB027,", b"\nAHQB025,", "acte en double", 1),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,cinq,51.84,,,2,ATM\n", "prix incompréhensible", 1),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,A,51.84,51.84,,,2,ATM\n", "activité ou phase", 1),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,2-x,ATM\n", "code d'exonération incompréhensible", 0),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,9,ATM\n", "code d'exonération inconnu", 0),
+        (b",1,0,51.84,51.84,,,2,ATM\n", b",1,0,51.84,51.84,,,2,ATM,\n", "enregistrement mal formé", 1),
+        (b'\n"[F, P, S, U]"', b'\n"[F, P, S, X]"', "modificateur inconnu", 0),
+        (b'\n"[F, P, S, U]"', b'\n"[F, P, SU]"', "liste de modificateurs incompréhensible", 0),
+        (b"(GELE001)", b"(GELE901)", "acte associé inconnu", 0),
+        (b"\n01.01.01,", b"\n01.01,", "chapitre en double", 0),
     ]
 
 
+def verifier_listing(compte, listing, actes, dossier):
+    debut = time.monotonic()
+    fini = compiler(listing, dossier / "reference")
+    duree = time.monotonic() - debut
+    memoire = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024
+    compte.verifier("compilation", (fini.returncode, fini.stderr), (0, ""))
+    compte.verifier("compiled in time", duree < SECONDES, True)
+    compte.verifier("compiled in little memory", memoire < OCTETS, True)
+    verifier_contenu(compte, listing, actes, dossier / "reference")
+
+    hors = compiler(listing, dossier / "hors", "--grille", "2")
+    compte.verifier("the other prices", hors.returncode, 0)
+    autres = lire(listing, 6)[0]
+    prix = {cle: int(100 * float(m) + 0.5) for cle, m in listes(dossier / "hors", "AHQB024").items()}
+    compte.verifier("a price of the other column", prix["AHQB024", "1", "0"], autres["AHQB024", "1", "0"])
+
+    strict = compiler(listing, dossier / "strict", "--strict")
+    compte.verifier("dropped records are a failure when one wants", (strict.returncode, (dossier / "strict").exists()),
+                    (2, False))
+    octets = listing.read_bytes()
+    essai = dossier / "essai.csv"
+    for quoi, mauvais, passage in mauvais_fichiers(octets):
+        essai.write_bytes(mauvais)
+        fini = compiler(essai, dossier / "mauvais")
+        dit = passage in fini.stderr and fini.stderr.count("\n") == 2
+        compte.verifier(f"file: {quoi}", (fini.returncode, dit or fini.stderr, (dossier / "mauvais").exists()), (2, True, False))
+    for ancien, nouveau, passage, perdus in mauvais_enregistrements():
+        essai.write_bytes(octets.replace(ancien, nouveau, 1))
+        fini = compiler(essai, dossier / "fautif")
+        compte.verifier(f"record: {nouveau}",
+                        (fini.returncode, passage in fini.stdout, f": {actes - perdus} actes" in fini.stdout), (0, True, True))
+
+
 def main():
-    if not LISTING.is_file():
-        passer("the public listing is not at hand")
     essai = subprocess.run([sys.executable, "-c", f"import ctypes; ctypes.CDLL({str(BIBLIOTHEQUE)!r})"], capture_output=True)
     if essai.returncode != 0:
         passer("this build of the library does not load into Python")
     compte = Compte()
-    with tempfile.TemporaryDirectory() as nom:
-        dossier = pathlib.Path(nom)
-        debut = time.monotonic()
-        fini = compiler(LISTING, dossier / "reference")
-        duree = time.monotonic() - debut
-        memoire = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024
-        compte.verifier("compilation", (fini.returncode, fini.stderr), (0, ""))
-        compte.verifier("compiled in time", duree < SECONDES, True)
-        compte.verifier("compiled in little memory", memoire < OCTETS, True)
-        verifier_contenu(compte, dossier / "reference")
-
-        hors = compiler(LISTING, dossier / "hors", "--grille", "2")
-        compte.verifier("the other prices", hors.returncode, 0)
-        autres = lire(6)[0]
-        prix = {cle: int(100 * float(m) + 0.5) for cle, m in listes(dossier / "hors", "AHQB024").items()}
-        compte.verifier("a price of the other column", prix["AHQB024", "1", "0"], autres["AHQB024", "1", "0"])
-
-        strict = compiler(LISTING, dossier / "strict", "--strict")
-        compte.verifier("dropped records are a failure when one wants", (strict.returncode, (dossier / "strict").exists()),
-                        (2, False))
-        essai = dossier / "essai.csv"
-        for quoi, octets, passage in mauvais_fichiers():
-            essai.write_bytes(octets)
-            fini = compiler(essai, dossier / "mauvais")
-            dit = passage in fini.stderr and fini.stderr.count("\n") == 2
-            compte.verifier(f"file: {quoi}", (fini.returncode, dit or fini.stderr, (dossier / "mauvais").exists()),
-                            (2, True, False))
-        octets = LISTING.read_bytes()
-        for ancien, nouveau, passage, actes in mauvais_enregistrements():
-            essai.write_bytes(octets.replace(ancien, nouveau, 1))
-            fini = compiler(essai, dossier / "fautif")
-            compte.verifier(f"record: {nouveau}", (fini.returncode, passage in fini.stdout, f": {actes} actes" in fini.stdout),
-                            (0, True, True))
+    for listing, actes in ((PETIT, 19), (PUBLIC, 8257)):
+        if listing.is_file():
+            with tempfile.TemporaryDirectory() as nom:
+                verifier_listing(compte, listing, actes, pathlib.Path(nom))
     compte.finir()
 
 
