@@ -7,8 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "referent/lecture_donnees.h"
-#include "referent/referentiel.h"
+#include "magasin_essai.h"
 #include "regles/facture.h"
 #include "regles/regles.h"
 
@@ -37,7 +36,7 @@ inline const std::vector<RegleEssai>& reglesEssai() {
 }
 
 // Priorities: A 1, E 2, X 2, G 3, T 4; A imposed on X gives T. The indicator 9 has no priority.
-class CatalogueEssai {
+class CatalogueEssai : public MagasinEssai {
  public:
   CatalogueEssai() {
     std::vector<InformationRegle> informations;
@@ -69,17 +68,6 @@ class CatalogueEssai {
     poser(std::vector<ExceptionPrioriteIndicateur>{{'A', {0, 1}}});
     poser(std::vector<ValeurException>{{'X', 'T'}});
   }
-
- private:
-  template <class L>
-  void poser(std::vector<L> lignes) {
-    referentiel_.tables[L::IDENTIFIANT] = std::make_unique<Table>(std::move(lignes));
-  }
-
-  Referentiel referentiel_;
-
- public:
-  LectureDonnees lecture{&referentiel_};
 };
 
 // The catalogue alone.
@@ -105,14 +93,6 @@ inline LigneActe& ajouterLigne(Facture& facture, LigneActe::Type type, std::int3
   ligne->numero = Nombre(numero);
   ligne->date = date;
   return facture.ajouterLigne(std::move(ligne));
-}
-
-inline std::string joindre(const ListeCodes& codes) {
-  std::string texte;
-  for (const Code& code : codes) {
-    texte.append(code.vue()).append("/");
-  }
-  return texte;
 }
 
 inline std::string joindre(const TypeListe<Nombre>& nombres) {

@@ -6,26 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <span>
 #include <string>
-#include <tuple>
 #include <vector>
 
+#include "magasin_essai.h"
 #include "regles/reglementation.h"
 #include "regles/tarification.h"
 
 namespace noxlux {
-
-inline DateBrute jour(unsigned aaaammjj) {
-  return {static_cast<std::uint16_t>(aaaammjj / 10000), static_cast<std::uint8_t>(aaaammjj / 100 % 100),
-          static_cast<std::uint8_t>(aaaammjj % 100)};
-}
-inline Date date(unsigned aaaammjj) { return Date(jour(aaaammjj)); }
-
-template <class T>
-ListeCompacte<T> compacte(const std::vector<T>& valeurs) {
-  return ListeCompacte<T>(std::span<const T>(valeurs));
-}
 
 // What a rule is to raise: nothing when there is no reference; else its reference, and texts that its detail
 // must show, in this order.
@@ -35,13 +23,12 @@ struct Attente {
 };
 inline const Attente RIEN;
 
-class ReglesEssai : public ::testing::Test {
+class ReglesEssai : public ::testing::Test, protected MagasinEssai {
  protected:
   static constexpr unsigned DEBUT = 20000101;
   static constexpr unsigned JOUR = 20240610;
 
   ReglesEssai() {
-    creerTables(std::type_identity<Catalogue>{});
     copierCatalogue();
     poserConcepts();
     poserActes();
@@ -133,13 +120,6 @@ class ReglesEssai : public ::testing::Test {
   NiveauActivite& activite(const char* code) { return acte(code).activites.front(); }
   NiveauPhase& phase(const char* code) { return activite(code).phases.front(); }
 
-  template <class L>
-  void poser(std::vector<L> lignes) {
-    referentiel.lignes<L>() = std::move(lignes);
-  }
-
-  Referentiel referentiel;
-  LectureDonnees lecture{&referentiel};
   Facture facture;
   LigneCCAM* ligne = nullptr;
   TypeListe<Nombre> prestations;  // of the last error raised
@@ -147,11 +127,6 @@ class ReglesEssai : public ::testing::Test {
   Tarification tarification{lecture};
 
  private:
-  template <class... L>
-  void creerTables(std::type_identity<std::tuple<L...>>) {
-    ((referentiel.tables[L::IDENTIFIANT] = std::make_unique<Table>(std::vector<L>{})), ...);
-  }
-
   // The labels and references of the rules, as the compiled example has them.
   void copierCatalogue() {
     const char* const chemin = std::getenv("NOXLUX_REFERENCE_EXEMPLE");

@@ -13,9 +13,8 @@
 
 #include "interapp/controleur_parametres.h"
 #include "interapp/interface.h"
+#include "magasin_essai.h"
 #include "octets_essai.h"
-#include "referent/lecture_donnees.h"
-#include "referent/referentiel.h"
 
 namespace noxlux {
 namespace {
@@ -58,14 +57,6 @@ class Lecture {
  public:
   FonctionsEssai fonctions{&zone_.zone, &racine_};
 };
-
-std::string joindre(const ListeCodes& liste) {
-  std::string texte;
-  for (const Code& code : liste) {
-    texte.append(code.vue()).append("/");
-  }
-  return texte;
-}
 
 TEST(Fonctions, listentModificateursEtDents) {
   using Champs = std::vector<std::string>;
@@ -260,20 +251,13 @@ struct Descripteurs {
                             {premierFils, nombreFils}});
   }
   CodeRetour initialiser(Interface& interface) {
-    Referentiel referentiel;
-    poser(referentiel, superGroupes);
-    poser(referentiel, groupes);
-    poser(referentiel, champs);
-    poser(referentiel, valeurs);
-    poser(referentiel, fils);
-    LectureDonnees lecture(&referentiel);
-    return interface.initialiser(lecture);
-  }
-
- private:
-  template <class L>
-  static void poser(Referentiel& referentiel, const std::vector<L>& lignes) {
-    referentiel.tables[L::IDENTIFIANT] = std::make_unique<Table>(lignes);
+    MagasinEssai magasin;
+    magasin.poser(superGroupes);
+    magasin.poser(groupes);
+    magasin.poser(champs);
+    magasin.poser(valeurs);
+    magasin.poser(fils);
+    return interface.initialiser(magasin.lecture);
   }
 };
 
