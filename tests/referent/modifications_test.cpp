@@ -1,18 +1,18 @@
-// Changes, cancellations and re-application: bounds of the effect date, what a change leaves alone, states
-// given back exactly, lack of memory at every allocation.
-#include <functional>
-#include <new>
-
-#include "referent/ecrivain.h"
-#include "requetes/allocations.h"
-#include "requetes/magasin_essai.h"
+// Changes of values whose lines stand in tables that others share, their cancellation, and their
+// re-application: what a change leaves alone, and states given back exactly.
+#include "magasin_essai.h"
+#include "referent/fabrique_reference.h"
+#include "referent/modification_donnees.h"
 
 namespace noxlux {
 namespace {
 
 constexpr DateBrute SANS_FIN{};
+const Code ACTE("HBJD001");
+const Code UN("1");
+const Code ZERO("0");
 
-class Modifications : public MagasinEssai {
+class Modifications : public testing::Test, protected MagasinEssai {
  protected:
   Modifications() {
     poserActe("AAFA001");
@@ -43,11 +43,6 @@ class Modifications : public MagasinEssai {
                         {TexteVariable("1"), TexteVariable("dix")}});
   }
 
-  double prix(unsigned d) {
-    Montant montant(-1);
-    lecture.rechercherPrixUnitaire(ACTE, UN, ZERO, date(d), montant);
-    return montant.lireValeur();
-  }
   double forfait(const char* code, unsigned d) {
     Montant montant(-1);
     lecture.rechercherForfaitModificateur(Code(code), date(d), montant);
@@ -64,92 +59,47 @@ class Modifications : public MagasinEssai {
     return texte.lireTexte();
   }
 
-  // Writes the act into a reference file, where a load on first use finds it.
-  void ecrireActe() {
-    constexpr long POSITION = 40;
-    std::FILE* fichier = std::fopen((repertoire + NOM_FICHIER_REFERENCE).c_str(), "wb");
-    ASSERT_NE(fichier, nullptr);
-    std::fprintf(fichier, "%*s", static_cast<int>(POSITION), "");
-    Ecrivain ecrivain(&referentiel, fichier);
-    EXPECT_EQ(acte->ecrireNiveauActe(ecrivain), NOX_CR_OK);
-    std::fclose(fichier);
-    referentiel.lignes<Index>()[1].position = POSITION;
+  // An act of one activity "1" with one phase "0". Acts come in the order of their codes.
+  NiveauActe& poserActe(const char* code) {
+    auto nouveau = std::make_unique<NiveauActe>();
+    nouveau->codeStructure = CodeActe(code);
+    nouveau->historiques.resize(1);
+    nouveau->historiques[0].dateEffet = jour(20050301);
+    NiveauActivite activite;
+    activite.codeActivite = '1';
+    activite.historiques.resize(1);
+    activite.historiques[0].dateEffet = jour(20050301);
+    activite.historiques[0].codeRegroupement = CodeFixe<3>("ADC");
+    NiveauPhase phase;
+    phase.codePhase = '0';
+    phase.historiques = {{jour(20200601), 30.0, 3.0, {1.0, 1.1, 1.2, 1.3}},
+                         {jour(20150101), 20.0, 2.0, {1.0, 1.0, 1.0, 1.0}},
+                         {jour(20050301), 10.0, 1.0, {1.0, 1.0, 1.0, 1.0}}};
+    activite.phases.push_back(std::move(phase));
+    nouveau->activites.push_back(std::move(activite));
+    NiveauActe& pose = *nouveau;
+    referentiel.lignes<Index>().push_back({CodeActe(code), 0});
+    referentiel.actes.push_back({std::move(nouveau), false});
+    return pose;
   }
 
+  // The whole content of the store, as its dump shows it.
+  std::string contenu() const {
+    const essai::Repertoire repertoire;
+    const std::string nom = repertoire.chemin("dump");
+    constexpr unsigned short MODULE_LIBRE = 5;
+    EXPECT_EQ(Trace::activer(nom.c_str(), "w", MODULE_LIBRE, 3), NOX_CR_OK);
+    referentiel.dump(MODULE_LIBRE);
+    Trace::activer(nom.c_str(), "w", MODULE_LIBRE, 0);
+    std::ostringstream texte;
+    texte << std::ifstream(nom).rdbuf();
+    EXPECT_GT(texte.str().size(), 1000U);
+    return texte.str();
+  }
+
+  ModificationDonnees modification{&referentiel};
   NiveauActe* acte;
 };
-
-TEST_F(Modifications, PrixUnitaire) {
-  const struct {
-    unsigned date;
-    double prix;
-    CodeRetour cr;
-  } cas[] = {{20200531, 40, NOX_CR_DATE_EFFET},
-             {20200601, 41, NOX_CR_OK},
-             {20220101, 42, NOX_CR_OK},
-             {20220101, 43, NOX_CR_OK},
-             {20211231, 44, NOX_CR_DATE_EFFET}};
-  for (const auto& c : cas) {
-    const std::string avant = contenu();
-    EXPECT_EQ(modification.modifierPrixUnitaire(ACTE, UN, ZERO, date(c.date), Montant(c.prix)), c.cr);
-    EXPECT_EQ(contenu() == avant, c.cr != NOX_CR_OK) << c.date;
-  }
-  EXPECT_EQ(prix(20200531), 20);
-  EXPECT_EQ(prix(20200601), 41);
-  EXPECT_EQ(prix(20211231), 41);
-  EXPECT_EQ(prix(20220101), 43);
-  // The other values of the phase go on.
-  Coefficient majoration;
-  lecture.rechercherMajorationDOM(ACTE, UN, ZERO, 4, date(20230101), majoration);
-  EXPECT_EQ(majoration.lireValeur(), 1.3);
-  ASSERT_EQ(referentiel.lignes<ModificationPrixUnitaire>().size(), 3U);
-  const ModificationPrixUnitaire& derniere = referentiel.lignes<ModificationPrixUnitaire>()[2];
-  EXPECT_EQ(derniere.acte.vue(), "HBJD001");
-  EXPECT_EQ(derniere.dateEffet, jour(20220101));
-  EXPECT_EQ(derniere.valeur, 43);
-}
-
-TEST_F(Modifications, RefusSansEffet) {
-  acte->activites[0].phases.emplace_back().codePhase = '1';
-  acte->activites.emplace_back().codeActivite = '4';
-  const std::string avant = contenu();
-  ModificationDonnees& m = modification;
-  const Date apres = date(20250101);
-  const Montant montant(1);
-  const Coefficient coefficient(1);
-  EXPECT_EQ(m.modifierPrixUnitaire(Code("INCONNU"), UN, ZERO, apres, montant), NOX_CR_CODE_INCONNU);
-  EXPECT_EQ(m.modifierPrixUnitaire(ACTE, Code("2"), ZERO, apres, montant), NOX_CR_CODE_INCONNU);
-  EXPECT_EQ(m.modifierPrixUnitaire(ACTE, UN, UN, apres, montant), NOX_CR_DONNEE_ABSENTE) << "no history";
-  EXPECT_EQ(m.modifierPrixUnitaire(Code("HBJD0010000000"), UN, ZERO, apres, montant), NOX_CR_DONNEE_ABSENTE);
-  EXPECT_EQ(m.modifierCodeRegroupement(ACTE, Code("4"), apres, Code("ATM")), NOX_CR_DONNEE_ABSENTE);
-  EXPECT_EQ(m.modifierCodeRegroupement(ACTE, UN, apres, Code("ATMX")), NOX_CR_DONNEE_ABSENTE);
-  EXPECT_EQ(m.modifierCodeRegroupement(ACTE, UN, date(20050228), Code("ATM")), NOX_CR_DATE_EFFET);
-  for (const std::uint16_t position : std::initializer_list<std::uint16_t>{0, 5}) {
-    EXPECT_EQ(m.modifierMajorationDOM(ACTE, UN, ZERO, apres, position, coefficient), NOX_CR_DONNEE_ABSENTE);
-    EXPECT_EQ(m.modifierSeuil(apres, position, montant), NOX_CR_DONNEE_ABSENTE);
-  }
-  EXPECT_EQ(m.modifierForfaitModificateur(Code("Z"), apres, montant), NOX_CR_CODE_INCONNU);
-  EXPECT_EQ(m.modifierForfaitModificateur(Code("M"), apres, montant), NOX_CR_DONNEE_ABSENTE) << "no history";
-  EXPECT_EQ(m.modifierTauxModificateur(Code("J"), date(20141231), coefficient), NOX_CR_DATE_EFFET);
-  EXPECT_EQ(m.modifierTauxModificateur(Code("J"), date(20300101), coefficient), NOX_CR_DATE_EFFET);
-  EXPECT_EQ(m.modifierCoefficientAssociationNonPrevue(Code("3"), apres, coefficient), NOX_CR_CODE_INCONNU);
-  EXPECT_EQ(m.modifierForfaitNonConventionnes(date(20091231), montant), NOX_CR_DATE_EFFET);
-  EXPECT_EQ(m.ajouterCodeRegroupement(apres, Code("ATM"), Texte("x")), NOX_CR_REGROUPEMENT_EXISTANT);
-  EXPECT_EQ(m.ajouterCodeRegroupement(apres, Code("ATMX"), Texte("x")), NOX_CR_DONNEE_ABSENTE);
-  EXPECT_EQ(m.annulerModificationsPrixUnitaire(ACTE, UN, ZERO), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsSupplementCharges(ACTE, UN, ZERO), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsMajorationDOM(ACTE, UN, ZERO, 1), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsCodeRegroupement(ACTE, UN), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsValeurModificateur(Code("J")), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsCoefficientAssociationNonPrevue(UN), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsSeuilExoTM(1), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerModificationsValeurNonConventionnes(), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(m.annulerNouveauxCodesRegroupement(), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(contenu(), avant);
-  referentiel.lignes<Seuil>().clear();
-  EXPECT_EQ(m.modifierSeuil(apres, 1, montant), NOX_CR_DONNEE_ABSENTE);
-  EXPECT_TRUE(referentiel.lignes<ModificationSeuil>().empty());
-}
 
 TEST_F(Modifications, SeuilsEtLeurAnnulation) {
   const std::string avant = contenu();
@@ -243,22 +193,6 @@ TEST_F(Modifications, TablePleine) {
   EXPECT_EQ(forfait("U", 20220101), 4);
 }
 
-TEST_F(Modifications, NonConventionnes) {
-  const std::string avant = contenu();
-  EXPECT_EQ(modification.modifierForfaitNonConventionnes(date(20220101), Montant(3)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierTauxNonConventionnes(date(20230101), Coefficient(0.9)), NOX_CR_OK);
-  Montant montant;
-  Coefficient taux;
-  lecture.rechercherForfaitNonConventionnes(date(20230101), montant);
-  lecture.rechercherTauxNonConventionnes(date(20230101), taux);
-  EXPECT_EQ(montant.lireValeur(), 3);
-  EXPECT_EQ(taux.lireValeur(), 0.9);
-  lecture.rechercherTauxNonConventionnes(date(20221231), taux);
-  EXPECT_EQ(taux.lireValeur(), 0.8);
-  EXPECT_EQ(modification.annulerModificationsValeurNonConventionnes(), NOX_CR_OK);
-  EXPECT_EQ(contenu(), avant);
-}
-
 TEST_F(Modifications, NouveauxCodesRegroupement) {
   const std::string avant = contenu();
   for (const char* code : {"AXI", "ZZZ", "AAA"}) {
@@ -268,9 +202,9 @@ TEST_F(Modifications, NouveauxCodesRegroupement) {
             NOX_CR_REGROUPEMENT_EXISTANT);
   ListeCodes codes;
   lecture.rechercherCodesRegroupement(date(20211231), codes);
-  EXPECT_EQ(textes(codes), (Textes{"ADC", "ATM"}));
+  EXPECT_EQ(joindre(codes), "ADC/ATM/");
   lecture.rechercherCodesRegroupement(date(20220101), codes);
-  EXPECT_EQ(textes(codes), (Textes{"AAA", "ADC", "ATM", "AXI", "ZZZ"}));
+  EXPECT_EQ(joindre(codes), "AAA/ADC/ATM/AXI/ZZZ/");
   Date creation;
   EXPECT_EQ(lecture.rechercherDateCreationCodeRegroupement(Code("AXI"), creation), NOX_CR_OK);
   EXPECT_EQ(creation, date(20220101));
@@ -287,47 +221,6 @@ TEST_F(Modifications, NouveauxCodesRegroupement) {
   referentiel.lignes<Codes>().resize(8);
   EXPECT_EQ(modification.ajouterCodeRegroupement(date(20220101), Code("AXI"), Texte("x")),
             NOX_CR_DONNEE_ABSENTE);
-}
-
-TEST_F(Modifications, AnnulationRelitLActe) {
-  ecrireActe();
-  EXPECT_EQ(modification.modifierPrixUnitaire(ACTE, UN, ZERO, date(20220101), Montant(50)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierMajorationDOM(ACTE, UN, ZERO, date(20220101), 2, Coefficient(1.9)),
-            NOX_CR_OK);
-  EXPECT_EQ(modification.modifierPrixUnitaire(ACTE, UN, ZERO, date(20230101), Montant(60)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierSupplementCharges(ACTE, UN, ZERO, date(20230601), Montant(7)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierCodeRegroupement(ACTE, UN, date(20220101), Code("ATM")), NOX_CR_OK);
-  const std::string modifie = contenu();
-  // An act read again gets its changes back, whatever the tables they are recorded in.
-  referentiel.actes[1].acte.reset();
-  EXPECT_EQ(prix(20230101), 60);
-  EXPECT_EQ(contenu().substr(contenu().find("ACTE D'INDICE 1")),
-            modifie.substr(modifie.find("ACTE D'INDICE 1")));
-
-  EXPECT_EQ(modification.annulerModificationsMajorationDOM(ACTE, UN, ZERO, 1), NOX_CR_NON_MODIFIE);
-  EXPECT_FALSE(referentiel.actes[1].estVide());
-  EXPECT_EQ(modification.annulerModificationsPrixUnitaire(ACTE, UN, ZERO), NOX_CR_OK);
-  EXPECT_TRUE(referentiel.actes[1].estVide());
-  EXPECT_EQ(prix(20230101), 30);
-  Coefficient majoration;
-  lecture.rechercherMajorationDOM(ACTE, UN, ZERO, 2, date(20220101), majoration);
-  EXPECT_EQ(majoration.lireValeur(), 1.9);
-  Montant supplement;
-  lecture.rechercherSupplementCharges(ACTE, UN, ZERO, date(20230601), supplement);
-  EXPECT_EQ(supplement.lireValeur(), 7);
-  Code regroupement;
-  lecture.rechercherCodeRegroupement(ACTE, UN, date(20220101), regroupement);
-  EXPECT_EQ(regroupement.vue(), "ATM");
-  EXPECT_EQ(modification.annulerModificationsCodeRegroupement(ACTE, UN), NOX_CR_OK);
-  lecture.rechercherCodeRegroupement(ACTE, UN, date(20220101), regroupement);
-  EXPECT_EQ(regroupement.vue(), "ADC");
-
-  // A recorded change of a phase that the act does not have fails its load, and leaves its place empty.
-  referentiel.lignes<ModificationSupplementCharge>()[0].phase = '9';
-  EXPECT_EQ(modification.annulerModificationsMajorationDOM(ACTE, UN, ZERO, 2), NOX_CR_OK);
-  Texte texte;
-  EXPECT_EQ(lecture.rechercherLibelleCourt(ACTE, texte), NOX_CR_CODE_INCONNU);
-  EXPECT_TRUE(referentiel.actes[1].estVide());
 }
 
 TEST_F(Modifications, ReapplicationDonneLeMemeMagasin) {
@@ -349,6 +242,7 @@ TEST_F(Modifications, ReapplicationDonneLeMemeMagasin) {
   class : public Modifications {
    public:
     using Modifications::acte;
+    using Modifications::contenu;
     using Modifications::modification;
     using Modifications::referentiel;
     void TestBody() override {}
@@ -368,57 +262,10 @@ TEST_F(Modifications, ReapplicationDonneLeMemeMagasin) {
   EXPECT_EQ(m.appliquerModificationsNouveauCodeRegroupement(), NOX_CR_OK);
   EXPECT_EQ(m.appliquerModificationsCodesRegroupement(ACTE, *autre.acte), NOX_CR_OK);
   EXPECT_EQ(m.appliquerModificationsHistoriquePhase(ACTE, *autre.acte), NOX_CR_OK);
-  EXPECT_EQ(contenu(autre.referentiel), contenu());
+  EXPECT_EQ(autre.contenu(), contenu());
 
   autre.referentiel.lignes<ModificationSeuil>()[0].position = 9;
   EXPECT_EQ(m.appliquerModificationsSeuils(), NOX_CR_DONNEE_ABSENTE);
-}
-
-// Each operation with its n-th allocation failing, for every n until it gets through.
-TEST_F(Modifications, MemoireInsuffisante) {
-  const Date effet = date(20220101);
-  ModificationDonnees& m = modification;
-  const std::function<CodeRetour()> operations[] = {
-      [&] { return m.modifierPrixUnitaire(ACTE, UN, ZERO, effet, Montant(50)); },
-      [&] { return m.modifierMajorationDOM(ACTE, UN, ZERO, effet, 3, Coefficient(1.9)); },
-      [&] { return m.modifierCodeRegroupement(ACTE, UN, effet, Code("ATM")); },
-      [&] { return m.modifierTauxModificateur(Code("J"), effet, Coefficient(2)); },
-      [&] { return m.modifierCoefficientAssociationNonPrevue(Code("2"), effet, Coefficient(0.6)); },
-      [&] { return m.modifierSeuil(effet, 3, Montant(200)); },
-      [&] { return m.modifierSeuil(effet, 2, Montant(201)); },
-      [&] { return m.modifierForfaitNonConventionnes(effet, Montant(2)); },
-      [&] {
-        return m.ajouterCodeRegroupement(effet, Code("AXI"), Texte("un libelle assez long pour le tas"));
-      },
-      [&] { return m.annulerModificationsSeuilExoTM(3); },
-      [&] { return m.annulerModificationsValeurModificateur(Code("J")); },
-      [&] { return m.annulerNouveauxCodesRegroupement(); }};
-  // Lines shared and lists in the heap: the costlier roads.
-  referentiel.lignes<Modificateur>()[0].valeurs = {1, 2};
-  acte->activites[0].historiques[0].associations =
-      compacte<Association>({{CodeActe("AAFA001"), 'A'}, {CodeActe("HBJD001"), 'B'}});
-  unsigned echecs = 0;
-  for (const auto& operation : operations) {
-    const std::string avant = contenu();
-    CodeRetour cr = NOX_CR_MEMOIRE;
-    for (long n = 0; cr == NOX_CR_MEMOIRE; ++n) {
-      ASSERT_LT(n, 100);
-      allocationsPermises = n;
-      try {
-        cr = operation();
-      } catch (const std::bad_alloc&) {
-        cr = NOX_CR_MEMOIRE;
-      }
-      allocationsPermises = -1;
-      if (cr == NOX_CR_MEMOIRE) {
-        ++echecs;
-        ASSERT_EQ(contenu(), avant) << "operation " << &operation - operations << ", allocation " << n;
-      }
-    }
-    EXPECT_EQ(cr, NOX_CR_OK);
-    EXPECT_NE(contenu(), avant);
-  }
-  EXPECT_GT(echecs, 12U) << "allocations were not counted";
 }
 
 }  // namespace
