@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all install package demo test test-release test-release32 test-assaini test-python corruption bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini test-python corruption endurance mutations part-des-tests bench format propre paquets release release32
 
 all: release release32
 
@@ -57,6 +57,23 @@ corruption: paquets
 	@$(call CONFIGURER,debug)
 	@cmake --build build/debug -j $(TACHES)
 	@cd build/debug && NOXLUX_CORRUPTION_COMPLETE=1 ctest --output-on-failure -j $(TACHES) -R '^(referent|bout_en_bout)$$' --timeout 1000000
+
+# A million mixed requests in one process: the memory in use stays what it is.
+endurance: paquets
+	@$(call CONFIGURER,release) -DNOXLUX_TESTS=ON
+	@cmake --build build/release -j $(TACHES) --target corpus --target reference_exemple
+	@build/release/corpus $(CURDIR)/build/release/exemple/ 1000000
+
+# A hundred changes of the code, one at a time: prints those that no test sees. Hours.
+mutations: release
+	@build/release/noxlux compiler reference/exemple --socle reference/socle -o build/exemple
+	@NOXLUX_REFERENCE_EXEMPLE=$(CURDIR)/build/exemple/ python3 tests/mutations.py . build/mutations
+
+# What tests weigh beside the code: a third at most.
+part-des-tests:
+	@lignes() { git ls-files -z "$$@" | xargs -0 cat | grep -c '[^[:space:]]'; }; \
+	t=$$(lignes tests); c=$$(lignes src include outils); \
+	echo "tests: $$t lines for $$c of code, $$((1000 * t / c / 10)).$$((1000 * t / c % 10)) %"; test $$((3 * t)) -le $$c
 
 bench: paquets
 	@$(call CONFIGURER,bench)

@@ -2,9 +2,13 @@
 // same, byte for byte.
 //
 //   corpus DIRECTORY        directory of a compiled example reference, with its trailing '/'
+//   corpus DIRECTORY trace  the same, with every module traced in full: the answers must not change
+//   corpus DIRECTORY NUMBER prints nothing: asks all over again until so many requests are done, takes every
+//                           change back each time, and fails when the memory in use grows
 //
 // The requests are all that the identifiers allow over the acts, codes and dates of the reference, then
 // changes, then the same questions again.
+#include <malloc.h>
 #include <stdlib.h>
 
 #include <cstdio>
@@ -28,6 +32,7 @@ const std::string CODES = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
 std::vector<std::string> actes;
 unsigned long demandes = 0;
+bool muet = false;
 
 void imprimer(const void* octets, std::size_t taille) {
   for (std::size_t i = 0; i < taille; ++i) {
@@ -38,11 +43,13 @@ void imprimer(const void* octets, std::size_t taille) {
 // Prints what a request answered, and frees its zone.
 void imprimerReponse(const char* nom, const std::string& entree, unsigned code, void* zone, unsigned taille) {
   ++demandes;
-  std::printf("%s ", nom);
-  imprimer(entree.data(), entree.size());
-  std::printf(" -> %04x ", code);
-  imprimer(zone, taille);
-  std::putchar('\n');
+  if (!muet) {
+    std::printf("%s ", nom);
+    imprimer(entree.data(), entree.size());
+    std::printf(" -> %04x ", code);
+    imprimer(zone, taille);
+    std::putchar('\n');
+  }
   NOX_LibererZoneMem(zone);
 }
 
@@ -214,6 +221,28 @@ void modifierTout() {
   modifier("TB13_1", EFFET, {{3210, {"ZZ9", "Actes du cabinet"}}});
 }
 
+void annuler(const char* identifiant, const Zone& entree) {
+  std::string octets = ecrire(entree);
+  const unsigned code =
+      NOX_AnnulerModification(identifiant, octets.data(), static_cast<unsigned>(octets.size()));
+  imprimerReponse(identifiant, octets, code, nullptr, 0);
+}
+
+void annulerTout() {
+  for (const std::string& acte : actes) {
+    annuler("CCAM_37", {{3012, {acte, "1", "0"}}});
+    annuler("CCAM_39", {{3012, {acte, "1", "0"}}});
+    annuler("CCAM_47a", {{3013, {"972", acte, "1", "0"}}});
+  }
+  for (const char lettre : CODES) {
+    annuler("TB02_1", {{3014, {std::string(1, lettre)}}});
+    annuler("TB11", {{3015, {std::string(1, lettre)}}});
+  }
+  annuler("TB07_1", {{3017, {"973"}}});
+  annuler("TB12", {});
+  annuler("TB13_1", {});
+}
+
 void toutDemander() {
   for (const char* date : DATES) {
     consulterActes(date);
@@ -226,30 +255,67 @@ void toutDemander() {
   }
 }
 
+// Whether the memory in use, once everything has been loaded and asked, stays what it is.
+bool endurer(unsigned long nombre) {
+  constexpr std::size_t JEU = 4096;  // what the allocator may keep differently
+  std::size_t enUsage = 0;
+  for (unsigned tour = 0; demandes < nombre || tour < 3; ++tour) {
+    toutDemander();
+    modifierTout();
+    consulterActes(DATES[0]);
+    NOX_SauvegarderReferentiel("endurance");
+    annulerTout();
+    const std::size_t apres = mallinfo2().uordblks;
+    std::fprintf(stderr, "%lu requests, %zu bytes in use\n", demandes, apres);
+    if (tour == 1) {
+      enUsage = apres;
+    } else if (tour > 1 && apres > enUsage + JEU) {
+      return false;
+    }
+  }
+  return true;
+}
+
+void tracerTout(const std::string& fichier) {
+  for (unsigned short module = 0; module < 5; ++module) {
+    NOX_InitTrace(fichier.c_str(), "w", module, 9);
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   char modele[] = "/tmp/noxlux_corpus_XXXXXX";
-  if (argc != 2 || mkdtemp(modele) == nullptr) {
-    std::fputs("usage: corpus DIRECTORY\n", stderr);
+  if (argc < 2 || argc > 3 || mkdtemp(modele) == nullptr) {
+    std::fputs("usage: corpus DIRECTORY [trace|NUMBER]\n", stderr);
     return 2;
   }
   const std::string dossier = std::string(modele) + '/';
+  const std::string option = argc == 3 ? argv[2] : "";
   std::ofstream(dossier + "orvan.ini")
       << "[NOX]\nrepertoiretable = " << argv[1] << "\nrepertoireModification = " << dossier
       << "\n[COMMUN]\nrepertoiretravail = " << dossier << "\n";
   REPERTOIRE_SYSTEME = modele;
+  muet = !option.empty() && option != "trace";
+  if (option == "trace") {
+    tracerTout("/dev/null");
+  }
   const unsigned cr = NOX_InitLIB();
-  if (cr == NOX_CR_OK) {
+  bool bon = cr == NOX_CR_OK;
+  if (bon) {
     listerActes();
-    toutDemander();
-    modifierTout();
-    toutDemander();
+    if (!muet) {
+      toutDemander();
+      modifierTout();
+      toutDemander();
+    } else {
+      bon = endurer(std::stoul(option));
+    }
     NOX_TermLIB();
   } else {
     std::fprintf(stderr, "NOX_InitLIB: 0x%04X\n", cr);
   }
   std::filesystem::remove_all(dossier);
   std::fprintf(stderr, "%lu requests\n", demandes);
-  return cr == NOX_CR_OK && demandes > 10000 ? 0 : 1;
+  return bon && demandes > 10000 ? 0 : 1;
 }
