@@ -17,6 +17,14 @@
 #ifndef NOXLUX_NOXLUX_H
 #define NOXLUX_NOXLUX_H
 
+/* The version of this header, and of the library that it came with (docs/versions.md). */
+#define NOXLUX_VERSION_MAJOR 1
+#define NOXLUX_VERSION_MINOR 13
+#define NOXLUX_VERSION_PATCH 0
+#define NOXLUX_VERSION_TEXTE "1.13.0"
+/* For comparisons: #if NOXLUX_VERSION >= 11300 */
+#define NOXLUX_VERSION (NOXLUX_VERSION_MAJOR * 10000 + NOXLUX_VERSION_MINOR * 100 + NOXLUX_VERSION_PATCH)
+
 #if defined(__GNUC__)
 #define NOX_API __attribute__((visibility("default")))
 #else
