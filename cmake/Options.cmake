@@ -17,6 +17,14 @@ if(NOXLUX_ASSAINIR)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+# What a fault of the code could be turned into is kept small: guarded stacks, copies checked against the size of
+# their target (which takes the optimizer), addresses of functions that nothing can write once they are bound.
+add_compile_options(-fstack-protector-strong)
+if(NOT NOXLUX_ASSAINIR)
+  add_compile_options("$<$<CONFIG:Release>:-U_FORTIFY_SOURCE;-D_FORTIFY_SOURCE=2>")
+endif()
+add_link_options(-Wl,-z,relro -Wl,-z,now)
+
 add_library(noxlux_avertissements INTERFACE)
 target_compile_options(noxlux_avertissements INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror

@@ -36,7 +36,14 @@ extern "C" {
 #endif
 
 /* Return codes. Families that carry a position are given by their base: NOX_CR_CHAMP_INVALIDE + 5 says
- * that the fifth field of the input zone is invalid. */
+ * that the fifth field of the input zone is invalid. Places too far for their family have its last code
+ * (0x9FFF, 0xA7FF, 0xAFFF, 0xCFFF, 0xE0FF).
+ *
+ * Below, each function lists every code it may answer. Three lists recur:
+ *   "those of the input zone": 0x9000+f; 0xA000+n; 0xA001+n; 0xA800+n; 0xB000+id; 0xF803; 0xF805; 0xF810.
+ *   "those of the store": 0xDF00; 0xDF01; 0xD610 and 0xD640, since acts, menus and keywords are read from
+ *     tablebin.nox at their first use; 0xDFFC, also for a number too large for its type; 0xDFFE; 0xDFFF.
+ *   "those of an answer zone": 0xF800; 0xF801. */
 enum NOX_CodeRetour {
   NOX_CR_OK = 0x0000,
 
@@ -140,8 +147,9 @@ extern NOX_API const char* REPERTOIRE_SYSTEME;
  * Acts and some tables are read from tablebin.nox when they are first asked: while another file stands at its
  * place, such requests answer 0xD640. Install a new reference by renaming it into place, then NOX_TermLIB and
  * NOX_InitLIB in each host.
- * Codes: 0; 0xD600 already loaded (nothing changes); 0xD680; 0xD61x to 0xD65x; 0xDFFC; 0xDFFE; and 0xF6F1,
- * 0xF6F2, which leave the library loaded and usable.
+ * Codes: 0; 0xD600 already loaded (nothing changes); 0xD680; 0xD610; 0xD611; 0xD620; 0xD621; 0xD630; 0xD631; 0xD640;
+ * 0xD641; 0xD650; 0xD651; those of a saved change that cannot be made again: 0xD002, 0xD003, 0xD004, 0xD008;
+ * 0xDFFC; 0xDFFE; 0xDFFF; and 0xF6F1, 0xF6F2, which leave the library loaded and usable.
  */
 NOX_API unsigned short NOX_InitLIB(void);
 
@@ -157,8 +165,8 @@ NOX_API unsigned short NOX_TermLIB(void);
  *                  unit price of an act; "Dump" writes the whole reference to the trace, without answer
  *   dateReference  the date at which the answer must hold
  *   zoneIn         input groups of the identifier; not looked at (tailleZoneIn 0) when it expects none
- * Codes: 0; 0x9000+f, 0xA000+n, 0xA800+n, 0xB000+id for the input zone; 0xD000; 0xD002; 0xD003; 0xD006;
- * 0xDF00; 0xDF01; 0xF800; 0xF802; 0xF803; 0xF810.
+ * Codes: 0; those of the input zone; 0xD000; 0xD002; 0xD003; 0xD006; 0xF802; those of an answer zone; those of the
+ * store.
  */
 NOX_API unsigned short NOX_ConsulterDonnee(const char* identifiant, const char* dateReference, void* zoneIn,
                                            unsigned int tailleZoneIn, void** zoneOut,
@@ -166,14 +174,14 @@ NOX_API unsigned short NOX_ConsulterDonnee(const char* identifiant, const char* 
 
 /*
  * Changes one value of the reference from an effect date on, in memory (NOX_SauvegarderReferentiel keeps it).
- * Codes: 0; those of the input zone; 0xD000; 0xD002; 0xD003; 0xD004; 0xD006 to 0xD009; 0xDF00; 0xDF01.
+ * Codes: 0; those of the input zone; 0xD000; 0xD002; 0xD003; 0xD004; 0xD006 to 0xD009; 0xF802; those of the store.
  */
 NOX_API unsigned short NOX_ModifierDonnee(const char* identifiant, const char* dateEffet, void* zoneIn,
                                           unsigned int tailleZoneIn);
 
 /*
  * Cancels the changes of one value.
- * Codes: 0; those of the input zone; 0xD000; 0xD002; 0xD005; 0xD006; 0xDF00; 0xDF01.
+ * Codes: 0; those of the input zone; 0xD000; 0xD002; 0xD005; 0xD006; 0xF802; those of the store.
  */
 NOX_API unsigned short NOX_AnnulerModification(const char* identifiant, void* zoneIn,
                                                unsigned int tailleZoneIn);
@@ -181,15 +189,15 @@ NOX_API unsigned short NOX_AnnulerModification(const char* identifiant, void* zo
 /*
  * Checks one datum against the reference: *resultat receives 'O' (yes) or 'N' (no). It is left untouched
  * when a step before the question itself fails.
- * Codes: 0; those of the input zone; 0xD100; 0xD102; 0xD103; 0xDF00; 0xDF01; 0xF802.
+ * Codes: 0; those of the input zone; 0xD100; 0xD102; 0xD103; 0xF802; those of the store.
  */
 NOX_API unsigned short NOX_ControlerDonnees(const char* identifiant, const char* dateReference, void* zoneIn,
                                             unsigned int tailleZoneIn, char* resultat);
 
 /*
  * Applies one regulation or tariff rule to the lines of the input zone (200 at most).
- * Codes: 0; 0xD112 and 0xD115, which also come with an answer zone; those of the input zone; 0xD100; 0xD102;
- * 0xD103; 0xD107; 0xD108; 0xE000+n; 0xE100; 0xDF00; 0xDF01.
+ * Codes: 0; 0xD112 and 0xD115, which also come with an answer zone; those of the input zone; 0xD100; 0xD102; 0xD103;
+ * 0xD106 to 0xD108; 0xE000+n; 0xE100; 0xF802; those of an answer zone; those of the store.
  */
 NOX_API unsigned short NOX_AppliquerRegle(const char* identifiant, void* zoneIn, unsigned int tailleZoneIn,
                                           void** zoneOut, unsigned int* tailleZoneOut);
@@ -197,7 +205,8 @@ NOX_API unsigned short NOX_AppliquerRegle(const char* identifiant, void* zoneIn,
 /*
  * Checks a whole invoice of up to 200 lines: regulation rules, prices, bases, exemption.
  * Codes: 0 no error; 0xD121 and 0xD122, errors of level 1 or 2, which come with an answer zone; those of the
- * input zone; 0xD102; 0xD103; 0xD106 to 0xD109; 0xD114; 0xE000+n; 0xE100; 0xDF00; 0xDF01.
+ * input zone; 0xD102; 0xD103; 0xD106 to 0xD109; 0xD114; 0xE000+n; 0xE100; those of an answer zone; those of the
+ * store.
  */
 NOX_API unsigned short NOX_ControleComplet(void* zoneIn, unsigned int tailleZoneIn, void** zoneOut,
                                            unsigned int* tailleZoneOut);
@@ -206,7 +215,7 @@ NOX_API unsigned short NOX_ControleComplet(void* zoneIn, unsigned int tailleZone
  * Acts indexed under a keyword (accents and letter case do not matter).
  *   cadreRecherche  sum of 1 short label, 2 long label, 4 notes, 8 general conditions, 16 menu titles; 0: all
  * Answer: one group 3000: the number of acts (5 digits), then one field of 13 characters per act.
- * Codes: 0; 0xD001 no act in that frame; 0xD002 keyword unknown; 0xF802; 0xF800; 0xDF00; 0xDF01.
+ * Codes: 0; 0xD001 no act in that frame; 0xD002 keyword unknown; 0xF802; those of an answer zone; those of the store.
  */
 NOX_API unsigned short NOX_RechercherParMotCle(const char* motCle, unsigned long cadreRecherche, void** zoneOut,
                                                unsigned int* tailleZoneOut);
@@ -214,7 +223,7 @@ NOX_API unsigned short NOX_RechercherParMotCle(const char* motCle, unsigned long
 /*
  * Acts whose code begins with the filter: 0 to 4 capital letters; "" gives all acts.
  * Answer: as NOX_RechercherParMotCle, in ascending order of codes.
- * Codes: 0; 0xD001; 0xF802; 0xF800; 0xDF00; 0xDF01.
+ * Codes: 0; 0xD001; 0xF802; those of an answer zone; those of the store.
  */
 NOX_API unsigned short NOX_RechercherParFiltre(const char* filtre, void** zoneOut, unsigned int* tailleZoneOut);
 
@@ -231,7 +240,7 @@ NOX_API unsigned short NOX_SauvegarderReferentiel(const char* commentaire);
 /*
  * Versions. Answer: one group 3600: reference version, CCAM base version, date of last modification, variant,
  * comment, revision number, software version.
- * Codes: 0; 0xF800; 0xDF00; 0xDF01.
+ * Codes: 0; those of an answer zone; 0xDF00; 0xDF01; 0xDFFC.
  */
 NOX_API unsigned short NOX_LireVersion(void** zoneOut, unsigned int* tailleZoneOut);
 

@@ -109,7 +109,9 @@ std::string signification(unsigned short code) {
   }
   for (const Famille& famille : FAMILLES) {
     if (code >= famille.base && code < famille.fin) {
-      return famille.debut + std::to_string(code - famille.base) + famille.suite;
+      // The last code of a family stands for all the places that follow.
+      const char* auDela = code + 1U == famille.fin ? " ou au-delà" : "";
+      return famille.debut + std::to_string(code - famille.base) + auDela + famille.suite;
     }
   }
   return "code inconnu";

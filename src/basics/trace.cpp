@@ -197,7 +197,7 @@ void activerModules(const char* nomFichier, const char* mode, std::string_view m
     const std::string niveau(prendreElement(modules, ','));
     long numero = 0;
     long profondeur = 0;
-    if (!lireNombre(module, 65535, numero)) {
+    if (!lireNombre(module, TRACE_NB_MODULES - 1, numero)) {
       Trace::erreur(TRACE_SYSTEME, "numéro de module (%s) incorrect", module.c_str());
       continue;
     }

@@ -56,10 +56,7 @@ CodeRetour ControleurSuperGroupe::prendreFils(const OccurrenceGroupe& fils, std:
                   identifiant, fils.lireMax());
     return codeAvecPosition(NOX_CR_NOMBRE_OCCURRENCES, identifiant);
   }
-  // Beyond 65535 occurrences of an unbounded child the count has no more to tell.
-  if (nbOccurrences_ < UINT16_MAX) {
-    ++nbOccurrences_;
-  }
+  compter(nbOccurrences_);
   if (fils.lireGroupe() != nullptr) {
     groupe = fils.lireGroupe();
     return NOX_CR_OK;
@@ -79,7 +76,7 @@ CodeRetour ControleurSuperGroupe::completerMinimum(const OccurrenceGroupe& fils,
   }
   const CodeRetour cr = entrerSuperGroupe(fils, identifiant, groupe);
   if (groupe != nullptr) {
-    ++nbOccurrences_;
+    compter(nbOccurrences_);
   } else if (cr == NOX_CR_OK) {
     // An occurrence that takes no group can be had as many times as are lacking.
     nbOccurrences_ = fils.lireMin();

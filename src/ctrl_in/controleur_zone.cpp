@@ -122,7 +122,6 @@ CodeRetour ControleurZone::lireChampSuivant(std::uint16_t& identifiant, std::uin
   return cr;
 }
 
-// A fault of content, with the place of its field in the whole zone.
 CodeRetour ControleurZone::situerFaute(CodeRetour cr) const {
   return cr == NOX_CR_CHAMP_INVALIDE ? codeAvecPosition(NOX_CR_CHAMP_INVALIDE, zone_->lireNombreChamps())
                                      : cr;

@@ -12,7 +12,8 @@
 namespace noxlux {
 
 // Codes tell the place of the fault: 0x9000 + f (f-th field of the zone), 0xA000 + n and 0xA800 + n (n-th
-// group), 0xB000 + identifier; a malformed zone is 0xF810, reading past its end 0xF805.
+// group), 0xB000 + identifier, places too far for their family being its last code; a malformed zone is
+// 0xF810, reading past its end 0xF805.
 class ControleurZone {
  public:
   // Neither is owned. Exhaustive: every group of the zone must be described; otherwise the others are
@@ -31,6 +32,8 @@ class ControleurZone {
   CodeRetour extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, T& valeur);
   // Once the last field is read: 0xA001 + number of groups read when the zone holds more.
   CodeRetour verifierFinDonnees() const;
+  // A fault of content, 0x9000, with the place of the field just read; another code stays.
+  CodeRetour situerFaute(CodeRetour cr) const;
 
  private:
   CodeRetour rechercherGroupe();
@@ -40,7 +43,6 @@ class ControleurZone {
   CodeRetour lireChampSuivant(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees,
                               const Champ*& champ);
   CodeRetour verifierMinima();
-  CodeRetour situerFaute(CodeRetour cr) const;
 
   Zone* zone_;
   ControleurSuperGroupe racine_;

@@ -228,7 +228,11 @@ std::unique_ptr<LigneActe> FonctionControleComplet::lireActe(CodeRetour& cr, con
 }
 
 void FonctionControleComplet::lireDeplacement(CodeRetour& cr, Facture& facture, std::uint16_t groupe) {
-  exiger(!facture.lignes.empty(), "facture.nbLignes > 0");
+  if (cr == NOX_CR_OK && facture.lignes.empty()) {
+    // Only a reference that describes the check otherwise lets such a line come first.
+    Trace::erreur(TRACE_CONTROLE, "Groupe %d non attendu dans zone d'entrée", groupe);
+    cr = NOX_CR_INCOHERENCE;
+  }
   const auto position = static_cast<std::uint16_t>(facture.lignes.size() + 1);
   auto ligne = std::make_unique<LigneActe>(
       groupe == DEPLACEMENT_FORFAITAIRE ? LigneActe::Type::DEPLACEMENT_1 : LigneActe::Type::DEPLACEMENT_2);

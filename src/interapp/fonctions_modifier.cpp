@@ -66,7 +66,8 @@ CodeRetour FonctionsModifier::modifier() {
                     std::tuple_cat(cle.lireCodes(), std::tie(dateEffet_), siPrevu<S::POSITION>(cle.position),
                                    std::tie(valeur), finArguments<CHANGEMENT>()));
   }
-  return cr;
+  // A value that the change refuses is that of the last field read.
+  return controleur()->situerFaute(cr);
 }
 
 CodeRetour FonctionsModifier::TB13_1() {

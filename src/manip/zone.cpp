@@ -148,7 +148,7 @@ CodeRetour Zone::avancerUnGroupe() {
   positionGroupe_ = position;
   tailleEntete_ = entete.taille;
   longueurGroupe_ = entete.longueur;
-  ++nombreGroupes_;
+  compter(nombreGroupes_);
   positionnerAvantChamps();
   return NOX_CR_OK;
 }
@@ -172,7 +172,7 @@ CodeRetour Zone::avancerUnChamp() {
   positionChamp_ = position;
   taillePrefixe_ = longueur.taillePrefixe;
   longueurChamp_ = longueur.valeur;
-  ++numeroChamp_;
+  compter(numeroChamp_);
   ++nombreChamps_;
   return NOX_CR_OK;
 }
@@ -248,7 +248,7 @@ CodeRetour Zone::lireGroupeSuivant(std::uint16_t& identifiant, std::uint16_t& oc
       return cr;
     }
     if (identifiant_ == cherche) {
-      ++rang;
+      compter(rang);
     }
   } while (positionGroupe_ != cible);
   identifiant = cherche;
@@ -334,7 +334,7 @@ CodeRetour Zone::ajouterGroupe(std::uint16_t identifiant) {
     positionGroupe_ = position;
     tailleEntete_ = TAILLE_ENTETE_MIN;
     longueurGroupe_ = 0;
-    ++nombreGroupes_;
+    compter(nombreGroupes_);
     positionnerAvantChamps();
   }
   Trace::fin(TRACE_ZONE, "cr = 0x%04X, tailleDonnees = %u", cr, tailleDonnees_);
@@ -381,7 +381,7 @@ CodeRetour Zone::insererChamp(Octets donnees) {
   ecrireLongueur(positionGroupe_ + TAILLE_IDENTIFIANT, tailleEntete_ - TAILLE_IDENTIFIANT, longueurGroupe_);
   taillePrefixe_ = prefixe;
   longueurChamp_ = longueur;
-  ++numeroChamp_;
+  compter(numeroChamp_);
   ++nombreChamps_;
   ecrireLongueur(positionChamp_, prefixe, longueur);
   copier(buffer_ + positionChamp_ + prefixe, donnees);

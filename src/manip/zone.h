@@ -90,7 +90,7 @@ class Zone {
   std::uint16_t lireIdentifiant() const { return identifiant_; }
   // Number of the current field in its group, 0 for none.
   std::uint16_t lireNumeroChamp() const { return numeroChamp_; }
-  // Groups and fields passed since the start, the current ones included.
+  // Groups (65535 for more) and fields passed since the start, the current ones included.
   std::uint16_t lireNombreGroupes() const { return nombreGroupes_; }
   std::uint32_t lireNombreChamps() const { return nombreChamps_; }
 

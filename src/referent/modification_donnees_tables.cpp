@@ -132,11 +132,13 @@ CodeRetour ModificationDonnees::modifierTauxModificateur(const Code& modificateu
                                                          const Coefficient& taux, bool enregistrer) {
   const double valeur = taux.lireValeur();
   const auto changer = [&](HistoriqueValeurModificateur& h) { h.coefficient = valeur; };
-  return changement(
-      __func__, ", Modification du taux d'un modificateur",
-      [&] { return modifierValeurModificateur(modificateur, dateEffet, changer, enregistrer); },
-      Entree{"Code modificateur", modificateur}, Entree{"Nouvelle date d'effet ", dateEffet},
-      Entree{"Nouveau taux", valeur});
+  const auto corps = [&] {
+    return valeur >= 1 ? modifierValeurModificateur(modificateur, dateEffet, changer, enregistrer)
+                       : refuserChangement(NOX_CR_CHAMP_INVALIDE, REFUS_TAUX_MODIFICATEUR);
+  };
+  return changement(__func__, ", Modification du taux d'un modificateur", corps,
+                    Entree{"Code modificateur", modificateur}, Entree{"Nouvelle date d'effet ", dateEffet},
+                    Entree{"Nouveau taux", valeur});
 }
 
 CodeRetour ModificationDonnees::annulerModificationsValeurModificateur(const Code& modificateur) {

@@ -217,7 +217,7 @@ CodeRetour Tarification::lireModificateurs(const LigneCCAM& ligne, double& forfa
     }
   }
   if (cr == NOX_CR_OK && nombreTaux > 0) {
-    facteur = taux - (nombreTaux - 1);
+    facteur = std::max(0.0, taux - (nombreTaux - 1));
   }
   return cr;
 }

@@ -368,6 +368,9 @@ struct HistoriqueCoherenceModificateur {
   }
 };
 
+inline constexpr const char* REFUS_TAUX_MODIFICATEUR =
+    "le coefficient modificateur doit etre superieur ou egal a 1";
+
 // Value of a modifier: flat amount in euros, rate (1 and above).
 struct HistoriqueValeurModificateur {
   static constexpr unsigned IDENTIFIANT = 26;
@@ -378,12 +381,12 @@ struct HistoriqueValeurModificateur {
   double coefficient = 0.0;
   template <class L = HistoriqueValeurModificateur>
   static constexpr auto champs() {
-    return std::tuple{champ(&L::dateDebut, "date debut", Controle::DateValide),
-                      champ(&L::dateFin, "date de fin", Controle::DateFacultative),
-                      champ(&L::forfait, "forfait modificateur", Controle::Positif,
-                            "le forfait modificateur doit etre superieur ou egal a zero"),
-                      champ(&L::coefficient, "coefficient modificateur", Controle::AuMoinsUn,
-                            "le coefficient modificateur doit etre superieur ou egal a 1")};
+    return std::tuple{
+        champ(&L::dateDebut, "date debut", Controle::DateValide),
+        champ(&L::dateFin, "date de fin", Controle::DateFacultative),
+        champ(&L::forfait, "forfait modificateur", Controle::Positif,
+              "le forfait modificateur doit etre superieur ou egal a zero"),
+        champ(&L::coefficient, "coefficient modificateur", Controle::AuMoinsUn, REFUS_TAUX_MODIFICATEUR)};
   }
 };
 
@@ -584,7 +587,7 @@ struct ModificationModificateur {
     return std::tuple{champ(&L::code, "code modificateur", Controle::Renseigne),
                       champ(&L::dateEffet, "date d'effet", Controle::DateValide),
                       champ(&L::forfait, "forfait", Controle::Positif),
-                      champ(&L::taux, "taux", Controle::Positif)};
+                      champ(&L::taux, "taux", Controle::AuMoinsUn, REFUS_TAUX_MODIFICATEUR)};
   }
 };
 

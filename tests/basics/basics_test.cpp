@@ -167,7 +167,7 @@ TEST_F(TraceFichier, ouvreEtFermeUnSeulFichier) {
 TEST_F(TraceFichier, seConfigureParLeFichierIni) {
   activer(TRACE_SYSTEME, 3);
   ecrire("o.ini",
-         "[NOX]\nFichierTrace=" + nom("autre") + "\nModeTrace=w\nModulesTrace= 0:2 , 3:x, :1, 70000:1,4:3\n");
+         "[NOX]\nFichierTrace=" + nom("autre") + "\nModeTrace=w\nModulesTrace= 0:2 , 3:x, :1, 10:1,4:3\n");
   FichierIni ini;
   EXPECT_EQ(ini.parserFichier(nom("o.ini").c_str()), 0);
   initialiserTrace(ini);
@@ -177,7 +177,7 @@ TEST_F(TraceFichier, seConfigureParLeFichierIni) {
   const std::string texte = lire("trace");
   EXPECT_NE(texte.find("ERREUR : niveau de profondeur (x) incorrect"), std::string::npos);
   EXPECT_NE(texte.find("ERREUR : numéro de module () incorrect"), std::string::npos);
-  EXPECT_NE(texte.find("ERREUR : numéro de module (70000) incorrect"), std::string::npos);
+  EXPECT_NE(texte.find("ERREUR : numéro de module (10) incorrect"), std::string::npos);
 }
 
 TEST_F(FichierTest, leSuiviDeParcEcritLaVersionSeule) {

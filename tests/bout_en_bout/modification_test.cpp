@@ -181,6 +181,7 @@ TEST_F(Modification, RefusedChangesLeaveEverythingAsItWas) {
       {"TB07_1", "20110228", {{3205, {"972", "15000"}}}, 0xD004},
       {"TB02_1", EFFET, {{3204, {"X", "600"}}}, 0xD002},
       {"TB11_1", EFFET, {{3206, {"X", "600"}}}, 0xD002},
+      {"TB11_2", EFFET, {{3207, {"K", "999"}}}, 0x9002},
   };
   for (const auto& [identifiant, date, entree, code] : cas) {
     SCOPED_TRACE(testing::Message() << identifiant << " " << date << " " << entree[0]);

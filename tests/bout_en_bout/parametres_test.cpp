@@ -133,7 +133,10 @@ TEST_F(Parametres, OutputAddresses) {
     EXPECT_EQ(taille, 0U);
     EXPECT_EQ(appel(&zone, nullptr), NOX_CR_PARAMETRE_SORTIE);
     EXPECT_EQ(zone, nullptr);
+    const TraceEssai trace({6});
     EXPECT_EQ(appel(nullptr, nullptr), NOX_CR_PARAMETRE_SORTIE);
+    EXPECT_TRUE(trace.contient("ERREUR: buffer = pointeur nul."));
+    EXPECT_FALSE(trace.contient("ERREUR: taille nulle.")) << "one fault is told";
   }
 }
 
@@ -174,6 +177,58 @@ TEST_F(Parametres, MalformedZones) {
               return NOX_ConsulterDonnee("CCAM_1", DATE, long_.adresse(), long_.taille(), z, t);
             }).zone,
             (Zone{{3116, {"O"}}}));
+}
+
+// Faults at places that do not fit in their family of codes: the last code of the family stands for them all.
+TEST_F(Parametres, PlacesBeyondTheirFamily) {
+  const Zone prix = {{3400, {"1", "974"}}, {3410, {"1", DATE, "HBFD008", "1", "0"}}};
+  Zone facture = factureDentaire("10400");
+  facture.pop_back();
+  const Groupe outrepassee = {3530, {"1", "PROD999"}};
+  const Groupe sansChamp = {3530, {}};
+  const Groupe inconnu = {4000, {""}};
+  constexpr unsigned CHAMP = 0;  // the fault is a refused field at that place, instead of a group
+  const struct {
+    unsigned place;
+    Groupe fautif;
+    unsigned regle;
+    unsigned complet;
+  } cas[] = {
+      {2046, sansChamp, 0xAFFE, 0xAFFE},
+      {2047, sansChamp, 0xAFFF, 0xAFFF},
+      {2048, sansChamp, 0xAFFF, 0xAFFF},
+      {22528, sansChamp, 0xAFFF, 0xAFFF},
+      {65537, sansChamp, 0xAFFF, 0xAFFF},
+      {4094, {CHAMP, {}}, 0x9FFE, 0x9FFE},
+      {4096, {CHAMP, {}}, 0x9FFF, 0x9FFF},
+      {16673, {CHAMP, {}}, 0x9FFF, 0x9FFF},
+      {28672, {CHAMP, {}}, 0x9FFF, 0x9FFF},
+      {2046, inconnu, 0xA7FE, 0},
+      {2048, inconnu, 0xA7FF, 0},
+      {24576, inconnu, 0xA7FF, 0},
+      {22528, {3530, {"1", "PROD999", ""}}, 0xAFFF, 0},
+  };
+  for (const auto& [place, fautif, regle, complet] : cas) {
+    for (const bool unique : {true, false}) {
+      SCOPED_TRACE(testing::Message() << place << " " << fautif << (unique ? " rule" : " full check"));
+      Zone zone = unique ? prix : facture;
+      std::size_t champs = 0;
+      for (const Groupe& groupe : zone) {
+        champs += groupe.champs.size();
+      }
+      const bool parGroupes = fautif.identifiant != CHAMP;
+      zone.resize(zone.size() + (parGroupes ? place - 1 - zone.size() : (place - 1 - champs) / 2),
+                  outrepassee);
+      zone.push_back(parGroupes                      ? fautif
+                     : (place - 1 - champs) % 2 != 0 ? Groupe{3530, {"1", "prod"}}
+                                                     : Groupe{3530, {"x", "PROD999"}});
+      if (!unique) {
+        zone.push_back({3500, {""}});
+      }
+      const unsigned code = unique ? regle : complet;
+      EXPECT_EQ((unique ? appliquer("C_Pu", zone) : controlerComplet(zone)).code, code);
+    }
+  }
 }
 
 // Every cut and every changed byte of real requests: an answer or a code, never a byte read outside.

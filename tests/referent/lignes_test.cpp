@@ -62,6 +62,9 @@ TEST(Lignes, valeursRefusees) {
       {"026", assembler({DATE_DEBUT, DATE_OUVERTE, ZERO, CENTIEMES_99}),
        "ERREUR : le coefficient modificateur doit etre superieur ou egal a 1, Code retour "
        "HistoriqueValeurModificateur::lireLigne"},
+      {"040", assembler({"K", DATE_DEBUT, ZERO, CENTIEMES_99}),
+       "ERREUR : le coefficient modificateur doit etre superieur ou egal a 1, Code retour "
+       "ModificationModificateur::lireLigne"},
       {"026", assembler({DATE_DEBUT, DATE_OUVERTE, MOINS_UN, UN}),
        "ERREUR : le forfait modificateur doit etre superieur ou egal a zero"},
       {"026", assembler({DATE_OUVERTE, DATE_OUVERTE, ZERO, UN}), "ERREUR : date debut incorrect"},

@@ -160,21 +160,24 @@ TEST(Champ, refuseCeQuIlNePeutConvertir) {
     ValeurChamp valeur;
     EXPECT_EQ(transformer(champ(cas.format, cas.type), octets(cas.donnees), valeur), cas.code);
   }
+  // Asked as another type than it is described: the content comes first.
   Nombre nombre;
   EXPECT_EQ(champ(Format::Numerique, Type::Code).transformer(octets("1"), nombre), NOX_CR_INCOHERENCE);
+  EXPECT_EQ(champ(Format::Libre, Type::Code).transformer(octets("a"), nombre), NOX_CR_CHAMP_INVALIDE);
+  EXPECT_EQ(champ(Format::Libre, Type::Booleen).transformer(octets("1"), nombre), NOX_CR_CHAMP_INVALIDE);
 }
 
 // --- A whole zone ---
 
 // A small description: 3000 once (a code of at most 5 characters, a number); 3001 up to twice (a code among A
 // and B); then a repeated block at least once, of 1610 once (a number), 1820 at most once, 2200 at most
-// twice, in which a nested block of 2300 and 2310 may come; last, 9000 once.
+// twice, in which a nested block of 2300 and 2310 may come; last, 8000 once.
 class Description {
  public:
   Description() {
     groupe(3000, {{Format::Alphanumerique, Type::Code, 1, 5}, {Format::Numerique, Type::Nombre, 1, 5}});
     groupe(3001, {{Format::Alphanumerique, Type::Code, 0, 0, {"A", "B"}}});
-    for (const std::uint16_t identifiant : std::vector<std::uint16_t>{1610, 1820, 2200, 2300, 2310, 9000}) {
+    for (const std::uint16_t identifiant : std::vector<std::uint16_t>{1610, 1820, 2200, 2300, 2310, 8000}) {
       groupe(identifiant, {{Format::Numerique, Type::Nombre, 1, 5}});
     }
     ajouter(racine, 3000, 1, 1);
@@ -188,7 +191,7 @@ class Description {
     ajouter(*interne, 2310, 1, 0);
     EXPECT_EQ(bloc->ajouterFils(std::move(interne), 0, 1), NOX_CR_OK);
     EXPECT_EQ(racine.ajouterFils(std::move(bloc), 1, 0), NOX_CR_OK);
-    ajouter(racine, 9000, 1, 1);
+    ajouter(racine, 8000, 1, 1);
   }
 
   SuperGroupe racine{7, "ESSAI", 4};
@@ -239,7 +242,7 @@ CodeRetour lireTout(Zone& zone, const SuperGroupe& racine, bool exhaustif, unsig
 }
 
 const essai::Groupe TETE = {3000, {"ABC", "12"}};
-const essai::Groupe FIN = {9000, {"9"}};
+const essai::Groupe FIN = {8000, {"9"}};
 const essai::Groupe LIGNE = {1610, {"1"}};
 
 struct CasZone {
@@ -269,7 +272,7 @@ TEST(ControleurZone, situeLaFaute) {
            {"groupe obligatoire absent au début", {LIGNE, FIN}, 0xB000 + 3000, 0xB000 + 3000},
            {"troisième occurrence", {TETE, un3001, un3001, un3001, LIGNE, FIN}, 0xB000 + 3001, 0xB000 + 3001},
            {"bloc obligatoire absent", {TETE, FIN}, 0xB000 + 1610, 0xB000 + 1610},
-           {"dernier groupe absent", {TETE, LIGNE}, 0xB000 + 9000, 0xB000 + 9000},
+           {"dernier groupe absent", {TETE, LIGNE}, 0xB000 + 8000, 0xB000 + 8000},
            {"bloc interne incomplet", {TETE, LIGNE, un2300, FIN}, 0xB000 + 2310, 0},
            {"bloc interne incomplet à la fin", {TETE, LIGNE, un2300}, 0xB000 + 2310, 0xB000 + 2310},
            {"bloc interne deux fois",
@@ -278,11 +281,11 @@ TEST(ControleurZone, situeLaFaute) {
             0xB000 + 2300},
            {"deux 1820 dans un bloc", {TETE, LIGNE, un1820, un1820, FIN}, 0xB000 + 1820, 0xB000 + 1820},
            {"un 1820 par bloc", {TETE, LIGNE, un1820, LIGNE, un1820, FIN}, 0, 0},
-           {"groupe déjà passé", {TETE, LIGNE, un2200, un1820, FIN}, 0xB000 + 9000, 0},
+           {"groupe déjà passé", {TETE, LIGNE, un2200, un1820, FIN}, 0xB000 + 8000, 0},
            {"groupe inconnu avant un obligatoire", {TETE, inconnu, LIGNE, FIN}, 0xB000 + 1610, 0},
            {"groupe inconnu à la fin", {TETE, LIGNE, FIN, inconnu}, 0xA004, NOX_CR_FIN_ZONE},
            {"identifiant 0", {TETE, LIGNE, FIN, {0, {"1"}}}, 0xA004, NOX_CR_FIN_ZONE},
-           {"groupe doublé à la fin", {TETE, LIGNE, FIN, FIN}, 0xB000 + 9000, 0xB000 + 9000},
+           {"groupe doublé à la fin", {TETE, LIGNE, FIN, FIN}, 0xB000 + 8000, 0xB000 + 8000},
            {"inconnu au milieu des occurrences",
             {TETE, un3001, inconnu, un3001, LIGNE, FIN},
             0xB000 + 1610,
@@ -295,7 +298,7 @@ TEST(ControleurZone, situeLaFaute) {
            {"trop peu de champs", {TETE, {3001, {}}, LIGNE, FIN}, 0xA802, 0xA802},
            {"trop peu de champs en tête", {{3000, {"ABC"}}, LIGNE, FIN}, 0xA801, 0xA801},
            {"trop de champs", {TETE, {1610, {"1", "2"}}, FIN}, 0xA802, 0},
-           {"trop de champs à la fin", {TETE, LIGNE, {9000, {"1", "2"}}}, 0xA803, NOX_CR_FIN_ZONE}}) {
+           {"trop de champs à la fin", {TETE, LIGNE, {8000, {"1", "2"}}}, 0xA803, NOX_CR_FIN_ZONE}}) {
     SCOPED_TRACE(cas.quoi);
     unsigned lus = 0;
     ZoneEssai stricte(cas.groupes);
@@ -391,11 +394,24 @@ TEST(ControleurZone, accepteLesDescriptionsLimites) {
   }
 }
 
+// An identifier that its family of codes cannot tell is a fault all the same.
+TEST(ControleurZone, refuseUnGroupeAbsentDIdentifiantTropGrand) {
+  Groupe grand(20480, 1);
+  ASSERT_EQ(grand.ajouterChamp(Format::Libre, Type::Texte, 0, 0, {}), NOX_CR_OK);
+  SuperGroupe racine(1, "GRAND", 1);
+  ASSERT_EQ(racine.ajouterFils(&grand, 1, 1), NOX_CR_OK);
+  for (const bool exhaustif : {true, false}) {
+    unsigned lus = 0;
+    ZoneEssai essai(essai::Zone{{1000, {"a"}}});
+    EXPECT_EQ(lireTout(essai.zone, racine, exhaustif, lus), 0xCFFF);
+  }
+}
+
 // --- Hostile zones ---
 
 bool estUnCodeDeZone(CodeRetour cr, bool exhaustif) {
   constexpr unsigned POSITION_MAX = 40;
-  constexpr unsigned DECRITS[] = {3000, 3001, 1610, 1820, 2200, 2300, 2310, 9000};
+  constexpr unsigned DECRITS[] = {3000, 3001, 1610, 1820, 2200, 2300, 2310, 8000};
   const auto famille = [cr](unsigned base) { return cr > base && cr <= base + POSITION_MAX; };
   const bool occurrences = std::any_of(std::begin(DECRITS), std::end(DECRITS),
                                        [cr](unsigned identifiant) { return cr == 0xB000 + identifiant; });
@@ -461,7 +477,7 @@ TEST(ControleurZone, repondUnCodeSpecifieATouteZoneAbimee) {
           // least.
           ++acceptees;
           const std::vector<unsigned> lues = identifiants(abimee);
-          ASSERT_TRUE(exhaustif ? lues == structure : estContenu({3000, 1610, 9000}, lues))
+          ASSERT_TRUE(exhaustif ? lues == structure : estContenu({3000, 1610, 8000}, lues))
               << "octet " << i << " = " << octet;
         }
       }
