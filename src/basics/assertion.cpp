@@ -5,9 +5,8 @@
 
 namespace noxlux {
 
-void echecAssertion(const char* texte, const std::source_location& lieu) noexcept {
-  std::fprintf(stderr, "%s:%u: %s: Assertion `%s' failed.\n", lieu.file_name(),
-               static_cast<unsigned>(lieu.line()), lieu.function_name(), texte);
+void echecAssertion(const char* texte, const LieuSource& lieu) noexcept {
+  std::fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", lieu.fichier, lieu.ligne, lieu.fonction, texte);
   std::abort();
 }
 

@@ -32,16 +32,16 @@ std::string_view sansBlancsADroite(std::string_view texte) {
 }
 
 template <class Ajout>
-CodeRetour ajouterSousLimite(std::size_t nombre, std::size_t maximum, const char* limite, const char* memoire,
-                             Ajout ajout) {
+CodeRetour ajouterSousLimite(std::size_t nombre, std::size_t maximum, FormatVerifie<> limite,
+                             FormatVerifie<> memoire, Ajout ajout) {
   if (nombre >= maximum) {
-    Trace::erreur(TRACE_SYSTEME, "%s", limite);
+    Trace::erreur(TRACE_SYSTEME, limite);
     return NOX_CR_INI_LIMITE;
   }
   try {
     ajout();
   } catch (const std::bad_alloc&) {
-    Trace::erreur(TRACE_SYSTEME, "%s", memoire);
+    Trace::erreur(TRACE_SYSTEME, memoire);
     return NOX_CR_MEMOIRE;
   }
   return NOX_CR_OK;

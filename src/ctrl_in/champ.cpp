@@ -207,6 +207,30 @@ CodeRetour Champ::refuserType() const {
   return NOX_CR_INCOHERENCE;
 }
 
+// What a value of the described type would refuse.
+CodeRetour Champ::controlerType(Octets donnees) const {
+  const auto essayer = [&]<class T>(T valeur) { return convertir(donnees, type_, valeur); };
+  switch (type_) {
+    case Type::Code:
+      return essayer(Code());
+    case Type::Booleen:
+      return essayer(Booleen());
+    case Type::Date:
+      return essayer(Date());
+    case Type::Nombre:
+      return essayer(Nombre());
+    case Type::Montant:
+      return essayer(Montant());
+    case Type::Coefficient:
+    case Type::Taux:
+      return essayer(Coefficient());
+    case Type::Texte:
+    case Type::Aucun:
+      break;
+  }
+  return NOX_CR_OK;
+}
+
 template <class T>
 CodeRetour Champ::transformer(Octets donnees, T& valeur) const {
   const CodeRetour cr = controler(donnees);
@@ -217,7 +241,12 @@ CodeRetour Champ::transformer(Octets donnees, T& valeur) const {
     valeur = T();
     return NOX_CR_OK;
   }
-  return estDecritComme<T>() ? convertir(reduire(donnees), type_, valeur) : refuserType();
+  if (estDecritComme<T>()) {
+    return convertir(reduire(donnees), type_, valeur);
+  }
+  // The content comes first: what the host can mend is told before what the reference describes otherwise.
+  const CodeRetour contenu = controlerType(reduire(donnees));
+  return contenu != NOX_CR_OK ? contenu : refuserType();
 }
 
 template CodeRetour Champ::transformer(Octets donnees, Code& valeur) const;

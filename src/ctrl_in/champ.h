@@ -41,6 +41,7 @@ class Champ {
   CodeRetour controlerValeurs(Octets donnees) const;
   template <class T>
   bool estDecritComme() const;
+  CodeRetour controlerType(Octets donnees) const;
   CodeRetour refuserType() const;
 
   Format format_ = Format::Indifferent;

@@ -56,17 +56,15 @@ CodeRetour ControleurParametres::verifierZoneIn(void* buffer, unsigned int taill
 CodeRetour ControleurParametres::verifierZoneOut(void** buffer, unsigned int* taille) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_PARAMETRES, cr, "ControleurParametres::verifierZoneOut");
-  if (taille == nullptr) {
-    Trace::erreur(TRACE_PARAMETRES, "ERREUR: taille nulle.");
-    cr = NOX_CR_PARAMETRE_SORTIE;
-  } else {
-    *taille = 0;
-  }
   if (buffer == nullptr) {
     Trace::erreur(TRACE_PARAMETRES, "ERREUR: buffer = pointeur nul.");
     cr = NOX_CR_PARAMETRE_SORTIE;
+  } else if (taille == nullptr) {
+    Trace::erreur(TRACE_PARAMETRES, "ERREUR: taille nulle.");
+    cr = NOX_CR_PARAMETRE_SORTIE;
   } else {
     *buffer = nullptr;
+    *taille = 0;
   }
   return cr;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <limits>
 #include <new>
@@ -28,7 +29,11 @@ Lecteur::Lecteur(Referentiel* referentiel, std::FILE* fichier)
 }
 
 CodeRetour Lecteur::positionner(std::uint32_t position) {
-  if (position > taille_ || fseeko(fichier_, static_cast<off_t>(position), SEEK_SET) != 0) {
+  if (position > taille_) {
+    errno = EINVAL;  // as the system tells other places that do not exist
+    return NOX_CR_LECTURE_REFERENCE;
+  }
+  if (fseeko(fichier_, static_cast<off_t>(position), SEEK_SET) != 0) {
     return NOX_CR_LECTURE_REFERENCE;
   }
   offset_ = position;

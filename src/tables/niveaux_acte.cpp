@@ -62,12 +62,15 @@ std::string_view lireCode(const CodeFixe<T>& code) {
   return code.entier();
 }
 
+// A text is placed by its end, a byte by itself.
 template <class N, class T>
 CodeRetour controlerElement(const ListeNiveau<N, T>& liste, const T& element, std::int64_t fin) {
+  const std::int64_t position = sizeof(T) == 1 ? fin - 1 : fin;
   if (liste.obligatoire && !Lecteur::codeRenseigne(lireCode(element))) {
-    return refuser(*liste.obligatoire, fin);
+    return refuser(*liste.obligatoire, position);
   }
-  return Lecteur::controlerCode(lireCode(element)) ? CodeRetour{NOX_CR_OK} : refuser(liste.incorrect, fin);
+  return Lecteur::controlerCode(lireCode(element)) ? CodeRetour{NOX_CR_OK}
+                                                   : refuser(liste.incorrect, position);
 }
 template <class N>
 CodeRetour controlerElement(const ListeNiveau<N, Association>& liste, const Association& element,

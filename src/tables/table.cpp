@@ -78,7 +78,9 @@ void Table::creerLignesTable(std::uint32_t nombre) {
     etat_ = ETAT_ERREUR_ALLOCATION;
   }
   if (etat_ == ETAT_ERREUR_ALLOCATION) {
+    // Lines lie in their array: both lack.
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR : probleme d'allocation memoire : lignes= new LigneTable*");
+    Trace::erreur(TRACE_CHARGEMENT, "ERREUR dans Table::creerLigneTable: probleme d'allocation memoire");
   }
 }
 
