@@ -21,8 +21,8 @@ release32: paquets
 install: release
 	@cmake --install build/release
 
-package: release
-	@cd build/release && cpack
+package:
+	@packaging/construire-paquets
 
 demo: release
 	@packaging/demo build/release

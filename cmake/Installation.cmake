@@ -1,4 +1,4 @@
-# What is installed, and the packages made of it (`make package`).
+# What is installed; debian/ makes packages of it (`make package`).
 install(TARGETS noxlux EXPORT noxlux LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/noxlux DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT noxlux NAMESPACE noxlux:: FILE noxluxConfig.cmake DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/noxlux)
@@ -7,15 +7,14 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/noxluxConfigVersion.cmake C
 install(FILES ${CMAKE_BINARY_DIR}/noxluxConfigVersion.cmake DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/noxlux)
 configure_file(packaging/noxlux.pc.in ${CMAKE_BINARY_DIR}/noxlux.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/noxlux.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-install(FILES packaging/man/noxlux.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+option(NOXLUX_MANUELS "Make the manual pages" OFF)
+if(NOXLUX_MANUELS)
+  add_custom_target(manuels ALL
+    COMMAND python3 ${CMAKE_SOURCE_DIR}/packaging/man/generer.py $<TARGET_FILE:noxlux_commande> ${CMAKE_BINARY_DIR}/man
+    DEPENDS noxlux_commande VERBATIM)
+  install(DIRECTORY ${CMAKE_BINARY_DIR}/man/ DESTINATION ${CMAKE_INSTALL_MANDIR})
+endif()
 install(FILES packaging/noxlux.bash-completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
   RENAME noxlux)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
 install(DIRECTORY reference/exemple DESTINATION ${CMAKE_INSTALL_DATADIR}/noxlux)
-
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "the noxlux maintainers <noxlux@localhost>")
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_STRIP_FILES ON)
-include(CPack)

@@ -247,7 +247,8 @@ NOX_API unsigned short NOX_LireVersion(void** zoneOut, unsigned int* tailleZoneO
 /*
  * Sets the trace level of a module, opening or closing the trace file as needed. Works without reference.
  *   nomFichier, modeOuverture  file and "w" or "a"; looked at only when the file is not open yet
- *   module  0 to 9;  niveau  0 silent, 1 start and end lines to depth 8, 2 all of them, 3 and above details
+ *   module  0 to 9
+ *   niveau  0 silent, 1 start and end lines to depth 8, 2 all of them, 3 and above details
  * Codes: 0; 0xD200 module above 9; 0xD201 file not opened; 0xF802 name or mode refused.
  */
 NOX_API unsigned short NOX_InitTrace(const char* nomFichier, const char* modeOuverture, unsigned short module,
