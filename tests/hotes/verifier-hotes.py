@@ -42,7 +42,7 @@ with tempfile.TemporaryDirectory() as nom:
 
     statut, sortie = lancer(*compiler, sources / "examples/premier.c", "-o", dossier / "premier", *lier)
     verifier("premier.c compiles", statut == 0, sortie)
-    statut, sortie = lancer(dossier / "premier", f"{configuration()}/", dossier=dossier)
+    statut, sortie = lancer(dossier / "premier", configuration().parent)
     verifier("premier answers a price", statut == 0 and sortie == "HHFA001 : 17679 centimes\n", sortie)
     verifier("the README shows premier.c as it is",
              (sources / "examples/premier.c").read_text() in (sources / "README.md").read_text())
