@@ -196,6 +196,10 @@ NOX_API unsigned short NOX_ControlerDonnees(const char* identifiant, const char*
 
 /*
  * Applies one regulation or tariff rule to the lines of the input zone (200 at most).
+ * An amount in an answer is cut to the cent below. NOX_ControleComplet compares the price billed with the
+ * computed one rounded to the nearest cent: where the third decimal is 5 or more, which an overseas increase
+ * makes, the price that C_Pu answers is one cent too low to be billed. The price to bill is the amount of
+ * CCAM_37 times the coefficient of CCAM_47a, to the nearest cent.
  * Codes: 0; 0xD112 and 0xD115, which also come with an answer zone; those of the input zone; 0xD100; 0xD102; 0xD103;
  * 0xD106 to 0xD108; 0xE000+n; 0xE100; 0xF802; those of an answer zone; those of the store.
  */

@@ -83,6 +83,21 @@ std::string enClair(const Json& valeurs) {
   return texte.empty() ? "(rien)" : texte;
 }
 
+// The fund of TB07_1 numbers the columns of the thresholds: 971 is the metropole's, not Guadeloupe's. What is
+// changed is told by its name; "" for the other data.
+std::string colonneDuSeuil(const std::string& identifiant, const std::vector<std::string>& champs) {
+  constexpr std::pair<const char*, const char*> COLONNES[] = {{"caisse=971", "métropole"},
+                                                              {"caisse=972", "Antilles"},
+                                                              {"caisse=973", "La Réunion"},
+                                                              {"caisse=974", "Guyane"}};
+  for (const auto& [champ, colonne] : COLONNES) {
+    if (identifiant == "TB07_1" && std::find(champs.begin(), champs.end(), champ) != champs.end()) {
+      return colonne;
+    }
+  }
+  return "";
+}
+
 // Keeps of two lists of values those that are not in both.
 void garderLesDifferences(Json& avant, Json& apres) {
   const auto retirer = [](Json& liste, const Json& autre) {
@@ -131,14 +146,17 @@ void changer(const OptionsModifier& options, const std::string& identifiant, con
   Json apres = valeursEnVigueur(identifiant, options.champs, date);
   exigerSucces("NOX_SauvegarderReferentiel", NOX_SauvegarderReferentiel(commentaire.texte.c_str()));
   garderLesDifferences(avant, apres);
+  const std::string colonne = colonneDuSeuil(identifiant, options.champs);
   if (options.json) {
-    std::cout << Json{{"identifiant", identifiant}, {"date", date}, {"avant", avant}, {"apres", apres}}.dump(
-                     2)
-              << '\n';
+    Json resultat = {{"identifiant", identifiant}, {"date", date}, {"avant", avant}, {"apres", apres}};
+    if (!colonne.empty()) {
+      resultat["colonne"] = colonne;
+    }
+    std::cout << resultat.dump(2) << '\n';
     return;
   }
   const std::string jour = date.substr(6, 2) + "/" + date.substr(4, 2) + "/" + date.substr(0, 4);
-  std::cout << identifiant << " " << verbe << " au " << jour << '\n'
+  std::cout << identifiant << (colonne.empty() ? "" : " (seuil : " + colonne + ")") << " " << verbe << " au " << jour << '\n'
             << "  avant : " << enClair(avant) << '\n'
             << "  après : " << enClair(apres) << '\n'
             << "Sauvegardé dans modifref.nox.\n";

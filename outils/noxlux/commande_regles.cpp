@@ -3,10 +3,12 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <map>
 #include <memory>
 
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
+#include "noxlux/facture_json.h"
 #include "noxlux/requete.h"
 
 namespace noxlux::commande {
@@ -62,6 +64,41 @@ std::string zoneDemandee(const FonctionDecrite& fonction, const OptionsRegle& op
   }
 }
 
+constexpr unsigned GROUPE_ENTETE_PRIX = 3400;
+constexpr unsigned GROUPE_LIGNE_PRIX = 3410;
+constexpr unsigned GROUPE_PRIX = 3411;
+constexpr const char* PRIX_A_FACTURER = "prixAFacturer";
+
+// C_Pu answers amounts cut to the cent below, while the check compares a price with the nearest cent: beside
+// each price stands the one to bill.
+void ajouterPrixAFacturer(const std::string& demande, Json& reponses) {
+  std::string caisse;
+  std::map<Json, Json> lignes;  // by number
+  for (Json& groupe : decoderZone(demande, false)) {
+    if (groupe["groupe"] == GROUPE_ENTETE_PRIX) {
+      caisse = groupe["champs"].value("caissePS", "");
+    } else if (groupe["groupe"] == GROUPE_LIGNE_PRIX) {
+      lignes[groupe["champs"]["numero"]] = groupe["champs"];
+    }
+  }
+  for (Json& reponse : reponses) {
+    const auto ligne = lignes.find(reponse["champs"].value("numero", Json()));
+    if (reponse["groupe"] == GROUPE_PRIX && ligne != lignes.end()) {
+      reponse[PRIX_A_FACTURER] = prixAFacturer(ligne->second, caisse);
+    }
+  }
+}
+
+// For a person the price to bill is one more field.
+Json enChamps(Json groupes) {
+  for (Json& groupe : groupes) {
+    if (groupe.contains(PRIX_A_FACTURER)) {
+      groupe["champs"][PRIX_A_FACTURER] = texteValeur(groupe[PRIX_A_FACTURER], 'M');
+    }
+  }
+  return groupes;
+}
+
 void appliquer(const OptionsRegle& options, int& statut) {
   const FonctionDecrite& fonction = trouverFonction("regle", options.identifiant);
   std::string zone = zoneDemandee(fonction, options);
@@ -73,11 +110,14 @@ void appliquer(const OptionsRegle& options, int& statut) {
   if (reponse.zone.empty() && reponse.code != NOX_CR_OK) {
     throw ErreurBibliotheque("NOX_AppliquerRegle", reponse.code);
   }
-  const Json groupes = decoderZone(reponse.zone, true);
+  Json groupes = decoderZone(reponse.zone, true);
+  if (fonction.nom == "C_Pu") {
+    ajouterPrixAFacturer(zone, groupes);
+  }
   if (options.json) {
     std::cout << groupes.dump(2) << '\n';
   } else {
-    afficherGroupes(groupes, std::cout);
+    afficherGroupes(enChamps(std::move(groupes)), std::cout);
   }
   if (reponse.code != NOX_CR_OK) {
     std::cerr << "noxlux : " << hexadecimal(reponse.code) << " : " << signification(reponse.code) << '\n';

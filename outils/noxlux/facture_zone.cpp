@@ -81,9 +81,12 @@ Chemin placeDuChamp(const Chemin& chemin, std::string_view nom) {
 
 // --- What a field admits ---
 
-void controlerDate(const std::string& texte, const Chemin& chemin) {
-  const std::string chiffres = dateCompacte(texte).value_or("");
-  if (!Date::estValide(reinterpret_cast<const byte*>(chiffres.data()), chiffres.size())) {
+// A field of dates admits the days of the calendar; one of any format, a birth date, also a month or a day
+// beyond the calendar, for a person whose day of birth is not known.
+void controlerDate(const ChampDecrit& champ, const std::string& texte, const Chemin& chemin) {
+  const Date date(dateCompacte(texte).value_or(""));
+  const bool inconnue = champ.format != 'D' && date.lireBrute().estHorsCalendrier();
+  if (!date.lireBrute().estValide() && !inconnue) {
     chemin.refuser("une date AAAA-MM-JJ du calendrier est attendue");
   }
 }
@@ -107,7 +110,7 @@ void controlerType(const ChampDecrit& champ, const Json& valeur, const Chemin& c
       if (!valeur.is_string()) {
         chemin.refuser("une date AAAA-MM-JJ est attendue");
       }
-      controlerDate(valeur.get_ref<const std::string&>(), chemin);
+      controlerDate(champ, valeur.get_ref<const std::string&>(), chemin);
       break;
     default:
       if (!valeur.is_string()) {

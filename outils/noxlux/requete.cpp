@@ -153,9 +153,13 @@ std::string texteValeur(const Json& valeur, char type) {
     return valeur.get<bool>() ? "oui" : "non";
   }
   if (valeur.is_number_float()) {
+    // An amount has two decimals, and more only where they tell something.
     char texte[32];
-    std::snprintf(texte, sizeof texte, type == 'F' ? "%.3f" : "%.2f", valeur.get<double>());
+    std::snprintf(texte, sizeof texte, "%.*f", type == 'F' ? 3 : type == 'M' ? 5 : 2, valeur.get<double>());
     std::string resultat = texte;
+    while (type == 'M' && resultat.back() == '0' && resultat[resultat.size() - 3] != '.') {
+      resultat.pop_back();
+    }
     std::replace(resultat.begin(), resultat.end(), '.', ',');
     return type == 'M' ? resultat + " €" : resultat;
   }

@@ -80,6 +80,15 @@ CodeRetour convertir(Octets donnees, Champ::Type /*type*/, Booleen& booleen) {
   return NOX_CR_OK;
 }
 
+CodeRetour convertir(Octets donnees, Champ::Type /*type*/, Date& date) {
+  const Date lue(donnees.data(), donnees.size());
+  if (!lue.ok()) {
+    return refuser("ERREUR: date (%s) invalide.", donnees);
+  }
+  date = lue;
+  return NOX_CR_OK;
+}
+
 // The other types tell by themselves whether they could be built.
 template <class T>
 CodeRetour convertir(Octets donnees, Champ::Type type, T& valeur) {

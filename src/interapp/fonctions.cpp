@@ -130,7 +130,7 @@ Date Fonctions::extraireDateNaissance(CodeRetour& cr) {
     Trace::erreur(TRACE_PARAMETRES, "ERREUR: Date de naissance non renseignée");
     cr = codeAvecPosition(NOX_CR_CHAMP_INVALIDE, controleur_->lireZone().lireNombreChamps());
   }
-  return date;
+  return date.ramener();
 }
 
 void Fonctions::verifierNumeroPrestation(CodeRetour& cr, const Nombre& attendu, std::uint16_t ligne) {

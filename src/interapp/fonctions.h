@@ -88,7 +88,8 @@ class Fonctions {
   ListeCodes extraireDents(CodeRetour& cr);
   // Two fields in one code.
   Code extraireNumeroPS(CodeRetour& cr);
-  // An empty date is 0x9000 + its field.
+  // An empty date is 0x9000 + its field. A day that is not known (month above 12, day above 31) is taken as
+  // 1 January of its year.
   Date extraireDateNaissance(CodeRetour& cr);
   // A number that must be `attendu`: otherwise 0xE000 + ligne.
   void verifierNumeroPrestation(CodeRetour& cr, const Nombre& attendu, std::uint16_t ligne);

@@ -62,7 +62,7 @@ CodeRetour FonctionsAppliquer::executer(std::uint16_t numero, ZoneSortie& zoneOu
 CodeRetour FonctionsAppliquer::C_Association(ZoneSortie& zoneOut) {
   CodeRetour cr = NOX_CR_OK;
   Facture facture;
-  lireLignesCCAM(cr, facture, "C-Association", "ERREUR: Nombre de groupes 3310 trop grand",
+  lireLignesCCAM(cr, facture, lireDebrayantes(cr, "C-Association"), "ERREUR: Nombre de groupes 3310 trop grand",
                  [this](CodeRetour& code, LigneCCAM& ligne) {
                    ligne.activite = extraireCode(code);
                    ligne.numeroPS = extraireNumeroPS(code);
@@ -94,9 +94,10 @@ CodeRetour FonctionsAppliquer::C_Association(ZoneSortie& zoneOut) {
 CodeRetour FonctionsAppliquer::C_Base(ZoneSortie& zoneOut) {
   CodeRetour cr = NOX_CR_OK;
   Facture facture;
+  const ListeCodes debrayantes = lireDebrayantes(cr, "C-Base");
   facture.conventionPS = extraireCode(cr);
   facture.caissePS = extraireCode(cr);
-  lireLignesCCAM(cr, facture, "C-Base", "ERREUR: Nombre de groupes 3420 trop grand",
+  lireLignesCCAM(cr, facture, debrayantes, "ERREUR: Nombre de groupes 3420 trop grand",
                  [this](CodeRetour& code, LigneCCAM& ligne) {
                    ligne.activite = extraireCode(code);
                    ligne.phase = extrairePhase(code);
@@ -159,9 +160,10 @@ CodeRetour FonctionsAppliquer::C_Dent(ZoneSortie& zoneOut) {
 CodeRetour FonctionsAppliquer::C_Pu(ZoneSortie& zoneOut) {
   CodeRetour cr = NOX_CR_OK;
   Facture facture;
+  const ListeCodes debrayantes = lireDebrayantes(cr, "C-Pu");
   facture.conventionPS = extraireCode(cr);
   facture.caissePS = extraireCode(cr);
-  lireLignesCCAM(cr, facture, "C-Pu", "ERREUR: Nombre de groupes 3410 trop grand",
+  lireLignesCCAM(cr, facture, debrayantes, "ERREUR: Nombre de groupes 3410 trop grand",
                  [this](CodeRetour& code, LigneCCAM& ligne) {
                    ligne.activite = extraireCode(code);
                    ligne.phase = extrairePhase(code);

@@ -50,10 +50,10 @@ class FonctionsAppliquer final : public Fonctions {
   template <class Creer, class Debrayer>
   void lireLignes(CodeRetour& cr, Facture& facture, FormatVerifie<> tropDeLignes, Creer creer,
                   Debrayer debrayer);
-  // CCAM lines, disengaged by the rules of a service: lireSuite(cr, ligne) reads what follows line number,
+  // CCAM lines, disengaged by some rules: lireSuite(cr, ligne) reads what follows line number,
   // date and act.
   template <class LireSuite>
-  void lireLignesCCAM(CodeRetour& cr, Facture& facture, const char* service, FormatVerifie<> tropDeLignes,
+  void lireLignesCCAM(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes, FormatVerifie<> tropDeLignes,
                       LireSuite lireSuite);
   template <class Debrayer>
   void extraireGroupes3530(CodeRetour& cr, LigneActe& ligne, std::uint16_t position, Debrayer debrayer);

@@ -22,7 +22,7 @@ void decrireExoneration(R& reponse, const LigneActe& ligne) {
   reponse.champ(codeOuVide(ligne.exonerationTM));
 }
 
-// The lines on which PROD790C is disengaged.
+// The lines on which PROD790C, or for a travel line PROD790D, is disengaged.
 using LignesDebrayees = std::set<const LigneActe*>;
 
 // The threshold is asked of every séance whose lines all take part in it. A séance left aside for a
@@ -46,10 +46,10 @@ CodeRetour appliquerSeuil(Tarification& tarification, Facture& facture) {
 
 // What an exempt invoice brings to its lines: to the acts, then to the travel lines that follow them.
 CodeRetour exonererLignes(Tarification& tarification, const Facture& facture,
-                          const LignesDebrayees& sans790C) {
+                          const LignesDebrayees& sansExoneration) {
   for (const auto& element : facture.lignes) {
     LigneCCAM* const ligne = enLigneCCAM(element.get());
-    if (ligne != nullptr && !ligne->seance->topDebrayage && !sans790C.contains(ligne)) {
+    if (ligne != nullptr && !ligne->seance->topDebrayage && !sansExoneration.contains(ligne)) {
       const CodeRetour cr =
           tarification.appliquerProd790C(*ligne, *facture.caissePS, *facture.factureExoneree);
       if (cr != NOX_CR_OK) {
@@ -60,7 +60,7 @@ CodeRetour exonererLignes(Tarification& tarification, const Facture& facture,
   for (const auto& element : facture.lignes) {
     const LigneCCAM* const acte = enLigneCCAM(element->rattachement);
     if (acte != nullptr && !acte->seance->topDebrayage && !element->topDebrayage &&
-        !sans790C.contains(acte)) {
+        !sansExoneration.contains(acte) && !sansExoneration.contains(element.get())) {
       const CodeRetour cr =
           tarification.appliquerProd790D(*element, *facture.caissePS, *facture.factureExoneree);
       if (cr != NOX_CR_OK) {
@@ -85,7 +85,7 @@ CodeRetour FonctionsAppliquer::C_ExoActe(ZoneSortie& zoneOut) {
         lireIdentite(code, *ligne);
         ligne->baseHorsForfait = extraireMontant(code);
         ligne->exonerationTM = extraireCode(code);
-        ligne->tauxRemboursement = extraireCoefficient(code);
+        ligne->tauxRemboursement = extraireTaux(code);
         return ligne;
       },
       [](LigneActe&, const Code&) {});
@@ -95,7 +95,7 @@ CodeRetour FonctionsAppliquer::C_ExoActe(ZoneSortie& zoneOut) {
       const Code motif = *ligne.exonerationTM;
       Booleen exonere;
       cr = tarification_->appliquerCExoActe(*facture.caissePS, ligne.acte, ligne.date, *ligne.baseHorsForfait,
-                                            motif, *ligne.tauxRemboursement, *ligne.exonerationTM, exonere);
+                                            motif, ligne.tauxRemboursement, *ligne.exonerationTM, exonere);
       if (exonere.estVrai()) {
         facture.factureExoneree = Code(Facture::EXONEREE);
       }
@@ -118,7 +118,7 @@ CodeRetour FonctionsAppliquer::C_ExoFacture(ZoneSortie& zoneOut) {
   Facture facture;
   facture.caissePS = extraireCode(cr);
   facture.factureExoneree = extraireCode(cr);
-  LignesDebrayees sans790C;
+  LignesDebrayees sansExoneration;
   lireLignes(
       cr, facture, "Nombre de groupes 3450, 3460 et 3462 trop grand",
       [&](CodeRetour& code, std::uint16_t groupe) {
@@ -133,7 +133,7 @@ CodeRetour FonctionsAppliquer::C_ExoFacture(ZoneSortie& zoneOut) {
               reference.lireTexte(), ligne.numero.lireValeur());
         }
         if (prod790C.contient(reference)) {
-          sans790C.insert(&ligne);
+          sansExoneration.insert(&ligne);
           Trace::ecrire(TRACE_CONTROLE,
                         "Débrayage de la Prod790C à cause de la règle %s, pour la prestation n° %d",
                         reference.lireTexte(), ligne.numero.lireValeur());
@@ -145,7 +145,7 @@ CodeRetour FonctionsAppliquer::C_ExoFacture(ZoneSortie& zoneOut) {
     cr = appliquerSeuil(*tarification_, facture);
   }
   if (cr == NOX_CR_OK) {
-    cr = exonererLignes(*tarification_, facture, sans790C);
+    cr = exonererLignes(*tarification_, facture, sansExoneration);
   }
   zoneOut = ecrireReponse(cr, [&](auto& reponse) {
     reponse.groupe(GROUPE_EXONERATION_FACTURE);

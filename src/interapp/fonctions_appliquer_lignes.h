@@ -39,9 +39,7 @@ void FonctionsAppliquer::lireLignes(CodeRetour& cr, Facture& facture, FormatVeri
 }
 
 template <class LireSuite>
-void FonctionsAppliquer::lireLignesCCAM(CodeRetour& cr, Facture& facture, const char* service,
-                                        FormatVerifie<> tropDeLignes, LireSuite lireSuite) {
-  const ListeCodes debrayantes = lireDebrayantes(cr, service);
+void FonctionsAppliquer::lireLignesCCAM(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes, FormatVerifie<> tropDeLignes, LireSuite lireSuite) {
   lireLignes(
       cr, facture, tropDeLignes,
       [&](CodeRetour& code, std::uint16_t) {

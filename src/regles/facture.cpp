@@ -155,14 +155,19 @@ CodeRetour Facture::controlerExoFacture(Tarification& tarification, ListeErreurs
     }
     cr = seance.controlerExoFacture(tarification, *factureExoneree);
   }
-  // Where the exemption could not be checked, nothing is held against the lines.
-  if (cr != NOX_CR_OK || factureExoneree->vue() == NON_VERIFIABLE) {
+  if (cr != NOX_CR_OK) {
     return cr;
   }
   const bool exoneree = factureExoneree->vue() == EXONEREE;
   cr = tantQueReussi(lignes, [&](auto& ligne) {
-    return exoneree ? ligne->controlerExoFactureExoneree(tarification, erreurs)
-                    : ligne->controlerExoFactureNonExoneree(tarification, erreurs);
+    if (exoneree) {
+      return ligne->controlerExoFactureExoneree(tarification, erreurs);
+    }
+    // Where the threshold could not be asked of a séance, nothing is held against its lines.
+    const LigneCCAM* const acte = enLigneCCAM(ligne.get());
+    return acte == nullptr || acte->seance->seuilVerifie
+               ? ligne->controlerExoFactureNonExoneree(tarification, erreurs)
+               : static_cast<CodeRetour>(NOX_CR_OK);
   });
   return cr;
 }

@@ -113,7 +113,8 @@ class Reglementation final : public Regles {
   enum class Rang { TARIFANTS, AU_DELA };
   CodeRetour chercherModificateurInconnu(const LigneCCAM& ligne, Rang rang, const char* regle,
                                          Erreur& erreur);
-  CodeRetour verifierAgeModificateur(const Date& dateNaissance, const Code& modificateur, const Date& date,
+  // Whether an age keeps within the limits of a modifier; the code of the query when it has none at the date.
+  CodeRetour verifierAgeModificateur(const Periode& age, const Code& modificateur, const Date& date,
                                      bool& respecte);
   CodeRetour verifierNonRembourse(const LigneCCAM& ligne, Concept admissions, const char* regle,
                                   Erreur& erreur);
@@ -160,7 +161,13 @@ class Reglementation final : public Regles {
   };
   CodeRetour lireActeCompare(const Code& acte, const Code& activite, const Code& numeroPS, const Date& date,
                              ActeCompare& compare);
-  static const char* comparer(const ActeCompare& a, const ActeCompare& b, Code& procedure);
+  // The answer of appliquerCCompatibilite; estPrevue(prevue) is asked of acts of one procedure.
+  template <class EstPrevue>
+  CodeRetour comparer(const ActeCompare& a, const ActeCompare& b, EstPrevue estPrevue, Code& compatibilite, Code& procedure);
+  // Whether one of two acts lists the other among those that go with it.
+  CodeRetour sontPrevus(const ActeCompare& a, const ActeCompare& b, const Date& date, bool& prevus);
+  // 0xD112 for a pair that may not be associated.
+  CodeRetour comparerPaire(const ActeCompare& a, const ActeCompare& b, bool prevus, const Date& date);
   CodeRetour comparerPaires(const AssociationCCAM& association, bool& prevue);
   void tracerCategories(const AssociationCCAM& association);
 };

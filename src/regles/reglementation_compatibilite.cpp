@@ -16,30 +16,92 @@ CodeRetour Reglementation::lireActeCompare(const Code& acte, const Code& activit
   return cr == NOX_CR_OK ? lecture().rechercherProcedures(acte, date, compare.procedures) : cr;
 }
 
-// Acts carried out by two professionals, or in two activities, do not make one procedure; acts that are
-// incompatible are so for everyone.
-const char* Reglementation::comparer(const ActeCompare& a, const ActeCompare& b, Code& procedure) {
+namespace {
+
+void tracerPaire(const Code& acte1, const Code& activite1, const Code& numeroPS1, const Code& acte2,
+                 const Code& activite2, const Code& numeroPS2, const Date& date) {
+  if (Trace::estDetaille(TRACE_CONTROLE)) {
+    Trace::ecrire(TRACE_CONTROLE,
+                  "acte1 = %s, activite1 = %s, numeroPS1 = %s, acte2 = %s, activite2 = %s, numeroPS2 = %s, "
+                  "date = %s",
+                  acte1.lireTexte(), activite1.lireTexte(), numeroPS1.lireTexte(), acte2.lireTexte(),
+                  activite2.lireTexte(), numeroPS2.lireTexte(), date.lireValeur());
+  }
+}
+
+// What is traced of each answer.
+struct TexteReponse {
+  std::string_view reponse;
+  FormatVerifie<> texte;
+};
+constexpr TexteReponse TEXTES_REPONSES[] = {
+    {Reglementation::COMPATIBLES, "Les deux actes sont compatibles"},
+    {Reglementation::INCOMPATIBLES, "Les deux actes sont incompatibles"},
+    {Reglementation::MEME_PROCEDURE_COMPATIBLES,
+     "Les 2 actes appartiennent à la même procédure et sont compatibles"},
+    {Reglementation::MEME_PROCEDURE_INCOMPATIBLES,
+     "Les 2 actes appartiennent à la même procédure et son incompatibles"},
+};
+
+// The procedure that is for one act what the other is part of, or that both are part of; null when there is
+// none.
+const Code* procedureDe(const Code& acteA, const ListeCodes& proceduresA, const Code& acteB,
+                        const ListeCodes& proceduresB) {
+  if (proceduresA.contient(acteB)) {
+    return &acteB;
+  }
+  if (proceduresB.contient(acteA)) {
+    return &acteA;
+  }
+  const Code* const commune = std::find_if(proceduresA.begin(), proceduresA.end(),
+                                           [&](const Code& code) { return proceduresB.contient(code); });
+  return commune == proceduresA.end() ? nullptr : commune;
+}
+
+}  // namespace
+
+// Acts carried out by two professionals, or in two activities, do not make one procedure, nor do acts that
+// are planned together; acts that are incompatible are so for everyone.
+template <class EstPrevue>
+CodeRetour Reglementation::comparer(const ActeCompare& a, const ActeCompare& b, EstPrevue estPrevue, Code& compatibilite, Code& procedure) {
+  CodeRetour cr = NOX_CR_OK;
   procedure = Code();
+  const char* reponse = COMPATIBLES;
   if (a.incompatibles.contient(*b.acte) || b.incompatibles.contient(*a.acte)) {
-    Trace::ecrire(TRACE_CONTROLE, "Les deux actes sont incompatibles");
-    return INCOMPATIBLES;
-  }
-  if (*a.activite == *b.activite && *a.numeroPS == *b.numeroPS && !(*a.acte == *b.acte)) {
-    if (a.procedures.contient(*b.acte) || b.procedures.contient(*a.acte)) {
-      Trace::ecrire(TRACE_CONTROLE, "Les 2 actes appartiennent à la même procédure et son incompatibles");
-      procedure = a.procedures.contient(*b.acte) ? *b.acte : *a.acte;
-      return MEME_PROCEDURE_INCOMPATIBLES;
+    reponse = INCOMPATIBLES;
+  } else if (*a.activite == *b.activite && *a.numeroPS == *b.numeroPS && !(*a.acte == *b.acte)) {
+    const Code* const commune = procedureDe(*a.acte, a.procedures, *b.acte, b.procedures);
+    bool prevue = false;
+    if (commune != nullptr) {
+      cr = estPrevue(prevue);
     }
-    const Code* const commune = std::find_if(a.procedures.begin(), a.procedures.end(),
-                                             [&](const Code& code) { return b.procedures.contient(code); });
-    if (commune != a.procedures.end()) {
-      Trace::ecrire(TRACE_CONTROLE, "Les 2 actes appartiennent à la même procédure et sont compatibles");
+    if (cr == NOX_CR_OK && commune != nullptr && !prevue) {
       procedure = *commune;
-      return MEME_PROCEDURE_COMPATIBLES;
+      reponse = *commune == *a.acte || *commune == *b.acte ? MEME_PROCEDURE_INCOMPATIBLES
+                                                           : MEME_PROCEDURE_COMPATIBLES;
     }
   }
-  Trace::ecrire(TRACE_CONTROLE, "Les deux actes sont compatibles");
-  return COMPATIBLES;
+  if (cr == NOX_CR_OK) {
+    compatibilite = Code(reponse);
+    Trace::ecrire(TRACE_CONTROLE, std::ranges::find(TEXTES_REPONSES, std::string_view(reponse),
+                                                    &TexteReponse::reponse)
+                                      ->texte);
+  }
+  return cr;
+}
+
+CodeRetour Reglementation::sontPrevus(const ActeCompare& a, const ActeCompare& b, const Date& date,
+                                      bool& prevus) {
+  for (const auto& [premier, second] : {std::pair{&a, &b}, std::pair{&b, &a}}) {
+    ListeCodes compatibles;
+    const CodeRetour cr =
+        lecture().rechercherActesCompatibles(*premier->acte, *premier->activite, date, compatibles);
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    prevus = prevus || compatibles.contient(*second->acte);
+  }
+  return NOX_CR_OK;
 }
 
 CodeRetour Reglementation::appliquerCCompatibilite(const Code& acte1, const Code& activite1,
@@ -48,13 +110,7 @@ CodeRetour Reglementation::appliquerCCompatibilite(const Code& acte1, const Code
                                                    const Date& date, Code& compatibilite, Code& procedure) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCCompatibilite");
-  if (Trace::estDetaille(TRACE_CONTROLE)) {
-    Trace::ecrire(TRACE_CONTROLE,
-                  "acte1 = %s, activite1 = %s, numeroPS1 = %s, acte2 = %s, activite2 = %s, numeroPS2 = %s, "
-                  "date = %s",
-                  acte1.lireTexte(), activite1.lireTexte(), numeroPS1.lireTexte(), acte2.lireTexte(),
-                  activite2.lireTexte(), numeroPS2.lireTexte(), date.lireValeur());
-  }
+  tracerPaire(acte1, activite1, numeroPS1, acte2, activite2, numeroPS2, date);
   ActeCompare premier;
   ActeCompare second;
   cr = lireActeCompare(acte1, activite1, numeroPS1, date, premier);
@@ -62,9 +118,28 @@ CodeRetour Reglementation::appliquerCCompatibilite(const Code& acte1, const Code
     cr = lireActeCompare(acte2, activite2, numeroPS2, date, second);
   }
   if (cr == NOX_CR_OK) {
-    compatibilite = Code(comparer(premier, second, procedure));
+    cr = comparer(
+        premier, second, [&](bool& prevus) { return sontPrevus(premier, second, date, prevus); },
+        compatibilite, procedure);
   }
   return cr;
+}
+
+CodeRetour Reglementation::comparerPaire(const ActeCompare& a, const ActeCompare& b, bool prevus,
+                                         const Date& date) {
+  CodeRetour cr = NOX_CR_OK;
+  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCCompatibilite");
+  tracerPaire(*a.acte, *a.activite, *a.numeroPS, *b.acte, *b.activite, *b.numeroPS, date);
+  const auto lirePrevus = [prevus](bool& reponse) {
+    reponse = prevus;
+    return static_cast<CodeRetour>(NOX_CR_OK);
+  };
+  Code compatibilite;
+  Code procedure;
+  cr = comparer(a, b, lirePrevus, compatibilite, procedure);
+  const bool incompatibles =
+      compatibilite.vue() == INCOMPATIBLES || compatibilite.vue() == MEME_PROCEDURE_INCOMPATIBLES;
+  return cr == NOX_CR_OK && incompatibles ? static_cast<CodeRetour>(NOX_CR_REGLE_REPONSE_1) : cr;
 }
 
 CodeRetour Reglementation::comparerPaires(const AssociationCCAM& association, bool& prevue) {
@@ -82,12 +157,9 @@ CodeRetour Reglementation::comparerPaires(const AssociationCCAM& association, bo
   }
   for (std::size_t i = 0; i < nombre && cr == NOX_CR_OK; ++i) {
     for (std::size_t j = i + 1; j < nombre && cr == NOX_CR_OK; ++j) {
-      Code procedure;
-      const std::string_view reponse = comparer(actes[i], actes[j], procedure);
-      if (reponse == INCOMPATIBLES || reponse == MEME_PROCEDURE_INCOMPATIBLES) {
-        cr = NOX_CR_REGLE_REPONSE_1;
-      }
-      prevue = prevue && relations.estPrevu(i, j);
+      const bool prevus = relations.estPrevu(i, j);
+      cr = comparerPaire(actes[i], actes[j], prevus, date);
+      prevue = prevue && prevus;
     }
   }
   return cr;

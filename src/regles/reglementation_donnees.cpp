@@ -23,14 +23,14 @@ CodeRetour Reglementation::appliquerCAge1(const Date& dateNaissance, const Code&
     Trace::ecrire(TRACE_CONTROLE, "dateNaissance = %s, modificateur = %s, date = %s",
                   texteDate(dateNaissance).c_str(), modificateur.lireTexte(), date.lireValeur());
   }
+  const bool connu = aUnAge(dateNaissance, date);
   bool respecte = false;
-  if (!lecture().rechercherExistenceModificateur(modificateur, date)) {
-    cr = NOX_CR_CODE_INCONNU;
-  } else if (aUnAge(dateNaissance, date)) {
-    cr = verifierAgeModificateur(dateNaissance, modificateur, date, respecte);
+  cr = verifierAgeModificateur(connu ? date - dateNaissance : Periode(), modificateur, date, respecte);
+  if (cr == NOX_CR_OK && !lecture().rechercherExistenceModificateur(modificateur, date)) {
+    cr = NOX_CR_PAS_D_HISTORIQUE;
   }
   if (cr == NOX_CR_OK) {
-    resultat = Booleen(respecte);
+    resultat = Booleen(connu && respecte);
   }
   return cr;
 }

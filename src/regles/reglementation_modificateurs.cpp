@@ -100,9 +100,8 @@ CodeRetour Reglementation::appliquerProd550(const LigneCCAM& ligne, Erreur& erre
   return cr;
 }
 
-CodeRetour Reglementation::verifierAgeModificateur(const Date& dateNaissance, const Code& modificateur,
+CodeRetour Reglementation::verifierAgeModificateur(const Periode& age, const Code& modificateur,
                                                    const Date& date, bool& respecte) {
-  const Periode age = date - dateNaissance;
   Periode minimum;
   Periode maximum;
   tracerAge("âge du bénéficiaire = %d années %d jours", age);
@@ -114,11 +113,6 @@ CodeRetour Reglementation::verifierAgeModificateur(const Date& dateNaissance, co
   if (cr == NOX_CR_OK) {
     tracerAge("L'âge maximum pour le modificateur est %d années %d jours", maximum);
     respecte = age >= minimum && (!maximum.estRenseigne() || age <= maximum);
-  }
-  if (estAbsent(cr)) {
-    // A modifier without line of ages is for all ages.
-    respecte = true;
-    return NOX_CR_OK;
   }
   return cr;
 }
@@ -133,7 +127,10 @@ CodeRetour Reglementation::appliquerProd555(const LigneCCAM& ligne, Erreur& erre
   }
   for (const Code& modificateur : ligne.modificateur) {
     bool respecte = true;
-    cr = verifierAgeModificateur(naissance, modificateur, ligne.date, respecte);
+    cr = verifierAgeModificateur(ligne.date - naissance, modificateur, ligne.date, respecte);
+    if (estAbsent(cr)) {
+      cr = NOX_CR_OK;  // a modifier without line of ages is for all ages
+    }
     if (cr == NOX_CR_OK && !respecte) {
       cr = copierValeurErreur(erreur, "PROD555", {modificateur});
       return cr;

@@ -72,7 +72,7 @@ CodeRetour Reglementation::appliquerProd690A(const LigneActe& ligne, Erreur& err
     cr = estDansConcept(lecture(), admis, ligne.date, frais, present);
   }
   if (cr == NOX_CR_OK && !present) {
-    cr = copierValeurErreur(erreur, "PROD690A", {acte, ligne.prestation});
+    cr = copierValeurErreur(erreur, "PROD690A", {ligne.prestation, acte});
   }
   return cr;
 }

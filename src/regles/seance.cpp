@@ -26,6 +26,7 @@ CodeRetour Seance::controlerExoFacture(Tarification& tarification, Code& facture
   if (cr != NOX_CR_OK) {
     return cr;
   }
+  seuilVerifie = verifiable;
   if (verifiable) {
     cr = tarification.appliquerProd790B(*this, codeOuVide(lignes.front()->factureParent->caissePS),
                                         factureExoneree);

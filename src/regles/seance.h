@@ -17,7 +17,7 @@ struct Seance {
   // REQUIRES: less than MAX_LIGNES lines, ligne != null
   void ajouterLigne(LigneCCAM* ligne);
   // Exemption by the threshold. `factureExoneree` becomes "2" when the séance reaches it, "4" when that may
-  // not be checked.
+  // not be checked, which seuilVerifie keeps.
   CodeRetour controlerExoFacture(Tarification& tarification, Code& factureExoneree);
   void dump() const;
 
@@ -25,6 +25,7 @@ struct Seance {
   const Date* date;
   std::vector<LigneCCAM*> lignes;  // not owned
   bool topDebrayage = false;
+  bool seuilVerifie = false;  // whether the exemption by the threshold was asked of it
   // The bases that count towards the exemption threshold, once they have been added up.
   mutable std::optional<Montant> sommeHorsForfait;
   EtatDepot depot;

@@ -73,10 +73,10 @@ class Tarification final : public Regles {
   CodeRetour appliquerCExoPrevention(const Code& acte, bool prevention, const Date& date, Coefficient& taux,
                                      Code& code);
   // One act by itself: exempt, at rate 1 and code "C", when it reaches the threshold of the fund. A claim "C"
-  // that it does not reach becomes "0"; another justification stays.
+  // that it does not reach becomes "0"; another justification stays, and so does a rate that was not given.
   CodeRetour appliquerCExoActe(const Code& caissePS, const Code& acte, const Date& date,
                                const Montant& baseHorsForfait, const Code& motifExoneration,
-                               Coefficient& taux, Code& code, Booleen& exonere);
+                               std::optional<Coefficient>& taux, Code& code, Booleen& exonere);
 
  private:
   // The act's unit price times the fund's overseas increase.

@@ -78,7 +78,7 @@ CodeRetour Tarification::appliquerCExoPrevention(const Code& acte, bool preventi
 
 CodeRetour Tarification::appliquerCExoActe(const Code& caissePS, const Code& acte, const Date& date,
                                            const Montant& baseHorsForfait, const Code& motifExoneration,
-                                           Coefficient& taux, Code& code, Booleen& exonere) {
+                                           std::optional<Coefficient>& taux, Code& code, Booleen& exonere) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerCExoActe");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
@@ -112,7 +112,7 @@ CodeRetour Tarification::appliquerCExoActe(const Code& caissePS, const Code& act
   } else if (reclameActeCouteux(ligne)) {
     ligne.exonerationTM = Code(SANS_EXONERATION);
   }
-  taux = *ligne.tauxRemboursement;
+  taux = ligne.tauxRemboursement;
   code = motif(ligne);
   return cr;
 }

@@ -27,12 +27,14 @@ CodeRetour Tarification::sommerSeance(const Seance& seance, Montant& somme) {
   ListeCodes codesSeuil;
   CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, *seance.date, codesSeuil);
   for (const LigneCCAM* ligne : seance.lignes) {
+    // A line on which the sum may not be checked counts for nothing.
+    bool verifiable = false;
     bool compte = false;
     if (cr == NOX_CR_OK) {
-      cr = compteDansSeuil(*ligne, codesSeuil, compte);
+      cr = estVerifiable(Code("PROD790B"), *ligne, verifiable);
     }
-    if (estAbsent(cr)) {
-      cr = NOX_CR_OK;  // an act that the reference does not know at the date counts for nothing
+    if (cr == NOX_CR_OK && verifiable) {
+      cr = compteDansSeuil(*ligne, codesSeuil, compte);
     }
     if (cr != NOX_CR_OK) {
       return cr;

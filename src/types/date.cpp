@@ -1,5 +1,6 @@
 #include "types/date.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "basics/assertion.h"
@@ -28,10 +29,13 @@ unsigned nombreJours(unsigned jour1, unsigned mois1, unsigned jour2, unsigned mo
   return total + jour1;
 }
 
-// A day that arithmetic can work on: a month or day out of range stands for 1 January of its year.
+// A day that arithmetic can work on.
 DateBrute normaliser(const DateBrute& date) {
-  const bool horsBornes = date.mois > 12 || date.jour > 31 || date.mois == 0;
-  return horsBornes ? DateBrute{date.annee, 1, 1} : date;
+  if (date.estHorsCalendrier() || date.mois == 0) {
+    return {date.annee, 1, 1};
+  }
+  const unsigned dernier = joursDuMois(date.mois, date.annee);
+  return {date.annee, date.mois, static_cast<std::uint8_t>(std::clamp<unsigned>(date.jour, 1, dernier))};
 }
 
 bool lireChiffres(const byte* champ, unsigned nombre, unsigned& valeur) {
@@ -120,6 +124,8 @@ const char* Date::lireValeur() const {
   std::snprintf(texte, sizeof texte, "%02u/%02u/%04u", brute_.jour, brute_.mois, brute_.annee);
   return texte;
 }
+
+Date Date::ramener() const { return estRenseigne() ? Date(normaliser(brute_)) : Date(); }
 
 void Date::afficher(std::FILE* sortie) const { std::fputs(lireValeur(), sortie); }
 

@@ -23,6 +23,9 @@ struct DateBrute {
   bool estNulle() const { return *this == DateBrute{}; }
   // Whether it is a day of the calendar.
   bool estValide() const;
+  // Whether its month or its day is above any of the calendar: what is written for a person whose day of
+  // birth is not known. It stands for 1 January of its year.
+  bool estHorsCalendrier() const { return mois > 12 || jour > 31; }
 
  private:
   std::uint32_t rang() const { return std::uint32_t{annee} << 16U | std::uint32_t{mois} << 8U | jour; }
@@ -69,7 +72,9 @@ class Date final : public TypeSimple {
   void afficher(std::FILE* sortie) const override;
   void dump(unsigned short module) const override;
   bool estRenseigne() const override { return !brute_.estNulle(); }
-  bool ok() const override { return brute_.estNulle() || brute_.estValide(); }
+  bool ok() const override {
+    return brute_.estNulle() || brute_.estHorsCalendrier() || brute_.estValide();
+  }
   // "%04u%02u%02u0000"
   std::string lireBytes() const override;
 
@@ -79,6 +84,9 @@ class Date final : public TypeSimple {
   // "%02u/%02u/%04u", in one buffer that the next call overwrites.
   const char* lireValeur() const;
   const DateBrute& lireBrute() const { return brute_; }
+  // The day of the calendar that the date stands for: the nearest in its month for a day that the month lacks,
+  // 1 January of its year for a month that no year has.
+  Date ramener() const;
   unsigned short lireAnnee() const { return brute_.annee; }
   unsigned char lireMois() const { return brute_.mois; }
   unsigned char lireJour() const { return brute_.jour; }

@@ -255,6 +255,33 @@ class Generateur:
         }.items() if vrai)
 
 
+def montree(nomenclature, ligne, base):
+    """The base that the answer shows: none for an act that is not reimbursed, and all its digits where the cent would
+    hide that something billed exceeds it."""
+    if not nomenclature.est_rembourse(ligne):
+        return None
+    facturees = [Decimal(str(ligne[champ])) for champ in ("baseRemboursement", "baseTheoriqueAMO") if champ in ligne]
+    cachee = any(facturee == centimes(base) and facturee - base > TOLERANCE for facturee in facturees)
+    return round(float(base), 5) if cachee else float(centimes(base))
+
+
+def verifier_prix_a_facturer(commande, nomenclature, compte):
+    """C_Pu answers the cent below; the command shows the nearest cent beside it, which is what may be billed."""
+    groupe = {"groupe": 3400, "champs": {"conventionPS": "1", "caissePS": "974"}}
+    triplets = nomenclature.en_vigueur(DATES[-1])
+    lignes = [{"groupe": 3410, "champs": {"numero": rang, "date": DATES[-1], "acte": acte, "activite": activite,
+                                          "phase": phase}}
+              for rang, (acte, activite, phase) in enumerate(triplets, 1)]
+    reponses = commande.appliquer("C_Pu", [groupe, *lignes])
+    exacts = [nomenclature.prix({**ligne["champs"]}, "974") for ligne in lignes]
+    compte.verifier("C_Pu: prices cut to the cent", [r["champs"]["prixUnitaire"] for r in reponses],
+                    [float(exact.quantize(CENTIME, ROUND_DOWN)) for exact in exacts])
+    compte.verifier("C_Pu: prices to bill", [r["prixAFacturer"] for r in reponses],
+                    [float(centimes(exact)) for exact in exacts])
+    compte.verifier("C_Pu: some differ",
+                    any(r["champs"]["prixUnitaire"] != r["prixAFacturer"] for r in reponses), True)
+
+
 def attendre(nomenclature, facture):
     """(the computed amounts of each line, the findings about amounts) that the answer must hold."""
     associations = collections.defaultdict(list)
@@ -268,7 +295,7 @@ def attendre(nomenclature, facture):
         plus_cher = max(concurrentes, key=lambda a: a["prixUnitaire"], default=None)
         prix = centimes(nomenclature.prix(ligne, facture["caissePS"]))
         base = nomenclature.base(ligne, plus_cher, convention)
-        montants.append((float(prix), float(centimes(base))))
+        montants.append((float(prix), montree(nomenclature, ligne, base)))
         if prix != Decimal(str(ligne["prixUnitaire"])):
             constats.add(("R850", numero))
         for reference, champ in (("R880", "baseRemboursement"), ("R880A", "baseTheoriqueAMO")):
@@ -281,9 +308,11 @@ def main():
     programme, reference, sources = sys.argv[1:4]
     compte = Compte()
     nomenclature = Nomenclature(sources)
+    commande = Commande(programme, reference)
+    verifier_prix_a_facturer(commande, nomenclature, compte)
     generateur = Generateur(nomenclature, 20260115)
     factures = [generateur.facture() for _ in range(FACTURES)]
-    _, reponses, _ = Commande(programme, reference).lot(factures, "--detail")
+    _, reponses, _ = commande.lot(factures, "--detail")
     compte.verifier("one answer an invoice", len(reponses), len(factures))
     souleves = collections.Counter()
     for rang, (facture, reponse) in enumerate(zip(factures, reponses), 1):

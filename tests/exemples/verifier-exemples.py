@@ -174,6 +174,8 @@ def verifier_lot(commande, couples, compte):
     statut, obtenues, _ = commande.lot(factures)
     compte.verifier("batch: status", statut, REPONDU)
     compte.verifier("batch: no lines without --detail", [o for o in obtenues if "lignes" in o], [])
+    inconnu = modifier(factures[0], dans("beneficiaire", dateNaissance="1981-31-99"))
+    compte.verifier("birth day that is not known", commande.lot([inconnu])[1][0].get("erreur"), None)
     nuls = modifier(factures[0], lambda facture: (facture.update(remplacant=None, caissePS=None),
                                                   facture["lignes"][0].update(executant=None, modificateurs=None)))
     _, obtenues, _ = commande.lot([nuls, factures[0]], "--detail")

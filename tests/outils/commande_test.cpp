@@ -76,6 +76,7 @@ TEST(Commande, DitCeQuiEstModifie) {
       {"modifications --json --config " + dossier.chemin().string(), 0, "2026-01-01"},
       {"annuler " + phaseActe + ici, 0, "200,00"},
       {"modifications" + ici, 0, "Rien n'est modifi"},
+      {"modifier TB07_1 caisse=971 montant=130 -e 2026-01-01" + ici, 0, "seuil : m\xC3\xA9tropole"},
       {"modifications -r /absent", 2, "/absent"},
       {"modifications --config /absent", 2, "/absent/orvan.ini"},
       {"modifications " + produit, 2, produit.c_str()},

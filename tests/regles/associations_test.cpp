@@ -195,6 +195,8 @@ TEST_F(Compatibilite, QuatreReponses) {
   EXPECT_EQ(comparer("PPPP001", "CCCC002"), "Q PPPP001");
   EXPECT_EQ(comparer("CCCC002", "PPPP001"), "Q PPPP001");
   EXPECT_EQ(comparer("CCCC001", "CCCC002", "759999999"), "C ");
+  activite("CCCC002").historiques[0].associations = compacte<Association>({{CodeActe("CCCC001"), '2'}});
+  EXPECT_EQ(comparer("CCCC001", "CCCC002"), "C ") << "prévus ensemble";
   Code reponse;
   Code procedure;
   EXPECT_EQ(reglementation.appliquerCCompatibilite(Code("XXXX999"), Code("1"), Code(""), Code("AAAA001"),
@@ -220,6 +222,8 @@ TEST_F(Compatibilite, AssociationPrevue) {
   EXPECT_EQ(type({"AAAA001", "CCCC001", "DDDD001"}, NOX_CR_REGLE_REPONSE_1), "");
   EXPECT_EQ(type({"PPPP001", "CCCC002"}, NOX_CR_REGLE_REPONSE_1), "");
   EXPECT_EQ(type({"AAAA001", "XXXX999"}, NOX_CR_CODE_INCONNU), "");
+  activite("PPPP001").historiques[0].associations = compacte<Association>({{CodeActe("CCCC002"), '2'}});
+  EXPECT_EQ(type({"PPPP001", "CCCC002"}), "P");
 }
 
 }  // namespace

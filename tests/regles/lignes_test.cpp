@@ -240,7 +240,7 @@ TEST_F(ReglesLigne, LignesNonCcam) {
   LigneActe& kilometres = ajouterDeplacement(LigneActe::Type::DEPLACEMENT_2, *ligne);
   verifier("frais admis", reglementation, &R::appliquerProd690A, forfait, RIEN);
   verifier("frais non admis", reglementation, &R::appliquerProd690A, kilometres,
-           {"R690A", {"AAAA001", "IFD"}});
+           {"R690A", {"IFD", "AAAA001"}});
   ligne->acte = Code("XXXX999");
   verifier("frais d'un acte inconnu", reglementation, &R::appliquerProd690A, kilometres, RIEN);
 }
@@ -273,8 +273,8 @@ TEST_F(ReglesLigne, ControleDesDonnees) {
   };
   EXPECT_TRUE(reponse(reglementation.appliquerCAge1(date(19640610), Code("E"), d, oui)));
   EXPECT_FALSE(reponse(reglementation.appliquerCAge1(date(19640609), Code("E"), d, oui)));
-  EXPECT_FALSE(reponse(reglementation.appliquerCAge1(date(20250101), Code("A"), d, oui)));
-  EXPECT_TRUE(reponse(reglementation.appliquerCAge1(date(20240101), Code("A"), d, oui)));
+  EXPECT_FALSE(reponse(reglementation.appliquerCAge1(date(20250101), Code("E"), d, oui)));
+  EXPECT_EQ(reglementation.appliquerCAge1(date(20240101), Code("A"), d, oui), NOX_CR_PAS_D_HISTORIQUE);
   EXPECT_EQ(reglementation.appliquerCAge1(date(19800101), Code("Q"), d, oui), NOX_CR_CODE_INCONNU);
   EXPECT_TRUE(reponse(reglementation.appliquerCAge2(date(19800610), e, un, zero, d, oui)));
   EXPECT_FALSE(reponse(reglementation.appliquerCAge2(date(19800609), e, un, zero, d, oui)));

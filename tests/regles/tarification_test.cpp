@@ -293,6 +293,17 @@ TEST_F(ExonerationFacture, SommeDeLaSeance) {
   EXPECT_EQ(etatSeance("751"), "2") << "sauf si elle réclame";
   acte("BBBB001").historiques[0].exonerationsTM = compacte<char>({'2'});
   EXPECT_EQ(etatSeance("751"), "3") << "un acte qui ne s'exonère pas ne compte pas";
+  autre->acte = Code("XXXX999");
+  ligne->baseHorsForfait = Montant(120.0);
+  grouper();
+  Code etat(Facture::NON_EXONEREE);
+  EXPECT_EQ(tarification.appliquerProd790B(facture.seances.front(), Code("751"), etat), NOX_CR_CODE_INCONNU);
+  autre->reglesNonVerifiables = codes({"R790B"});
+  EXPECT_EQ(etatSeance("751"), "2") << "une ligne où la règle n'est pas vérifiable ne compte pas";
+  referentiel.lignes<ConceptCCAM>().resize(12);
+  grouper();
+  EXPECT_EQ(tarification.appliquerProd790B(facture.seances.front(), Code("751"), etat), NOX_CR_CODE_INCONNU)
+      << "sans le concept 13 rien ne se décide";
 }
 
 TEST_F(ExonerationFacture, CeQueReclamentLesLignes) {
@@ -332,14 +343,14 @@ TEST_F(ExonerationFacture, LesLignesSontAjustees) {
 
 TEST_F(ExonerationFacture, UnActeSeul) {
   const auto decider = [&](const char* caisse, double base, const char* motif, double tauxLigne) {
-    Coefficient taux(tauxLigne);
+    std::optional<Coefficient> taux(tauxLigne);
     Code code(motif);
     Booleen exonere;
     EXPECT_EQ(tarification.appliquerCExoActe(Code(caisse), Code("AAAA001"), date(JOUR), Montant(base),
                                              Code(motif), taux, code, exonere),
               NOX_CR_OK);
     return std::string(vraiFaux(exonere.estVrai())) + " " + code.lireTexte() + " " +
-           std::to_string(static_cast<int>(taux.lireValeur() * 100));
+           std::to_string(static_cast<int>(taux->lireValeur() * 100));
   };
   EXPECT_EQ(decider("751", 120.0, "0", 0.7), "vrai C 100");
   EXPECT_EQ(decider("971", 120.0, "0", 0.7), "faux 0 70");

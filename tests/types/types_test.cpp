@@ -71,7 +71,14 @@ TEST(Date, donneLaPeriodeEntreDeuxDates) {
                         {{2024, 5, 10}, {2000, 5, 10}, {24, 0}},
                         {{2024, 5, 9}, {2000, 5, 10}, {23, 364}},
                         {{2024, 7, 1}, {2020, 2, 29}, {4, 123}},
-                        {{2024, 3, 1}, {2024, 2, 1}, {0, 29}}}) {
+                        {{2024, 3, 1}, {2024, 2, 1}, {0, 29}},
+                        // A month or a day out of the calendar is 1 January; other impossible days do not
+                        // underflow.
+                        {{2024, 1, 11}, {1980, 13, 45}, {44, 10}},
+                        {{2024, 1, 11}, {1980, 5, 32}, {44, 10}},
+                        {{2024, 1, 11}, {2024, 0, 10}, {0, 10}},
+                        {{2024, 1, 11}, {2024, 1, 0}, {0, 10}},
+                        {{2024, 3, 1}, {2023, 2, 31}, {1, 1}}}) {
     const Periode periode = cas.fin - cas.debut;
     EXPECT_EQ(periode, cas.attendue) << periode.lireBytes() << " au lieu de " << cas.attendue.lireBytes();
   }

@@ -3,6 +3,7 @@ import json
 import os
 import subprocess
 import sys
+import tempfile
 
 
 def echantillon(cas):
@@ -28,6 +29,14 @@ class Commande:
         lignes = [e if isinstance(e, str) else json.dumps(e) for e in enregistrements]
         statut, sortie, erreurs = self.controler("--lot", *options, entree="\n".join(lignes))
         return statut, [json.loads(ligne) for ligne in sortie.splitlines()], erreurs
+
+    def appliquer(self, regle, groupes):
+        """The groups that one rule answers to those of a request."""
+        with tempfile.NamedTemporaryFile("w", suffix=".json") as demande:
+            json.dump(groupes, demande)
+            demande.flush()
+            appel = [self.programme, "appliquer", regle, "--demande", demande.name, "--json", "--reference", self.reference]
+            return json.loads(subprocess.run(appel, capture_output=True, timeout=300, check=True).stdout)
 
 
 class Compte:
