@@ -48,90 +48,90 @@ enum NOX_CodeRetour {
   NOX_CR_OK = 0x0000,
 
   /* Input zone against its description; f, n: positions counted from 1, id: group identifier. */
-  NOX_CR_CHAMP_INVALIDE = 0x9000,       /* + f: content of field f (counted over the whole zone) refused */
-  NOX_CR_GROUPE_INATTENDU = 0xA000,     /* + n: group n not expected there; + 0: zone given, none expected */
-  NOX_CR_DONNEES_EN_TROP = 0xA001,      /* + n: data left after the n groups expected */
-  NOX_CR_NOMBRE_CHAMPS = 0xA800,        /* + n: group n has too few or too many fields */
-  NOX_CR_NOMBRE_OCCURRENCES = 0xB000,   /* + id: group id too few or too many times */
+  NOX_CR_CHAMP_INVALIDE = 0x9000,     /* + f: content of field f (counted over the whole zone) refused */
+  NOX_CR_GROUPE_INATTENDU = 0xA000,   /* + n: group n not expected there; + 0: zone given, none expected */
+  NOX_CR_DONNEES_EN_TROP = 0xA001,    /* + n: data left after the n groups expected */
+  NOX_CR_NOMBRE_CHAMPS = 0xA800,      /* + n: group n has too few or too many fields */
+  NOX_CR_NOMBRE_OCCURRENCES = 0xB000, /* + id: group id too few or too many times */
 
   /* Reference data: what was asked is not there, or not allowed. */
-  NOX_CR_IDENTIFIANT_INCONNU = 0xD000,  /* no function of that identifier */
-  NOX_CR_RECHERCHE_VIDE = 0xD001,       /* search found no act */
-  NOX_CR_CODE_INCONNU = 0xD002,         /* code not in its table */
-  NOX_CR_PAS_D_HISTORIQUE = 0xD003,     /* nothing valid at the reference date */
-  NOX_CR_DATE_EFFET = 0xD004,           /* effect date out of the allowed range */
-  NOX_CR_NON_MODIFIE = 0xD005,          /* nothing to cancel */
-  NOX_CR_CAISSE_NON_DOM = 0xD006,       /* fund is not one of 971 to 974 */
-  NOX_CR_REGROUPEMENT_INCONNU = 0xD007, /* grouping code not in the reference */
+  NOX_CR_IDENTIFIANT_INCONNU = 0xD000,   /* no function of that identifier */
+  NOX_CR_RECHERCHE_VIDE = 0xD001,        /* search found no act */
+  NOX_CR_CODE_INCONNU = 0xD002,          /* code not in its table */
+  NOX_CR_PAS_D_HISTORIQUE = 0xD003,      /* nothing valid at the reference date */
+  NOX_CR_DATE_EFFET = 0xD004,            /* effect date out of the allowed range */
+  NOX_CR_NON_MODIFIE = 0xD005,           /* nothing to cancel */
+  NOX_CR_CAISSE_NON_DOM = 0xD006,        /* fund is not one of 971 to 974 */
+  NOX_CR_REGROUPEMENT_INCONNU = 0xD007,  /* grouping code not in the reference */
   NOX_CR_REGROUPEMENT_EXISTANT = 0xD008, /* grouping code already in the grouping-code table */
-  NOX_CR_OBLIGATION_EXISTANTE = 0xD009, /* grouping code already in the coding-obligation table */
+  NOX_CR_OBLIGATION_EXISTANTE = 0xD009,  /* grouping code already in the coding-obligation table */
 
   /* Data control, rules, full check. */
-  NOX_CR_REGLE_IDENTIFIANT = 0xD100,    /* as 0xD000, from these three entry points */
-  NOX_CR_REGLE_CODE = 0xD102,           /* as 0xD002 */
-  NOX_CR_REGLE_HISTORIQUE = 0xD103,     /* as 0xD003 */
-  NOX_CR_DATE_DEPLACEMENT = 0xD106,     /* travel line on another date than its act */
-  NOX_CR_MODIFICATEURS = 0xD107,        /* gap in the list of modifiers */
-  NOX_CR_DENTS = 0xD108,                /* tooth repeated, or gap in the list of teeth */
-  NOX_CR_NATURE_ASSURANCE = 0xD109,     /* no nature of insurance, or more than one */
-  NOX_CR_REGLE_NEGATIVE_1 = 0xD110,     /* negative outcome of a regulation check */
-  NOX_CR_REGLE_NEGATIVE_2 = 0xD111,     /* negative outcome of a regulation check */
-  NOX_CR_REGLE_REPONSE_1 = 0xD112,      /* rule outcome that comes with an answer zone */
-  NOX_CR_REGLE_NEGATIVE_3 = 0xD113,     /* negative outcome of a regulation check */
-  NOX_CR_BASE_AMO_ABSENTE = 0xD114,     /* CCAM line without theoretical AMO base */
-  NOX_CR_REGLE_REPONSE_2 = 0xD115,      /* rule outcome that comes with an answer zone */
-  NOX_CR_CONTROLE = 0xD120,             /* + level: errors found by the full check; answer zone given */
-  NOX_CR_CONTROLE_NIVEAU_1 = 0xD121,    /* errors, all of which may be overridden */
-  NOX_CR_CONTROLE_NIVEAU_2 = 0xD122,    /* at least one error that may not be overridden */
+  NOX_CR_REGLE_IDENTIFIANT = 0xD100, /* as 0xD000, from these three entry points */
+  NOX_CR_REGLE_CODE = 0xD102,        /* as 0xD002 */
+  NOX_CR_REGLE_HISTORIQUE = 0xD103,  /* as 0xD003 */
+  NOX_CR_DATE_DEPLACEMENT = 0xD106,  /* travel line on another date than its act */
+  NOX_CR_MODIFICATEURS = 0xD107,     /* gap in the list of modifiers */
+  NOX_CR_DENTS = 0xD108,             /* tooth repeated, or gap in the list of teeth */
+  NOX_CR_NATURE_ASSURANCE = 0xD109,  /* no nature of insurance, or more than one */
+  NOX_CR_REGLE_NEGATIVE_1 = 0xD110,  /* negative outcome of a regulation check */
+  NOX_CR_REGLE_NEGATIVE_2 = 0xD111,  /* negative outcome of a regulation check */
+  NOX_CR_REGLE_REPONSE_1 = 0xD112,   /* rule outcome that comes with an answer zone */
+  NOX_CR_REGLE_NEGATIVE_3 = 0xD113,  /* negative outcome of a regulation check */
+  NOX_CR_BASE_AMO_ABSENTE = 0xD114,  /* CCAM line without theoretical AMO base */
+  NOX_CR_REGLE_REPONSE_2 = 0xD115,   /* rule outcome that comes with an answer zone */
+  NOX_CR_CONTROLE = 0xD120,          /* + level: errors found by the full check; answer zone given */
+  NOX_CR_CONTROLE_NIVEAU_1 = 0xD121, /* errors, all of which may be overridden */
+  NOX_CR_CONTROLE_NIVEAU_2 = 0xD122, /* at least one error that may not be overridden */
 
   /* Trace. */
-  NOX_CR_MODULE_TRACE = 0xD200,         /* module number above 9 */
-  NOX_CR_FICHIER_TRACE = 0xD201,        /* trace file not opened */
+  NOX_CR_MODULE_TRACE = 0xD200,  /* module number above 9 */
+  NOX_CR_FICHIER_TRACE = 0xD201, /* trace file not opened */
 
   /* Reference files. */
-  NOX_CR_DEJA_CHARGE = 0xD600,          /* reference already loaded */
-  NOX_CR_OUVERTURE_REFERENCE = 0xD610,  /* tablebin.nox not opened or closed */
-  NOX_CR_OUVERTURE_MODIF = 0xD611,      /* modifref.nox not opened or closed */
-  NOX_CR_VERSION_REFERENCE = 0xD620,    /* version of the reference or of the software refused */
-  NOX_CR_VERSION_MODIF = 0xD621,        /* modifref.nox belongs to another reference version */
-  NOX_CR_CRC_REFERENCE = 0xD630,        /* tablebin.nox damaged */
-  NOX_CR_CRC_MODIF = 0xD631,            /* modifref.nox damaged */
-  NOX_CR_LECTURE_REFERENCE = 0xD640,    /* read or format error */
-  NOX_CR_LECTURE_MODIF = 0xD641,        /* read error in the header of modifref.nox */
-  NOX_CR_TABLES_REFERENCE = 0xD650,     /* tables missing in tablebin.nox */
-  NOX_CR_TABLES_MODIF = 0xD651,         /* tables missing in modifref.nox */
-  NOX_CR_CONFIGURATION = 0xD680,        /* orvan.ini or its key repertoiretable not found */
-  NOX_CR_ECRITURE_MODIF = 0xD700,       /* write error while saving */
+  NOX_CR_DEJA_CHARGE = 0xD600,         /* reference already loaded */
+  NOX_CR_OUVERTURE_REFERENCE = 0xD610, /* tablebin.nox not opened or closed */
+  NOX_CR_OUVERTURE_MODIF = 0xD611,     /* modifref.nox not opened or closed */
+  NOX_CR_VERSION_REFERENCE = 0xD620,   /* version of the reference or of the software refused */
+  NOX_CR_VERSION_MODIF = 0xD621,       /* modifref.nox belongs to another reference version */
+  NOX_CR_CRC_REFERENCE = 0xD630,       /* tablebin.nox damaged */
+  NOX_CR_CRC_MODIF = 0xD631,           /* modifref.nox damaged */
+  NOX_CR_LECTURE_REFERENCE = 0xD640,   /* read or format error */
+  NOX_CR_LECTURE_MODIF = 0xD641,       /* read error in the header of modifref.nox */
+  NOX_CR_TABLES_REFERENCE = 0xD650,    /* tables missing in tablebin.nox */
+  NOX_CR_TABLES_MODIF = 0xD651,        /* tables missing in modifref.nox */
+  NOX_CR_CONFIGURATION = 0xD680,       /* orvan.ini or its key repertoiretable not found */
+  NOX_CR_ECRITURE_MODIF = 0xD700,      /* write error while saving */
 
   /* State of the library, internal faults. */
-  NOX_CR_NON_CHARGE = 0xDF00,           /* reference not loaded */
-  NOX_CR_OCCUPE = 0xDF01,               /* reference in use: ask again later */
-  NOX_CR_INI_OUVERTURE = 0xDF10,        /* INI file not opened */
-  NOX_CR_INI_SYNTAXE = 0xDF11,          /* INI syntax error */
-  NOX_CR_INI_HORS_SECTION = 0xDF12,     /* INI key outside any section */
-  NOX_CR_INI_LIMITE = 0xDF13,           /* INI: more than 30 sections or keys */
-  NOX_CR_MEMOIRE = 0xDFFC,              /* out of memory */
-  NOX_CR_DONNEE_ABSENTE = 0xDFFE,       /* data expected in the reference not found */
-  NOX_CR_INCOHERENCE = 0xDFFF,          /* internal inconsistency */
+  NOX_CR_NON_CHARGE = 0xDF00,       /* reference not loaded */
+  NOX_CR_OCCUPE = 0xDF01,           /* reference in use: ask again later */
+  NOX_CR_INI_OUVERTURE = 0xDF10,    /* INI file not opened */
+  NOX_CR_INI_SYNTAXE = 0xDF11,      /* INI syntax error */
+  NOX_CR_INI_HORS_SECTION = 0xDF12, /* INI key outside any section */
+  NOX_CR_INI_LIMITE = 0xDF13,       /* INI: more than 30 sections or keys */
+  NOX_CR_MEMOIRE = 0xDFFC,          /* out of memory */
+  NOX_CR_DONNEE_ABSENTE = 0xDFFE,   /* data expected in the reference not found */
+  NOX_CR_INCOHERENCE = 0xDFFF,      /* internal inconsistency */
 
   /* Invoice lines. */
-  NOX_CR_NUMERO_LIGNE = 0xE000,         /* + n: line numbers disagree at line n */
-  NOX_CR_TROP_DE_GROUPES = 0xE100,      /* more than 200 lines */
+  NOX_CR_NUMERO_LIGNE = 0xE000,    /* + n: line numbers disagree at line n */
+  NOX_CR_TROP_DE_GROUPES = 0xE100, /* more than 200 lines */
 
   /* Version follow-up. */
-  NOX_CR_SUIVI_REPERTOIRE = 0xF6F1,     /* repertoiretravail not configured; the library is loaded */
-  NOX_CR_SUIVI_ECRITURE = 0xF6F2,       /* version file not written; the library is loaded */
+  NOX_CR_SUIVI_REPERTOIRE = 0xF6F1, /* repertoiretravail not configured; the library is loaded */
+  NOX_CR_SUIVI_ECRITURE = 0xF6F2,   /* version file not written; the library is loaded */
 
   /* Parameters and zone encoding. */
-  NOX_CR_PARAMETRE_SORTIE = 0xF800,     /* output address is NULL */
-  NOX_CR_MEMOIRE_ZONE = 0xF801,         /* zone not allocated, or resized below its data */
-  NOX_CR_PARAMETRE_ENTREE = 0xF802,     /* input parameter refused */
-  NOX_CR_ZONE_ENTREE = 0xF803,          /* input zone NULL or of size 0 */
-  NOX_CR_ZONE_PLEINE = 0xF804,          /* zone buffer full */
-  NOX_CR_FIN_ZONE = 0xF805,             /* end of zone or of group, no current field */
-  NOX_CR_GROUPE_ABSENT = 0xF806,        /* that occurrence of the group is not in the zone */
-  NOX_CR_GROUPE_COURANT = 0xF809,       /* no current group */
-  NOX_CR_ZONE_MAL_FORMEE = 0xF810       /* zone encoding error */
+  NOX_CR_PARAMETRE_SORTIE = 0xF800, /* output address is NULL */
+  NOX_CR_MEMOIRE_ZONE = 0xF801,     /* zone not allocated, or resized below its data */
+  NOX_CR_PARAMETRE_ENTREE = 0xF802, /* input parameter refused */
+  NOX_CR_ZONE_ENTREE = 0xF803,      /* input zone NULL or of size 0 */
+  NOX_CR_ZONE_PLEINE = 0xF804,      /* zone buffer full */
+  NOX_CR_FIN_ZONE = 0xF805,         /* end of zone or of group, no current field */
+  NOX_CR_GROUPE_ABSENT = 0xF806,    /* that occurrence of the group is not in the zone */
+  NOX_CR_GROUPE_COURANT = 0xF809,   /* no current group */
+  NOX_CR_ZONE_MAL_FORMEE = 0xF810   /* zone encoding error */
 };
 
 /*
@@ -221,15 +221,16 @@ NOX_API unsigned short NOX_ControleComplet(void* zoneIn, unsigned int tailleZone
  * Answer: one group 3000: the number of acts (5 digits), then one field of 13 characters per act.
  * Codes: 0; 0xD001 no act in that frame; 0xD002 keyword unknown; 0xF802; those of an answer zone; those of the store.
  */
-NOX_API unsigned short NOX_RechercherParMotCle(const char* motCle, unsigned long cadreRecherche, void** zoneOut,
-                                               unsigned int* tailleZoneOut);
+NOX_API unsigned short NOX_RechercherParMotCle(const char* motCle, unsigned long cadreRecherche,
+                                               void** zoneOut, unsigned int* tailleZoneOut);
 
 /*
  * Acts whose code begins with the filter: 0 to 4 capital letters; "" gives all acts.
  * Answer: as NOX_RechercherParMotCle, in ascending order of codes.
  * Codes: 0; 0xD001; 0xF802; those of an answer zone; those of the store.
  */
-NOX_API unsigned short NOX_RechercherParFiltre(const char* filtre, void** zoneOut, unsigned int* tailleZoneOut);
+NOX_API unsigned short NOX_RechercherParFiltre(const char* filtre, void** zoneOut,
+                                               unsigned int* tailleZoneOut);
 
 /*
  * Saves the changes made in memory to modifref.nox.
@@ -283,8 +284,8 @@ NOX_API unsigned short KEP_EcrireZoneOut(unsigned short numeroSession, void* zon
 /*
  * Each variant answers the first code that is not 0 among those of KEP_LireZoneIn (functions with an input
  * zone), of the function itself, and of KEP_EcrireZoneOut (functions with an answer zone). The answer zone
- * goes to the session on code 0; that of NOX_ControleComplet_S on 0xD121 and 0xD122 too. The answer zone of any
- * other code does not reach the host: call the function itself to have it.
+ * goes to the session on code 0; that of NOX_ControleComplet_S on 0xD121 and 0xD122 too. The answer zone of
+ * any other code does not reach the host: call the function itself to have it.
  */
 NOX_API unsigned short NOX_RechercherParMotCle_S(const char* motCle, unsigned long cadreRecherche,
                                                  unsigned short numeroSession);

@@ -156,7 +156,8 @@ void changer(const OptionsModifier& options, const std::string& identifiant, con
     return;
   }
   const std::string jour = date.substr(6, 2) + "/" + date.substr(4, 2) + "/" + date.substr(0, 4);
-  std::cout << identifiant << (colonne.empty() ? "" : " (seuil : " + colonne + ")") << " " << verbe << " au " << jour << '\n'
+  std::cout << identifiant << (colonne.empty() ? "" : " (seuil : " + colonne + ")") << " " << verbe << " au "
+            << jour << '\n'
             << "  avant : " << enClair(avant) << '\n'
             << "  après : " << enClair(apres) << '\n'
             << "Sauvegardé dans modifref.nox.\n";

@@ -24,8 +24,8 @@ std::string zoneDeFacture(const Json& facture);
 Json controlerFacture(const std::string& zone);
 
 // The price that the check compares with: the act's, with the increase of the fund, to the nearest cent. Null
-// where the reference has none. `ligne` has a date, an act, an activity and a phase. C_Pu does not tell it: an
-// amount in a zone is cut to the cent below.
+// where the reference has none. `ligne` has a date, an act, an activity and a phase. C_Pu does not tell it:
+// an amount in a zone is cut to the cent below.
 Json prixAFacturer(const Json& ligne, const std::string& caisse);
 
 // What was billed and what the library computes, one object per line: {"numero", "acte", "prixFacture",

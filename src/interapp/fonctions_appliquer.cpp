@@ -62,8 +62,8 @@ CodeRetour FonctionsAppliquer::executer(std::uint16_t numero, ZoneSortie& zoneOu
 CodeRetour FonctionsAppliquer::C_Association(ZoneSortie& zoneOut) {
   CodeRetour cr = NOX_CR_OK;
   Facture facture;
-  lireLignesCCAM(cr, facture, lireDebrayantes(cr, "C-Association"), "ERREUR: Nombre de groupes 3310 trop grand",
-                 [this](CodeRetour& code, LigneCCAM& ligne) {
+  lireLignesCCAM(cr, facture, lireDebrayantes(cr, "C-Association"),
+                 "ERREUR: Nombre de groupes 3310 trop grand", [this](CodeRetour& code, LigneCCAM& ligne) {
                    ligne.activite = extraireCode(code);
                    ligne.numeroPS = extraireNumeroPS(code);
                  });

@@ -53,8 +53,8 @@ class FonctionsAppliquer final : public Fonctions {
   // CCAM lines, disengaged by some rules: lireSuite(cr, ligne) reads what follows line number,
   // date and act.
   template <class LireSuite>
-  void lireLignesCCAM(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes, FormatVerifie<> tropDeLignes,
-                      LireSuite lireSuite);
+  void lireLignesCCAM(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes,
+                      FormatVerifie<> tropDeLignes, LireSuite lireSuite);
   template <class Debrayer>
   void extraireGroupes3530(CodeRetour& cr, LigneActe& ligne, std::uint16_t position, Debrayer debrayer);
   void lireIdentite(CodeRetour& cr, LigneCCAM& ligne);

@@ -114,8 +114,8 @@ CodeRetour comparerActes(Reglementation& reglementation, const Seance& seance, C
 CodeRetour FonctionsAppliquer::C_Compatibilite(ZoneSortie& zoneOut) {
   CodeRetour cr = NOX_CR_OK;
   Facture facture;
-  lireLignesCCAM(cr, facture, lireDebrayantes(cr, "C-Compatibilite"), "ERREUR: Nombre de groupes 3310 trop grand",
-                 [this](CodeRetour& code, LigneCCAM& ligne) {
+  lireLignesCCAM(cr, facture, lireDebrayantes(cr, "C-Compatibilite"),
+                 "ERREUR: Nombre de groupes 3310 trop grand", [this](CodeRetour& code, LigneCCAM& ligne) {
                    ligne.activite = extraireCode(code);
                    ligne.numeroPS = extraireNumeroPS(code);
                  });

@@ -39,7 +39,8 @@ void FonctionsAppliquer::lireLignes(CodeRetour& cr, Facture& facture, FormatVeri
 }
 
 template <class LireSuite>
-void FonctionsAppliquer::lireLignesCCAM(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes, FormatVerifie<> tropDeLignes, LireSuite lireSuite) {
+void FonctionsAppliquer::lireLignesCCAM(CodeRetour& cr, Facture& facture, const ListeCodes& debrayantes,
+                                        FormatVerifie<> tropDeLignes, LireSuite lireSuite) {
   lireLignes(
       cr, facture, tropDeLignes,
       [&](CodeRetour& code, std::uint16_t) {

@@ -32,6 +32,13 @@ CodeRetour estActeComplementaire(LectureDonnees& lecture, const Code& acte, cons
                          : estDansConcept(lecture, CONCEPT_ACTES_COMPLEMENTAIRES, date, type, complementaire);
 }
 
+CodeRetour lireCodesSeuilSeul(LectureDonnees& lecture, const Date& date, ListeCodes& valeurs) {
+  const CodeRetour cr = lireConceptFacultatif(lecture, CONCEPT_EXO_SEUIL_SEUL, date, valeurs);
+  return cr == NOX_CR_OK && valeurs.estVide()
+             ? lecture.rechercherValeursConcept(CONCEPT_EXO_SEUIL, date, valeurs)
+             : cr;
+}
+
 bool ontUneValeurCommune(const ListeCodes& gauche, const ListeCodes& droite) {
   return std::any_of(gauche.begin(), gauche.end(), [&](const Code& code) { return droite.contient(code); });
 }

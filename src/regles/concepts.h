@@ -18,7 +18,9 @@ enum Concept : unsigned short {
   CONCEPT_EXO_PREVENTION = 14,             // exemption codes, of acts and of lines alike: prevention
   CONCEPT_MOTIFS_EXO = 15,                 // exemption codes of lines: all that exist
   CONCEPT_EXO_NATURE = 16,                 // exemption codes of acts: exempt whatever their amount
-  CONCEPT_CATEGORIES_SANS_LIMITE = 20      // medical categories without limit on the number of acts
+  CONCEPT_SANS_LIMITE = 20,  // medical categories and association codes without limit on the number of acts
+  CONCEPT_EXO_SEUIL_SEUL = 23,  // exemption codes of acts: compared with the threshold by themselves
+  CONCEPT_SUPPLEMENTS = 24      // acts that are supplements
 };
 
 // The reimbursement code of a line whose act is reimbursed for once.
@@ -36,6 +38,9 @@ CodeRetour lireConceptFacultatif(LectureDonnees& lecture, Concept numero, const 
 // Whether the act is of a complementary type.
 CodeRetour estActeComplementaire(LectureDonnees& lecture, const Code& acte, const Date& date,
                                  bool& complementaire);
+// The exemption codes of acts that are compared with the threshold by themselves; where a reference does not
+// tell them, those that exempt the invoice.
+CodeRetour lireCodesSeuilSeul(LectureDonnees& lecture, const Date& date, ListeCodes& valeurs);
 bool ontUneValeurCommune(const ListeCodes& gauche, const ListeCodes& droite);
 
 }  // namespace noxlux

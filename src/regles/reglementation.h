@@ -6,6 +6,7 @@
 #define NOXLUX_REGLES_REGLEMENTATION_H
 
 #include <string>
+#include <vector>
 
 #include "regles/concepts.h"
 #include "regles/facture.h"
@@ -148,6 +149,9 @@ class Reglementation final : public Regles {
   CodeRetour leverProcedure(const AssociationCCAM& association, std::size_t i, std::size_t j,
                             const Code& procedure, Erreur& erreur);
   CodeRetour estIncompatible(const Code& acte1, const Code& acte2, const Date& date, bool& incompatible);
+  CodeRetour lireEnSus(const AssociationCCAM& association, const RelationsActes& relations,
+                       std::vector<bool>& enSus);
+  CodeRetour gardeLePrixPlein(const LigneCCAM& ligne, bool& plein);
   CodeRetour lireToutesLesRelations(RelationsActes& relations);
   static bool appellentUnCode(const RelationsActes& relations, std::size_t i, std::size_t j);
 
@@ -163,7 +167,8 @@ class Reglementation final : public Regles {
                              ActeCompare& compare);
   // The answer of appliquerCCompatibilite; estPrevue(prevue) is asked of acts of one procedure.
   template <class EstPrevue>
-  CodeRetour comparer(const ActeCompare& a, const ActeCompare& b, EstPrevue estPrevue, Code& compatibilite, Code& procedure);
+  CodeRetour comparer(const ActeCompare& a, const ActeCompare& b, EstPrevue estPrevue, Code& compatibilite,
+                      Code& procedure);
   // Whether one of two acts lists the other among those that go with it.
   CodeRetour sontPrevus(const ActeCompare& a, const ActeCompare& b, const Date& date, bool& prevus);
   // 0xD112 for a pair that may not be associated.

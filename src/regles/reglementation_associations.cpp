@@ -1,8 +1,9 @@
 // Rules of an association: the codes its acts carry, and whether its acts may stand together.
 //
 // Two acts are planned together when one lists the other. Two that are not are each to carry an
-// unforeseen-association code. Complementary acts are billed on top of an act that plans them: they carry no
-// code and ask none of the others.
+// unforeseen-association code. Complementary acts are billed on top of an act that plans them: they ask no
+// code of the others, and carry none unless those do; they may then carry one that keeps their price in full,
+// as supplements may.
 #include <algorithm>
 
 #include "regles/reglementation.h"
@@ -25,6 +26,18 @@ CodeRetour listerNumeros(const AssociationCCAM& association, TypeListe<Nombre>& 
     }
   }
   return cr;
+}
+
+// Whether the lines that come on top of no other are there, and carry a code each.
+bool sontCodees(const std::vector<LigneCCAM*>& lignes, const std::vector<bool>& enSus) {
+  std::size_t principales = 0;
+  for (std::size_t i = 0; i < enSus.size(); ++i) {
+    if (!enSus[i] && !estCodee(lignes[i])) {
+      return false;
+    }
+    principales += enSus[i] ? 0U : 1U;
+  }
+  return principales > 0;
 }
 
 void tracerAssociation(const AssociationCCAM& association) {
@@ -144,8 +157,20 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
     }
     return false;
   };
+  std::vector<bool> enSus;
+  if (cr == NOX_CR_OK) {
+    cr = lireEnSus(association, relations, enSus);
+  }
+  const bool autresCodees = sontCodees(lignes, enSus);
   for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !erreur.estRenseigne(); ++i) {
-    if (estCodee(lignes[i]) && !appelleUnCode(i)) {
+    if (!estCodee(lignes[i]) || appelleUnCode(i)) {
+      continue;
+    }
+    bool plein = false;
+    if (enSus[i] && autresCodees) {
+      cr = gardeLePrixPlein(*lignes[i], plein);
+    }
+    if (cr == NOX_CR_OK && !plein) {
       Trace::ecrire(TRACE_CONTROLE, "L'acte %s contient un code association renseigné à tort ",
                     lignes[i]->acte.lireTexte());
       cr = leverPour(
@@ -153,6 +178,26 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
     }
   }
   return cr;
+}
+
+// Which lines come on top of the others: complementary acts and supplements.
+CodeRetour Reglementation::lireEnSus(const AssociationCCAM& association, const RelationsActes& relations,
+                                     std::vector<bool>& enSus) {
+  ListeCodes supplements;
+  const CodeRetour cr = lireConceptFacultatif(lecture(), CONCEPT_SUPPLEMENTS, *association.date, supplements);
+  for (std::size_t i = 0; i < association.lignes.size(); ++i) {
+    enSus.push_back(relations.estComplementaire(i) || supplements.contient(association.lignes[i]->acte));
+  }
+  return cr;
+}
+
+// A code that does not exist keeps nothing: it is the matter of PROD137.
+CodeRetour Reglementation::gardeLePrixPlein(const LigneCCAM& ligne, bool& plein) {
+  Coefficient coefficient;
+  const CodeRetour cr =
+      lecture().rechercherCoefficientAssociationNonPrevue(*ligne.codeAssociation, ligne.date, coefficient);
+  plein = cr == NOX_CR_OK && coefficient == Coefficient(1.0);
+  return estAbsent(cr) ? static_cast<CodeRetour>(NOX_CR_OK) : cr;
 }
 
 CodeRetour Reglementation::appliquerProd649(const AssociationCCAM& association, Erreur& erreur) {
@@ -287,31 +332,40 @@ CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, 
 CodeRetour Reglementation::appliquerProd654(const AssociationCCAM& association, Erreur& erreur) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd654");
-  const auto nombre = static_cast<std::int32_t>(association.lignes.size());
-  Trace::ecrire(TRACE_CONTROLE, "nb d'actes dans l'association = %d", nombre);
+  const auto& lignes = association.lignes;
+  Trace::ecrire(TRACE_CONTROLE, "nb d'actes dans l'association = %d", static_cast<int>(lignes.size()));
   const Date& date = *association.date;
   Nombre maximum;
+  ListeCodes supplements;
   cr = lecture().rechercherNombreActeAssociation(date, maximum);
+  if (cr == NOX_CR_OK) {
+    cr = lireConceptFacultatif(lecture(), CONCEPT_SUPPLEMENTS, date, supplements);
+  }
+  const auto compte = [&](const LigneCCAM* ligne) { return !supplements.contient(ligne->acte); };
+  const auto nombre = static_cast<std::int32_t>(std::count_if(lignes.begin(), lignes.end(), compte));
   if (cr != NOX_CR_OK || nombre <= maximum.lireValeur()) {
     return cr;
   }
   ListeCodes sansLimite;
   ListeCodes dentaires;
-  cr = lecture().rechercherValeursConcept(CONCEPT_CATEGORIES_SANS_LIMITE, date, sansLimite);
+  cr = lecture().rechercherValeursConcept(CONCEPT_SANS_LIMITE, date, sansLimite);
   if (cr == NOX_CR_OK) {
     cr = lecture().rechercherValeursConcept(CONCEPT_DENTAIRE, date, dentaires);
   }
-  bool limitee = false;
-  for (const LigneCCAM* ligne : association.lignes) {
-    Code categorie;
-    if (cr == NOX_CR_OK) {
-      cr = lecture().rechercherCategorieMedicale(ligne->acte, ligne->activite, date, categorie);
+  // An act is outside the limit by its association code or by its medical category.
+  const auto estLimitee = [&](const LigneCCAM* ligne) {
+    if (cr != NOX_CR_OK || !compte(ligne) ||
+        (estCodee(ligne) && sansLimite.contient(*ligne->codeAssociation))) {
+      return false;
     }
-    limitee = limitee || (!sansLimite.contient(categorie) && !dentaires.contient(categorie));
-  }
+    Code categorie;
+    cr = lecture().rechercherCategorieMedicale(ligne->acte, ligne->activite, date, categorie);
+    return cr == NOX_CR_OK && !sansLimite.contient(categorie) && !dentaires.contient(categorie);
+  };
+  const bool limitee = std::any_of(lignes.begin(), lignes.end(), estLimitee);
   if (cr == NOX_CR_OK && limitee) {
     cr = leverPour(
-        association, "PROD654", {nombre}, [](std::size_t) { return true; }, erreur);
+        association, "PROD654", {nombre}, [&](std::size_t rang) { return compte(lignes[rang]); }, erreur);
   }
   return cr;
 }

@@ -63,7 +63,8 @@ const Code* procedureDe(const Code& acteA, const ListeCodes& proceduresA, const 
 // Acts carried out by two professionals, or in two activities, do not make one procedure, nor do acts that
 // are planned together; acts that are incompatible are so for everyone.
 template <class EstPrevue>
-CodeRetour Reglementation::comparer(const ActeCompare& a, const ActeCompare& b, EstPrevue estPrevue, Code& compatibilite, Code& procedure) {
+CodeRetour Reglementation::comparer(const ActeCompare& a, const ActeCompare& b, EstPrevue estPrevue,
+                                    Code& compatibilite, Code& procedure) {
   CodeRetour cr = NOX_CR_OK;
   procedure = Code();
   const char* reponse = COMPATIBLES;
@@ -83,9 +84,9 @@ CodeRetour Reglementation::comparer(const ActeCompare& a, const ActeCompare& b, 
   }
   if (cr == NOX_CR_OK) {
     compatibilite = Code(reponse);
-    Trace::ecrire(TRACE_CONTROLE, std::ranges::find(TEXTES_REPONSES, std::string_view(reponse),
-                                                    &TexteReponse::reponse)
-                                      ->texte);
+    Trace::ecrire(
+        TRACE_CONTROLE,
+        std::ranges::find(TEXTES_REPONSES, std::string_view(reponse), &TexteReponse::reponse)->texte);
   }
   return cr;
 }

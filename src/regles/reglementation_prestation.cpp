@@ -95,16 +95,17 @@ CodeRetour Reglementation::appliquerProd798(const LigneCCAM& ligne, Erreur& erre
 
 CodeRetour Reglementation::verifierExecutant(const Code& specialite, const Code& acte, const Code& activite,
                                              const Date& date, bool& admis) {
-  Code classe;
   ListeCodes classes;
-  CodeRetour cr = lecture().rechercherRegroupementSpecialites(specialite, date, classe);
+  CodeRetour cr = lecture().rechercherClassesSpecialitesExecutant(acte, activite, date, classes);
+  if (cr != NOX_CR_OK || classes.estVide()) {
+    admis = true;  // an act that names no class is open to all, to specialities not known too
+    return cr;
+  }
+  Code classe;
+  cr = lecture().rechercherRegroupementSpecialites(specialite, date, classe);
   if (cr == NOX_CR_OK) {
     Trace::ecrire(TRACE_CONTROLE, "classe de specialite = %s", classe.lireTexte());
-    cr = lecture().rechercherClassesSpecialitesExecutant(acte, activite, date, classes);
-  }
-  if (cr == NOX_CR_OK) {
-    // An act that names no class is open to all.
-    admis = classes.estVide() || classes.contient(classe);
+    admis = classes.contient(classe);
   }
   return cr;
 }

@@ -72,8 +72,9 @@ class Tarification final : public Regles {
   // prevention; else 0xD115, both left as they are.
   CodeRetour appliquerCExoPrevention(const Code& acte, bool prevention, const Date& date, Coefficient& taux,
                                      Code& code);
-  // One act by itself: exempt, at rate 1 and code "C", when it reaches the threshold of the fund. A claim "C"
-  // that it does not reach becomes "0"; another justification stays, and so does a rate that was not given.
+  // One act by itself: exempt, at rate 1 and code "C", when it reaches the threshold of the fund; `exonere`
+  // tells whether it exempts the invoice with it. A claim "C" that it does not reach becomes "0"; another
+  // justification stays, and so does a rate that was not given.
   CodeRetour appliquerCExoActe(const Code& caissePS, const Code& acte, const Date& date,
                                const Montant& baseHorsForfait, const Code& motifExoneration,
                                std::optional<Coefficient>& taux, Code& code, Booleen& exonere);
@@ -99,8 +100,13 @@ class Tarification final : public Regles {
   CodeRetour sommerSeance(const Seance& seance, Montant& somme);
   // Whether the line counts, and its séance reaches the threshold.
   CodeRetour estExonereeParSeuil(const LigneCCAM& ligne, const Code& caissePS, bool& exoneree);
-  // Whether the line counts, and reaches the threshold by itself.
+  // Whether the line counts, of acts with one of these exemption codes, and reaches the threshold by itself.
+  CodeRetour atteintSeuil(const LigneCCAM& ligne, const ListeCodes& codesSeuil, Montant& seuil,
+                          bool& atteint);
+  // The same, of acts that are compared by themselves.
   CodeRetour atteintSeuilSeule(const LigneCCAM& ligne, Montant& seuil, bool& atteint);
+  // Whether the act is one that is compared with the threshold by itself.
+  CodeRetour estExonerableParSeuil(const LigneCCAM& ligne, bool& exonerable);
 };
 
 }  // namespace noxlux

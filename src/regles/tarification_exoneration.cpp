@@ -63,7 +63,7 @@ CodeRetour Tarification::appliquerProd787(const LigneCCAM& ligne, Erreur& erreur
   tracerExoneration(ligne);
   bool exonerable = false;
   if (reclameActeCouteux(ligne) && laisseUnePart(ligne)) {
-    cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_SEUIL, exonerable);
+    cr = estExonerableParSeuil(ligne, exonerable);
   }
   if (cr == NOX_CR_OK && exonerable) {
     cr = copierValeurErreur(erreur, "PROD787", {ligne.acte, *ligne.tauxRemboursement});
@@ -77,7 +77,7 @@ CodeRetour Tarification::appliquerProd791B(const LigneCCAM& ligne, Erreur& erreu
   tracerExoneration(ligne);
   bool exonerable = true;
   if (reclameActeCouteux(ligne)) {
-    cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_SEUIL, exonerable);
+    cr = estExonerableParSeuil(ligne, exonerable);
   }
   if (cr == NOX_CR_OK && !exonerable) {
     cr = copierValeurErreur(erreur, "PROD791B", {ligne.acte});

@@ -92,12 +92,20 @@ CodeRetour Tarification::appliquerCExoActe(const Code& caissePS, const Code& act
   ligne.date = date;
   ligne.exonerationTM = motifExoneration;
   ligne.tauxRemboursement = taux;
-  ListeCodes codesSeuil;
+  ListeCodes codesSeuls;
+  ListeCodes codesFacture;
   Montant seuil;
   bool compte = false;
-  cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, date, codesSeuil);
+  bool compteFacture = false;
+  cr = lireCodesSeuilSeul(lecture(), date, codesSeuls);
   if (cr == NOX_CR_OK) {
-    cr = compteDansSeuil(ligne, codesSeuil, compte);
+    cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, date, codesFacture);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = compteDansSeuil(ligne, codesSeuls, compte);
+  }
+  if (cr == NOX_CR_OK) {
+    cr = compteDansSeuil(ligne, codesFacture, compteFacture);
   }
   if (cr == NOX_CR_OK) {
     cr = lireSeuil(caissePS, date, seuil);
@@ -106,8 +114,9 @@ CodeRetour Tarification::appliquerCExoActe(const Code& caissePS, const Code& act
   if (cr != NOX_CR_OK) {
     return cr;
   }
-  exonere = Booleen(compte && baseHorsForfait >= seuil);
-  if (exonere.estVrai()) {
+  const bool atteint = baseHorsForfait >= seuil;
+  exonere = Booleen(compteFacture && atteint);
+  if (compte && atteint) {
     exonerer(ligne);
   } else if (reclameActeCouteux(ligne)) {
     ligne.exonerationTM = Code(SANS_EXONERATION);

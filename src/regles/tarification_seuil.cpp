@@ -68,13 +68,10 @@ CodeRetour Tarification::estExonereeParSeuil(const LigneCCAM& ligne, const Code&
   return cr;
 }
 
-CodeRetour Tarification::atteintSeuilSeule(const LigneCCAM& ligne, Montant& seuil, bool& atteint) {
-  ListeCodes codesSeuil;
+CodeRetour Tarification::atteintSeuil(const LigneCCAM& ligne, const ListeCodes& codesSeuil, Montant& seuil,
+                                      bool& atteint) {
   bool compte = false;
-  CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, ligne.date, codesSeuil);
-  if (cr == NOX_CR_OK) {
-    cr = compteDansSeuil(ligne, codesSeuil, compte);
-  }
+  CodeRetour cr = compteDansSeuil(ligne, codesSeuil, compte);
   if (cr == NOX_CR_OK && compte) {
     cr = lireSeuil(codeOuVide(ligne.factureParent->caissePS), ligne.date, seuil);
     Trace::ecrire(TRACE_CONTROLE, "Le seuil d'exonération est %.2fE", seuil.lireValeur());
@@ -83,14 +80,33 @@ CodeRetour Tarification::atteintSeuilSeule(const LigneCCAM& ligne, Montant& seui
   return cr;
 }
 
+CodeRetour Tarification::atteintSeuilSeule(const LigneCCAM& ligne, Montant& seuil, bool& atteint) {
+  ListeCodes codesSeuil;
+  const CodeRetour cr = lireCodesSeuilSeul(lecture(), ligne.date, codesSeuil);
+  return cr == NOX_CR_OK ? atteintSeuil(ligne, codesSeuil, seuil, atteint) : cr;
+}
+
+CodeRetour Tarification::estExonerableParSeuil(const LigneCCAM& ligne, bool& exonerable) {
+  ListeCodes codesSeuil;
+  ListeCodes codes;
+  CodeRetour cr = lireCodesSeuilSeul(lecture(), ligne.date, codesSeuil);
+  if (cr == NOX_CR_OK) {
+    cr = lecture().rechercherCodesExonerationTM(ligne.acte, ligne.date, codes);
+  }
+  exonerable = cr == NOX_CR_OK && ontUneValeurCommune(codes, codesSeuil);
+  return cr;
+}
+
 CodeRetour Tarification::appliquerProd790A(const LigneCCAM& ligne, Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790A");
   tracerExoneration(ligne);
+  ListeCodes codesSeuil;
   Montant seuil;
   bool atteint = false;
   if (factureExoneree.vue() != Facture::EXONEREE) {
-    cr = atteintSeuilSeule(ligne, seuil, atteint);
+    cr = lecture().rechercherValeursConcept(CONCEPT_EXO_SEUIL, ligne.date, codesSeuil);
+    cr = cr == NOX_CR_OK ? atteintSeuil(ligne, codesSeuil, seuil, atteint) : cr;
   }
   if (cr == NOX_CR_OK && atteint) {
     factureExoneree = Code(Facture::EXONEREE);
@@ -196,11 +212,16 @@ CodeRetour Tarification::appliquerProd791A(const LigneCCAM& ligne, Erreur& erreu
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd791A");
   tracerExoneration(ligne);
+  Montant seuil;
   bool exonerable = false;
+  bool atteint = false;
   if (reclameActeCouteux(ligne) && !laisseUnePart(ligne)) {
-    cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_SEUIL, exonerable);
+    cr = estExonerableParSeuil(ligne, exonerable);
   }
   if (cr == NOX_CR_OK && exonerable) {
+    cr = atteintSeuilSeule(ligne, seuil, atteint);
+  }
+  if (cr == NOX_CR_OK && exonerable && !atteint) {
     cr = copierValeurErreur(erreur, "PROD791A", {ligne.acte});
   }
   return cr;

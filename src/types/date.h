@@ -72,9 +72,7 @@ class Date final : public TypeSimple {
   void afficher(std::FILE* sortie) const override;
   void dump(unsigned short module) const override;
   bool estRenseigne() const override { return !brute_.estNulle(); }
-  bool ok() const override {
-    return brute_.estNulle() || brute_.estHorsCalendrier() || brute_.estValide();
-  }
+  bool ok() const override { return brute_.estNulle() || brute_.estHorsCalendrier() || brute_.estValide(); }
   // "%04u%02u%02u0000"
   std::string lireBytes() const override;
 
@@ -84,8 +82,8 @@ class Date final : public TypeSimple {
   // "%02u/%02u/%04u", in one buffer that the next call overwrites.
   const char* lireValeur() const;
   const DateBrute& lireBrute() const { return brute_; }
-  // The day of the calendar that the date stands for: the nearest in its month for a day that the month lacks,
-  // 1 January of its year for a month that no year has.
+  // The day of the calendar that the date stands for: the nearest in its month for a day that the month
+  // lacks, 1 January of its year for a month that no year has.
   Date ramener() const;
   unsigned short lireAnnee() const { return brute_.annee; }
   unsigned char lireMois() const { return brute_.mois; }

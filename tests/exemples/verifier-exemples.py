@@ -107,7 +107,6 @@ CODES = [
     (ligne(baseTheoriqueAMO=None), "0xD114"),
     (ligne(modificateurs=["", "P"]), "0xD107"),
     (ligne(dents=["46", "46"]), "0xD108"),
-    (ligne(date="1800-01-01", deplacements=None), "0xD103"),
     (deplacement(date="2026-01-16"), "0xD106"),
     (lambda facture: facture.update(lignes=[dict(facture["lignes"][0], deplacements=None)] * 201), "0xE100"),
 ]
@@ -174,6 +173,10 @@ def verifier_lot(commande, couples, compte):
     statut, obtenues, _ = commande.lot(factures)
     compte.verifier("batch: status", statut, REPONDU)
     compte.verifier("batch: no lines without --detail", [o for o in obtenues if "lignes" in o], [])
+    ancien = modifier(factures[0], lambda facture: [un.update(date="0999-01-01", deplacements=None)
+                                                    for un in facture["lignes"]])
+    references = {erreur["reference"] for erreur in commande.lot([ancien])[1][0]["erreurs"]}
+    compte.verifier("line dated before the classification", {"R510", "R511A"} <= references, True)
     inconnu = modifier(factures[0], dans("beneficiaire", dateNaissance="1981-31-99"))
     compte.verifier("birth day that is not known", commande.lot([inconnu])[1][0].get("erreur"), None)
     nuls = modifier(factures[0], lambda facture: (facture.update(remplacant=None, caissePS=None),

@@ -105,10 +105,20 @@ const std::vector<CasAssociation> CAS_ASSOCIATION{
      {1, 2}},
     {"code d'un acte seul", {{"AAAA001", "1"}}, {"R648", {"AAAA001"}}, {1}},
     {"code d'un acte prévu", {{"AAAA001", ""}, {"BBBB001", "1"}}, {"R648", {"BBBB001"}}, {2}},
-    {"code d'un geste",
-     {{"BBBB001", "1"}, {"CCCC001", "2", 50}, {"ZZZZ001", "4", 10}},
+    {"code réduit d'un geste",
+     {{"BBBB001", "1"}, {"CCCC001", "2", 50}, {"ZZZZ001", "2", 10}},
      {"R648", {"ZZZZ001"}},
      {3}},
+    {"geste au taux plein d'actes codés",
+     {{"BBBB001", "1"}, {"CCCC001", "2", 50}, {"ZZZZ001", "4", 10}},
+     {},
+     {}},
+    {"geste codé, acte sans code", {{"AAAA001", ""}, {"ZZZZ001", "1", 10}}, {"R648", {"ZZZZ001"}}, {2}},
+    {"supplément codé avec les autres",
+     {{"BBBB001", "1"}, {"CCCC001", "2", 50}, {"SSSS001", "4", 10}},
+     {},
+     {}},
+    {"acte prévu de chacun, codé", {{"SSSS001", "1"}, {"AAAA001", "1", 50}}, {"R648", {"AAAA001"}}, {2}},
     {"aucun acte à taux plein", {{"BBBB001", "2"}, {"CCCC001", "2", 50}}, {"R649", {"BBBB001", "2"}}, {1, 2}},
     {"le plus cher est réduit",
      {{"BBBB001", "2", 100.01}, {"CCCC001", "1"}},
@@ -173,6 +183,22 @@ TEST_F(NombreActes, LimiteSaufCategoriesLibres) {
            {"R654", {}});
   activite("CCCC001").historiques[0].categorieMedicale = CodeFixe<2>("07");
   verifier("tous libres", reglementation, &R::appliquerProd654, association(), RIEN);
+  activite("CCCC001").historiques[0].categorieMedicale = CodeFixe<2>("01");
+  association().lignes[3]->codeAssociation = Code("2");
+  verifier("un code sous la limite", reglementation, &R::appliquerProd654, association(), {"R654", {}});
+  association().lignes[3]->codeAssociation = Code("4");
+  verifier("un code hors limite", reglementation, &R::appliquerProd654, association(), RIEN);
+  facture.lignes.clear();
+  for (const char* code : {"AAAA001", "BBBB001", "ZZZZ001", "SSSS001"}) {
+    activite(code).historiques[0].categorieMedicale = CodeFixe<2>("01");
+    ajouter(code);
+  }
+  grouper();
+  verifier("un supplément en sus", reglementation, &R::appliquerProd654, association(), RIEN);
+  ajouter("CCCC001");
+  grouper();
+  verifier("un geste compte", reglementation, &R::appliquerProd654, association(), {"R654", {"4"}});
+  EXPECT_EQ(numeros(prestations), (Numeros{1, 2, 3, 5}));
 }
 
 class Compatibilite : public ReglesEssai {

@@ -141,6 +141,10 @@ const std::vector<Cas>& lesCas() {
        {"R798", {"AAAA001", "1", "ADC"}}},
       {"spécialité admise", &R::appliquerProd670, {classe("C1")}, RIEN},
       {"spécialité non admise", &R::appliquerProd670, {classe("D1")}, {"R670", {"AAAA001", "1", "04"}}},
+      {"spécialité inconnue, aucune classe nommée",
+       &R::appliquerProd670,
+       {champ(&L::specialitePS, Code("88"))},
+       RIEN},
       {"premier agrément admis", &R::appliquerProd895A, {agrements("11", "24")}, RIEN},
       {"seul le premier agrément compte",
        &R::appliquerProd895A,
@@ -285,6 +289,7 @@ TEST_F(ReglesLigne, ControleDesDonnees) {
   EXPECT_FALSE(reponse(reglementation.appliquerCAssurance(Code("AT"), a, d, oui)));
   EXPECT_TRUE(reponse(reglementation.appliquerCCcam(Code("04"), Code("K"), d, oui)));
   EXPECT_FALSE(reponse(reglementation.appliquerCCcam(Code("19"), Code("K"), d, oui)));
+  EXPECT_TRUE(reponse(reglementation.appliquerCExecutant(Code("88"), a, un, d, oui)));
   activite("AAAA001").historiques[0].classesSpecialites =
       compacte<CodeClasseSpecialite>({CodeClasseSpecialite("D1")});
   EXPECT_TRUE(reponse(reglementation.appliquerCExecutant(Code("19"), a, un, d, oui)));

@@ -140,10 +140,9 @@ class ReglesEssai : public ::testing::Test, protected MagasinEssai {
 
   void poserConcepts() {
     const std::vector<std::vector<const char*>> valeurs{
-        {"3"}, {"1", "2"}, {},    {"07"}, {},
-        {"2"}, {"3"},      {},    {},     {},
-        {"1"}, {"2"},      {"1"}, {"7"},  {"0", "4", "7", "9", "C"},
-        {"3"}, {},         {},    {},     {"05"}};
+        {"3"}, {"1", "2"}, {},    {"07"},      {},    {"2"}, {"3"},      {},
+        {},    {},         {"1"}, {"2"},       {"1"}, {"7"}, {"4", "7"}, {"3"},
+        {},    {},         {},    {"05", "4"}, {},    {},    {"1", "2"}, {"SSSS001"}};
     for (const auto& concept_ : valeurs) {
       const auto rang = static_cast<std::uint16_t>(referentiel.lignes<HistoriqueConceptCCAM>().size());
       const auto debut = static_cast<std::uint16_t>(referentiel.lignes<ValeurConceptCCAM>().size());
@@ -157,10 +156,11 @@ class ReglesEssai : public ::testing::Test, protected MagasinEssai {
   }
 
   // AAAA001 plans BBBB001 and ZZZZ001, nothing else; CCCC001 and CCCC002 belong to procedure PPPP001;
-  // CCCC001 excludes DDDD001; EEEE001 is dental; ZZZZ001 is complementary.
+  // CCCC001 excludes DDDD001; EEEE001 is dental; SSSS001 is a supplement that plans AAAA001; ZZZZ001 is
+  // complementary.
   void poserActes() {
-    for (const char* code :
-         {"AAAA001", "BBBB001", "CCCC001", "CCCC002", "DDDD001", "EEEE001", "PPPP001", "ZZZZ001"}) {
+    for (const char* code : {"AAAA001", "BBBB001", "CCCC001", "CCCC002", "DDDD001", "EEEE001", "PPPP001",
+                             "SSSS001", "ZZZZ001"}) {
       auto pose = std::make_unique<NiveauActe>();
       pose->codeStructure = CodeActe(code);
       pose->typeActe = '1';
@@ -186,6 +186,7 @@ class ReglesEssai : public ::testing::Test, protected MagasinEssai {
     }
     activite("AAAA001").historiques[0].associations =
         compacte<Association>({{CodeActe("BBBB001"), '2'}, {CodeActe("ZZZZ001"), '1'}});
+    activite("SSSS001").historiques[0].associations = compacte<Association>({{CodeActe("AAAA001"), '1'}});
     for (const char* code : {"CCCC001", "CCCC002"}) {
       acte(code).historiques[0].procedures = compacte<CodeActe>({CodeActe("PPPP001")});
     }

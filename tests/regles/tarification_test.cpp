@@ -218,7 +218,11 @@ const std::vector<CasExoneration> CAS_EXONERATION{
     {"prévention sur un acte qui ne l'est pas", {'1'}, "7", 1.0, 20.0, {"R786", {"AAAA001", "7"}}},
     {"prévention appliquée", {'5', '7'}, "7", 1.0, 20.0, {}},
     {"coûteux, non appliqué", {'1'}, "C", 0.7, 20.0, {"R787", {"AAAA001", "0.70"}}},
-    {"coûteux sur un acte qui ne s'exonère pas", {'2'}, "C", 1.0, 500.0, {"R791B", {"AAAA001"}}},
+    {"coûteux sur un acte qui ne s'exonère pas", {'5'}, "C", 1.0, 500.0, {"R791B", {"AAAA001"}}},
+    {"coûteux sur un acte comparé seul", {'2'}, "C", 1.0, 120.0, {}},
+    {"coûteux sur un acte comparé seul, non appliqué", {'2'}, "C", 0.7, 120.0, {"R787", {}}},
+    {"acte comparé seul, participation laissée", {'2', '7'}, "0", 0.7, 120.0, {"R793", {}}},
+    {"acte comparé seul, sous le seuil", {'2'}, "0", 0.7, 119.99, {}},
     {"exonéré par nature, participation laissée", {'3'}, "0", 0.7, 20.0, {"R788", {"AAAA001", "0.70"}}},
     {"par nature et par le seuil", {'1', '3'}, "0", 0.7, 500.0, {"R788", {}}, "2"},
     {"prévention non appliquée", {'7'}, "7", 0.6, 20.0, {"R789", {"AAAA001", "0.60"}}},
@@ -230,7 +234,7 @@ const std::vector<CasExoneration> CAS_EXONERATION{
      {"R793", {"AAAA001", "120.00"}},
      "2"},
     {"seuil atteint seul, code 9", {'1'}, "9", 0.7, 121.0, {"R793", {}}, "2"},
-    {"seuil atteint par un acte qui ne s'exonère pas", {'2'}, "0", 0.7, 500.0, {}},
+    {"seuil atteint par un acte qui ne s'exonère pas", {'5'}, "0", 0.7, 500.0, {}},
     {"plus que le taux plein", {'1'}, "4", 1.01, 20.0, {"R795A", {"AAAA001", "1.01"}}},
 };
 
@@ -308,6 +312,9 @@ TEST_F(ExonerationFacture, SommeDeLaSeance) {
 
 TEST_F(ExonerationFacture, CeQueReclamentLesLignes) {
   verifier("due avec la séance", tarification, &T::appliquerProd792, *ligne, {"R792", {"AAAA001"}});
+  acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'1', '3'});
+  verifier("exonéré par nature", tarification, &T::appliquerProd792, *ligne, RIEN);
+  acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'1'});
   verifier("le déplacement aussi", tarification, &T::appliquerProd792B, *deplacement,
            {"R792B", {"IFD", "AAAA001"}});
   deplacement->tauxRemboursement = Coefficient(1.0);
@@ -317,6 +324,13 @@ TEST_F(ExonerationFacture, CeQueReclamentLesLignes) {
   verifier("réclamée", tarification, &T::appliquerProd792, *ligne, RIEN);
   verifier("réclamée, facture non exonérée", tarification, &T::appliquerProd791A, *ligne,
            {"R791A", {"AAAA001"}});
+  acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'2'});
+  ligne->baseHorsForfait = Montant(120.0);
+  verifier("réclamée à bon droit par un acte seul", tarification, &T::appliquerProd791A, *ligne, RIEN);
+  ligne->baseHorsForfait = Montant(119.99);
+  verifier("réclamée à tort par un acte seul", tarification, &T::appliquerProd791A, *ligne, {"R791A", {}});
+  acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'1'});
+  ligne->baseHorsForfait = Montant(70.0);
   ligne->tauxRemboursement = Coefficient(0.7);
   verifier("affaire de la règle 787", tarification, &T::appliquerProd791A, *ligne, RIEN);
   ligne->exonerationTM = Code("0");
@@ -336,6 +350,9 @@ TEST_F(ExonerationFacture, LesLignesSontAjustees) {
   EXPECT_EQ(ligne->exonerationTM->vue(), "C");
   ASSERT_EQ(tarification.appliquerProd790D(*deplacement, metropole, Code("2")), NOX_CR_OK);
   EXPECT_DOUBLE_EQ(deplacement->tauxRemboursement->lireValeur(), 1.0);
+  deplacement->tauxRemboursement = Coefficient(0.7);
+  ASSERT_EQ(tarification.appliquerProd790D(*deplacement, metropole, Code("2")), NOX_CR_OK);
+  EXPECT_DOUBLE_EQ(deplacement->tauxRemboursement->lireValeur(), 1.0) << "déjà réclamé, à taux partiel";
   autre->exonerationTM = Code("4");
   ASSERT_EQ(tarification.appliquerProd790C(*autre, metropole, Code("2")), NOX_CR_OK);
   EXPECT_EQ(autre->exonerationTM->vue(), "4") << "une autre exonération reste";
@@ -357,6 +374,10 @@ TEST_F(ExonerationFacture, UnActeSeul) {
   EXPECT_EQ(decider("751", 119.99, "C", 1.0), "faux 0 100");
   EXPECT_EQ(decider("751", 500.0, "4", 1.0), "faux 4 100");
   EXPECT_EQ(decider("751", 10.0, "", 0.7), "faux 0 70");
+  acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'2'});
+  EXPECT_EQ(decider("751", 120.0, "0", 0.7), "faux C 100") << "exonéré sans la facture";
+  referentiel.lignes<ConceptCCAM>().resize(22);
+  EXPECT_EQ(decider("751", 120.0, "0", 0.7), "faux 0 70") << "sans le concept 23, le 13 sert aux deux";
 }
 
 TEST_F(ExonerationFacture, Prevention) {
