@@ -7,6 +7,7 @@
 #include <charconv>
 #include <span>
 
+#include "interapp/groupes_facture.h"
 #include "noxlux/dates.h"
 #include "noxlux/facture_json.h"
 #include "types/date.h"
@@ -15,27 +16,9 @@ namespace noxlux::commande {
 
 namespace {
 
-constexpr unsigned GROUPE_ENTETE = 1110;
-constexpr unsigned GROUPE_REMPLACANT = 1150;
-constexpr unsigned GROUPE_LIGNE = 1610;
-constexpr unsigned GROUPE_FORFAIT = 1620;
-constexpr unsigned GROUPE_KILOMETRES = 1630;
-constexpr unsigned GROUPE_EXONERATION = 1820;
-constexpr unsigned GROUPE_ENTENTE = 1840;
-constexpr unsigned GROUPE_EXECUTANT = 1870;
-constexpr unsigned GROUPE_LIEU = 1880;
-constexpr unsigned GROUPE_BASE_AMO = 2020;
-constexpr unsigned GROUPE_ACTE = 2100;
-constexpr unsigned GROUPE_DENTS = 2200;
-constexpr unsigned GROUPE_CAISSE = 3500;
-constexpr unsigned GROUPE_OUTREPASSEE = 3530;
-
-// The natures of insurance and the groups that say them.
-constexpr std::array<std::pair<const char*, unsigned>, 4> NATURES = {
-    {{"AS", 1511}, {"MA", 1512}, {"AT", 1513}, {"PM", 1514}}};
 // The kinds of travel and their groups.
 constexpr std::array<std::pair<const char*, unsigned>, 2> DEPLACEMENTS = {
-    {{"forfait", GROUPE_FORFAIT}, {"kilometres", GROUPE_KILOMETRES}}};
+    {{"forfait", DEPLACEMENT_FORFAITAIRE}, {"kilometres", INDEMNITE_KILOMETRIQUE}}};
 // Fields of the header that are the patient's.
 constexpr std::array<std::string_view, 2> CHAMPS_BENEFICIAIRE = {"numeroBeneficiaire", "dateNaissance"};
 constexpr Chemin PROFESSIONNEL = RACINE.membre("professionnel");
@@ -137,6 +120,15 @@ void controlerOctets(const ChampDecrit& champ, const std::string& octets, const 
   }
 }
 
+// The natures of insurance and the groups that say them.
+std::array<std::pair<const char*, unsigned>, NATURES_ASSURANCE.size()> naturesAssurance() {
+  std::array<std::pair<const char*, unsigned>, NATURES_ASSURANCE.size()> natures;
+  std::transform(
+      NATURES_ASSURANCE.begin(), NATURES_ASSURANCE.end(), natures.begin(),
+      [](const NatureAssurance& nature) { return std::pair(nature.code, unsigned{nature.groupe}); });
+  return natures;
+}
+
 const Json& exigerObjet(const Json& valeur, const Chemin& chemin) {
   if (!valeur.is_object()) {
     chemin.refuser("un objet est attendu");
@@ -194,7 +186,8 @@ std::string ecrireGroupe(const GroupeDecrit& groupe, std::span<const Json* const
 // first has the member.
 class Membres {
  public:
-  explicit Membres(std::initializer_list<unsigned> numeros) {
+  Membres(std::initializer_list<unsigned> numeros) : Membres(std::span(numeros.begin(), numeros.size())) {}
+  explicit Membres(std::span<const unsigned> numeros) {
     for (const unsigned numero : numeros) {
       const GroupeDecrit& groupe = DescriptionZones::socle().groupeEntree(numero);
       groupes_.push_back({&groupe, nombre_});
@@ -274,13 +267,9 @@ class Valeurs {
     const auto& [decrit, debut] = membres_.groupes()[groupe];
     return ecrireGroupe(*decrit, std::span(valeurs_).subspan(debut, decrit->champs.size()), chemin_);
   }
-  // Those of a run of groups that were given.
-  std::string ecrireDonnes(std::size_t premier, std::size_t fin) const {
-    std::string zone;
-    for (std::size_t i = premier; i < fin; ++i) {
-      zone += donnes_[i] ? ecrire(i) : std::string();
-    }
-    return zone;
+  // Nothing for a group that was not given.
+  std::string ecrireDonne(std::size_t groupe) const {
+    return donnes_[groupe] ? ecrire(groupe) : std::string();
   }
 
  private:
@@ -311,7 +300,7 @@ void rangerMembres(const Json& objet, Valeurs& valeurs, const Chemin& chemin,
 // --- Lines ---
 
 std::string zoneOutrepassees(const Json* references, const Json& numero, const Chemin& chemin) {
-  static const Membres MEMBRES{GROUPE_OUTREPASSEE};
+  static const Membres MEMBRES{REGLE_OUTREPASSEE};
   std::string zone;
   std::size_t rang = 0;
   for (const Json& reference : lireListe(references, chemin.membre("outrepassees"),
@@ -325,7 +314,7 @@ std::string zoneOutrepassees(const Json* references, const Json& numero, const C
 }
 
 std::string zoneExecutant(const Json& executant, const Json& numero, const Chemin& chemin) {
-  static const Membres MEMBRES{GROUPE_EXECUTANT};
+  static const Membres MEMBRES{EXECUTANT};
   Valeurs valeurs(MEMBRES, chemin);
   rangerMembres(exigerObjet(executant, chemin), valeurs, chemin, {});
   if (executant.contains("numero")) {
@@ -336,8 +325,8 @@ std::string zoneExecutant(const Json& executant, const Json& numero, const Chemi
 }
 
 std::string zoneDeplacement(const Json& deplacement, const Chemin& chemin, std::size_t rang) {
-  static const Membres FORFAIT{GROUPE_FORFAIT, GROUPE_EXONERATION};
-  static const Membres KILOMETRES{GROUPE_KILOMETRES, GROUPE_EXONERATION};
+  static const Membres FORFAIT{DEPLACEMENT_FORFAITAIRE, EXONERATION};
+  static const Membres KILOMETRES{INDEMNITE_KILOMETRIQUE, EXONERATION};
   exigerObjet(deplacement, chemin);
   const unsigned genre =
       trouverGroupe(DEPLACEMENTS, deplacement.value("type", Json()), chemin.membre("type"));
@@ -345,18 +334,24 @@ std::string zoneDeplacement(const Json& deplacement, const Chemin& chemin, std::
   const Json* numero = &numeroParDefaut;
   const Json* type = nullptr;
   const Json* outrepassees = nullptr;
-  Valeurs valeurs(genre == GROUPE_FORFAIT ? FORFAIT : KILOMETRES, chemin);
+  Valeurs valeurs(genre == DEPLACEMENT_FORFAITAIRE ? FORFAIT : KILOMETRES, chemin);
   rangerMembres(deplacement, valeurs, chemin,
                 {{"numero", numero}, {"type", type}, {"outrepassees", outrepassees}});
   valeurs.numeroter(*numero);
-  return valeurs.ecrire(0) + valeurs.ecrireDonnes(1, 2) + zoneOutrepassees(outrepassees, *numero, chemin);
+  return valeurs.ecrire(0) + valeurs.ecrireDonne(1) + zoneOutrepassees(outrepassees, *numero, chemin);
+}
+
+// The groups whose fields are members of a line: all but the executant's, who is an object of the line.
+std::vector<unsigned> groupesDesMembres() {
+  std::vector<unsigned> groupes{PRESTATION};
+  std::copy_if(SUITES_PRESTATION.begin(), SUITES_PRESTATION.end(), std::back_inserter(groupes),
+               [](GroupeFacture groupe) { return groupe != EXECUTANT; });
+  return groupes;
 }
 
 // One line with its travel lines; `compte` counts all lines, for those that give no number.
 std::string zoneLigne(const Json& ligne, const Chemin& chemin, std::size_t& compte) {
-  static const Membres MEMBRES{GROUPE_LIGNE,    GROUPE_EXONERATION, GROUPE_ENTENTE, GROUPE_LIEU,
-                               GROUPE_BASE_AMO, GROUPE_ACTE,        GROUPE_DENTS};
-  constexpr std::size_t APRES_EXECUTANT = 3;  // the rank of GROUPE_LIEU
+  static const Membres MEMBRES(groupesDesMembres());
   exigerObjet(ligne, chemin);
   const Json numeroParDefaut = ++compte;
   const Json* numero = &numeroParDefaut;
@@ -379,11 +374,15 @@ std::string zoneLigne(const Json& ligne, const Chemin& chemin, std::size_t& comp
     }
   }
 
-  std::string zone = valeurs.ecrire(0) + valeurs.ecrireDonnes(1, APRES_EXECUTANT);
-  if (executant != nullptr) {
-    zone += zoneExecutant(*executant, *numero, chemin.membre("executant"));
+  std::string zone = valeurs.ecrire(0);
+  std::size_t place = 0;
+  for (const GroupeFacture groupe : SUITES_PRESTATION) {
+    if (groupe != EXECUTANT) {
+      zone += valeurs.ecrireDonne(++place);
+    } else if (executant != nullptr) {
+      zone += zoneExecutant(*executant, *numero, chemin.membre("executant"));
+    }
   }
-  zone += valeurs.ecrireDonnes(APRES_EXECUTANT, MEMBRES.groupes().size());
   zone += zoneOutrepassees(outrepassees, *numero, chemin);
   std::size_t rang = 0;
   for (const Json& deplacement :
@@ -397,7 +396,7 @@ std::string zoneLigne(const Json& ligne, const Chemin& chemin, std::size_t& comp
 
 // The header: the professional's fields, and the patient's.
 std::string zoneEntete(const Json& professionnel, const Json& beneficiaire) {
-  static const Membres MEMBRES{GROUPE_ENTETE};
+  static const Membres MEMBRES{ENTETE_FACTURE};
   Valeurs valeurs(MEMBRES, PROFESSIONNEL);
   exigerObjet(professionnel, PROFESSIONNEL);
   exigerObjet(beneficiaire, BENEFICIAIRE);
@@ -422,8 +421,8 @@ std::string zoneEntete(const Json& professionnel, const Json& beneficiaire) {
 }  // namespace
 
 std::string zoneDeFacture(const Json& facture) {
-  static const Membres REMPLACANT{GROUPE_REMPLACANT};
-  static const Membres CAISSE{GROUPE_CAISSE};
+  static const Membres REMPLACANT{noxlux::REMPLACANT};
+  static const Membres CAISSE{noxlux::CAISSE};
   const Json* professionnel = &NUL;
   const Json* beneficiaire = &NUL;
   const Json* remplacant = nullptr;
@@ -444,7 +443,7 @@ std::string zoneDeFacture(const Json& facture) {
     zone += valeurs.ecrire(0);
   }
   const GroupeDecrit& groupeNature = DescriptionZones::socle().groupeEntree(
-      trouverGroupe(NATURES, *nature, RACINE.membre("natureAssurance")));
+      trouverGroupe(naturesAssurance(), *nature, RACINE.membre("natureAssurance")));
   zone += ecrireGroupe(groupeNature, std::vector<const Json*>(groupeNature.champs.size()), RACINE);
   if (!lignes->is_array()) {
     RACINE.membre("lignes").refuser("une liste est attendue");

@@ -1,9 +1,10 @@
 #include "interapp/fonction_controle_complet.h"
 
 #include <algorithm>
-#include <array>
+#include <span>
 
 #include "basics/trace.h"
+#include "interapp/groupes_facture.h"
 #include "interapp/reponse.h"
 #include "regles/facture.h"
 #include "regles/ligne_ccam.h"
@@ -13,30 +14,6 @@
 namespace noxlux {
 
 namespace {
-
-enum GroupeFacture : std::uint16_t {
-  REMPLACANT = 1150,
-  PRESTATION = 1610,
-  DEPLACEMENT_FORFAITAIRE = 1620,
-  INDEMNITE_KILOMETRIQUE = 1630,
-  EXONERATION = 1820,
-  ENTENTE_PREALABLE = 1840,
-  EXECUTANT = 1870,
-  LIEU_EXECUTION = 1880,
-  FORCAGE_LIGNE = 2000,
-  BASE_AMO = 2020,
-  ACTE_CCAM = 2100,
-  DENTS = 2200,
-  ERREUR = 3520,
-  REGLE_OUTREPASSEE = 3530
-};
-
-struct NatureAssurance {
-  std::uint16_t groupe;
-  const char* code;
-};
-constexpr std::array<NatureAssurance, 4> NATURES_ASSURANCE{
-    {{1511, "AS"}, {1512, "MA"}, {1513, "AT"}, {1514, "PM"}}};
 
 const NatureAssurance* chercherNature(std::uint16_t groupe) {
   const auto nature = std::ranges::find(NATURES_ASSURANCE, groupe, &NatureAssurance::groupe);
@@ -55,6 +32,98 @@ constexpr unsigned short NIVEAU_OUTREPASSABLE = 1;
 constexpr unsigned short NIVEAU_NON_OUTREPASSABLE = 2;
 
 }  // namespace
+
+// The groups of an invoice: of each the members that its fields fill, in their order. A field that no member
+// keeps is read over.
+struct FonctionControleComplet::Table {
+  using F = FonctionControleComplet;
+  template <class O>
+  using Champ = void (F::*)(CodeRetour&, O&);
+  template <auto MEMBRE, auto EXTRAIRE, class O>
+  static constexpr Champ<O> lu = &F::lireMembre<MEMBRE, EXTRAIRE, O>;
+  template <class O>
+  static constexpr Champ<O> ignore = &F::ignorerMembre<O>;
+
+  using A = LigneActe;
+  using C = LigneCCAM;
+
+  static constexpr Champ<Facture> ENTETE[] = {
+      lu<&Facture::numeroPS, &F::extraireNumeroPS, Facture>,
+      ignore<Facture>,
+      ignore<Facture>,
+      lu<&Facture::conventionPS, &F::extraireCode, Facture>,
+      lu<&Facture::specialitePS, &F::extraireCode, Facture>,
+      ignore<Facture>,
+      ignore<Facture>,
+      lu<&Facture::agrementRadio, &F::extraireCode, Facture>,
+      ignore<Facture>,
+      ignore<Facture>,
+      ignore<Facture>,
+      lu<&Facture::dateNaissance, &F::extraireDateNaissance, Facture>,
+  };
+  static constexpr Champ<A> PRESTATION[] = {
+      lu<&A::numero, &F::extraireNombre, A>,
+      lu<&A::date, &F::extraireDate, A>,
+      lu<&A::lieuExecution, &F::extraireCode, A>,
+      lu<&A::prestation, &F::extraireCode, A>,
+      ignore<A>,
+      ignore<A>,
+      lu<&A::qualificatifDepense, &F::extraireCode, A>,
+      ignore<A>,
+      ignore<A>,
+      ignore<A>,
+      lu<&A::prixUnitaire, &F::extraireMontant, A>,
+      lu<&A::baseRemboursement, &F::extraireMontant, A>,
+      lu<&A::tauxRemboursement, &F::extraireTaux, A>,
+  };
+  static constexpr Champ<A> DEPLACEMENT[] = {
+      lu<&A::numero, &F::extraireNombre, A>,
+      lu<&A::date, &F::extraireDate, A>,
+      lu<&A::prestation, &F::extraireCode, A>,
+      ignore<A>,
+      ignore<A>,
+      ignore<A>,
+      ignore<A>,
+      lu<&A::tauxRemboursement, &F::extraireTaux, A>,
+      ignore<A>,
+      ignore<A>,
+      lu<&A::qualificatifDepense, &F::extraireCode, A>,
+  };
+  static constexpr Champ<A> EXONERATION[] = {lu<&A::exonerationTM, &F::extraireCode, A>};
+  static constexpr Champ<A> ENTENTE_PREALABLE[] = {lu<&A::ententePrealable, &F::extraireCode, A>};
+  static constexpr Champ<A> EXECUTANT[] = {lu<&A::numeroPS, &F::extraireNumeroPS, A>,
+                                           lu<&A::specialitePS, &F::extraireCode, A>};
+  static constexpr Champ<A> LIEU_EXECUTION[] = {lu<&A::identifiantLieu, &F::extraireCode, A>};
+  static constexpr Champ<A> BASE_AMO[] = {lu<&A::baseTheoriqueAMO, &F::extraireMontant, A>};
+  static constexpr Champ<C> ACTE[] = {
+      lu<&C::acte, &F::extraireCode, C>,
+      ignore<C>,
+      lu<&C::activite, &F::extraireCode, C>,
+      lu<&C::phase, &F::extrairePhase, C>,
+      lu<&C::modificateur, &F::extraireModificateurs, C>,
+      lu<&C::codeAssociation, &F::extraireCode, C>,
+      lu<&C::codeRemboursement, &F::extraireCode, C>,
+      lu<&C::supplementCharges, &F::extraireCode, C>,
+      lu<&C::donneesComplementaires, &F::extraireModificateursOC, C>,
+  };
+
+  // A group that may follow the one that opens a line.
+  struct Suite {
+    std::uint16_t groupe;
+    void (F::*lire)(CodeRetour&, std::unique_ptr<LigneActe>&);
+  };
+  static constexpr Suite SUITES[] = {
+      {noxlux::EXONERATION, &F::lireSuite<EXONERATION>},
+      {noxlux::ENTENTE_PREALABLE, &F::lireSuite<ENTENTE_PREALABLE>},
+      {noxlux::EXECUTANT, &F::lireSuite<EXECUTANT>},
+      {noxlux::LIEU_EXECUTION, &F::lireSuite<LIEU_EXECUTION>},
+      {noxlux::BASE_AMO, &F::lireSuite<BASE_AMO>},
+      {noxlux::ACTE_CCAM, &F::lireActe},
+      {noxlux::DENTS, &F::lireDents},
+  };
+  static_assert(std::ranges::equal(SUITES, SUITES_PRESTATION, {}, &Suite::groupe));
+  static constexpr std::size_t SUITES_DEPLACEMENT = 1;
+};
 
 FonctionControleComplet::FonctionControleComplet(Zone* zin, const SuperGroupe* superGroupe,
                                                  Reglementation* reglementation, Tarification* tarification)
@@ -102,6 +171,28 @@ CodeRetour FonctionControleComplet::executer(ZoneSortie& zoneOut, unsigned short
   return cr;
 }
 
+template <auto MEMBRE, auto EXTRAIRE, class O>
+void FonctionControleComplet::lireMembre(CodeRetour& cr, O& objet) {
+  objet.*MEMBRE = (this->*EXTRAIRE)(cr);
+}
+
+template <class O>
+void FonctionControleComplet::ignorerMembre(CodeRetour& cr, O& /*objet*/) {
+  ignoreChamp(cr);
+}
+
+template <class Champs, class O>
+void FonctionControleComplet::lireChamps(CodeRetour& cr, const Champs& champs, O& objet) {
+  for (const auto champ : champs) {
+    (this->*champ)(cr, objet);
+  }
+}
+
+template <const auto& CHAMPS>
+void FonctionControleComplet::lireSuite(CodeRetour& cr, std::unique_ptr<LigneActe>& ligne) {
+  lireChamps(cr, CHAMPS, *ligne);
+}
+
 void FonctionControleComplet::lireFacture(CodeRetour& cr, Facture& facture) {
   lireEntete(cr, facture);
   lireNatureAssurance(cr, facture);
@@ -110,19 +201,7 @@ void FonctionControleComplet::lireFacture(CodeRetour& cr, Facture& facture) {
 }
 
 void FonctionControleComplet::lireEntete(CodeRetour& cr, Facture& facture) {
-  const auto ignorer = [&](int nombre) {
-    for (; nombre > 0; --nombre) {
-      ignoreChamp(cr);
-    }
-  };
-  facture.numeroPS = extraireNumeroPS(cr);
-  ignorer(2);
-  facture.conventionPS = extraireCode(cr);
-  facture.specialitePS = extraireCode(cr);
-  ignorer(2);
-  facture.agrementRadio = extraireCode(cr);
-  ignorer(3);
-  facture.dateNaissance = extraireDateNaissance(cr);
+  lireChamps(cr, Table::ENTETE, facture);
   if (groupeSuivant(cr) == REMPLACANT) {
     facture.numeroPS = extraireNumeroPS(cr);
   }
@@ -163,68 +242,17 @@ void FonctionControleComplet::lireLignes(CodeRetour& cr, Facture& facture) {
 }
 
 void FonctionControleComplet::lirePrestation(CodeRetour& cr, Facture& facture) {
-  const auto position = static_cast<std::uint16_t>(facture.lignes.size() + 1);
   auto ligne = std::make_unique<LigneActe>();
-  ligne->numero = extraireNombre(cr);
-  ligne->date = extraireDate(cr);
-  ligne->lieuExecution = extraireCode(cr);
-  ligne->prestation = extraireCode(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ligne->qualificatifDepense = extraireCode(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ligne->prixUnitaire = extraireMontant(cr);
-  ligne->baseRemboursement = extraireMontant(cr);
-  ligne->tauxRemboursement = extraireTaux(cr);
-
-  const auto suivi = [&](std::uint16_t groupe) {
-    return groupeDeLaLigne(cr, groupe, ligne->numero, position);
-  };
-  ligne->exonerationTM = suivi(EXONERATION) ? extraireCode(cr) : Code(SANS_EXONERATION);
-  ligne->ententePrealable = suivi(ENTENTE_PREALABLE) ? extraireCode(cr) : Code(SANS_ENTENTE_PREALABLE);
-  if (suivi(EXECUTANT)) {
-    ligne->numeroPS = extraireNumeroPS(cr);
-    ligne->specialitePS = extraireCode(cr);
-  } else {
-    ligne->numeroPS = codeOuVide(facture.numeroPS);
-    ligne->specialitePS = codeOuVide(facture.specialitePS);
-  }
-  ligne->identifiantLieu = suivi(LIEU_EXECUTION) ? extraireCode(cr) : Code();
-  if (suivi(BASE_AMO)) {
-    ligne->baseTheoriqueAMO = extraireMontant(cr);
-  }
-  if (suivi(ACTE_CCAM)) {
-    ligne = lireActe(cr, *ligne);
-  }
-  if (suivi(DENTS)) {
-    ListeCodes dents = extraireDents(cr);
-    if (LigneCCAM* const ligneCCAM = enLigneCCAM(ligne.get()); ligneCCAM != nullptr) {
-      ligneCCAM->dent = std::move(dents);
-    }
-  }
-  extraireGroupes3530(cr, ligne->numero, position);
+  ligne->exonerationTM = Code(SANS_EXONERATION);
+  ligne->ententePrealable = Code(SANS_ENTENTE_PREALABLE);
+  ligne->numeroPS = codeOuVide(facture.numeroPS);
+  ligne->specialitePS = codeOuVide(facture.specialitePS);
+  ligne->identifiantLieu = Code();
+  lireChamps(cr, Table::PRESTATION, *ligne);
+  lireSuites(cr, facture, std::size(Table::SUITES), ligne);
   if (cr == NOX_CR_OK) {
     facture.ajouterLigne(std::move(ligne));
   }
-}
-
-std::unique_ptr<LigneActe> FonctionControleComplet::lireActe(CodeRetour& cr, const LigneActe& ligne) {
-  auto acte = std::make_unique<LigneCCAM>(ligne);
-  if (cr == NOX_CR_OK && !ligne.baseTheoriqueAMO.has_value()) {
-    cr = NOX_CR_BASE_AMO_ABSENTE;
-  }
-  acte->acte = extraireCode(cr);
-  ignoreChamp(cr);
-  acte->activite = extraireCode(cr);
-  acte->phase = extrairePhase(cr);
-  acte->modificateur = extraireModificateurs(cr);
-  acte->codeAssociation = extraireCode(cr);
-  acte->codeRemboursement = extraireCode(cr);
-  acte->supplementCharges = extraireCode(cr);
-  acte->donneesComplementaires = extraireModificateursOC(cr);
-  return acte;
 }
 
 void FonctionControleComplet::lireDeplacement(CodeRetour& cr, Facture& facture, std::uint16_t groupe) {
@@ -233,25 +261,42 @@ void FonctionControleComplet::lireDeplacement(CodeRetour& cr, Facture& facture, 
     Trace::erreur(TRACE_CONTROLE, "Groupe %d non attendu dans zone d'entrée", groupe);
     cr = NOX_CR_INCOHERENCE;
   }
-  const auto position = static_cast<std::uint16_t>(facture.lignes.size() + 1);
   auto ligne = std::make_unique<LigneActe>(
       groupe == DEPLACEMENT_FORFAITAIRE ? LigneActe::Type::DEPLACEMENT_1 : LigneActe::Type::DEPLACEMENT_2);
-  ligne->numero = extraireNombre(cr);
-  ligne->date = extraireDate(cr);
-  ligne->prestation = extraireCode(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ligne->tauxRemboursement = extraireTaux(cr);
-  ignoreChamp(cr);
-  ignoreChamp(cr);
-  ligne->qualificatifDepense = extraireCode(cr);
-  ligne->exonerationTM =
-      groupeDeLaLigne(cr, EXONERATION, ligne->numero, position) ? extraireCode(cr) : Code(SANS_EXONERATION);
-  extraireGroupes3530(cr, ligne->numero, position);
+  ligne->exonerationTM = Code(SANS_EXONERATION);
+  lireChamps(cr, Table::DEPLACEMENT, *ligne);
+  lireSuites(cr, facture, Table::SUITES_DEPLACEMENT, ligne);
   if (cr == NOX_CR_OK) {
     cr = facture.ajouterLigne(std::move(ligne)).rattacher();
+  }
+}
+
+void FonctionControleComplet::lireSuites(CodeRetour& cr, const Facture& facture, std::size_t nombre,
+                                         std::unique_ptr<LigneActe>& ligne) {
+  const auto position = static_cast<std::uint16_t>(facture.lignes.size() + 1);
+  const Nombre numero = ligne->numero;
+  for (const Table::Suite& suite : std::span(Table::SUITES).first(nombre)) {
+    if (groupeDeLaLigne(cr, suite.groupe, numero, position)) {
+      (this->*suite.lire)(cr, ligne);
+    }
+  }
+  extraireGroupes3530(cr, numero, position);
+}
+
+// The line becomes one coded in CCAM.
+void FonctionControleComplet::lireActe(CodeRetour& cr, std::unique_ptr<LigneActe>& ligne) {
+  if (cr == NOX_CR_OK && !ligne->baseTheoriqueAMO.has_value()) {
+    cr = NOX_CR_BASE_AMO_ABSENTE;
+  }
+  auto acte = std::make_unique<LigneCCAM>(*ligne);
+  lireChamps(cr, Table::ACTE, *acte);
+  ligne = std::move(acte);
+}
+
+void FonctionControleComplet::lireDents(CodeRetour& cr, std::unique_ptr<LigneActe>& ligne) {
+  ListeCodes dents = extraireDents(cr);
+  if (LigneCCAM* const acte = enLigneCCAM(ligne.get()); acte != nullptr) {
+    acte->dent = std::move(dents);
   }
 }
 

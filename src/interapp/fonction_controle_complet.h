@@ -31,6 +31,17 @@ class FonctionControleComplet final : public Fonctions {
 
  private:
   using Restituees = std::vector<const Erreur*>;
+  struct Table;
+
+  // --- Fields ---
+  template <auto MEMBRE, auto EXTRAIRE, class O>
+  void lireMembre(CodeRetour& cr, O& objet);
+  template <class O>
+  void ignorerMembre(CodeRetour& cr, O& objet);
+  template <class Champs, class O>
+  void lireChamps(CodeRetour& cr, const Champs& champs, O& objet);
+  template <const auto& CHAMPS>
+  void lireSuite(CodeRetour& cr, std::unique_ptr<LigneActe>& ligne);
 
   // --- Reading; each does nothing once the code is not 0 ---
   void lireFacture(CodeRetour& cr, Facture& facture);
@@ -39,7 +50,11 @@ class FonctionControleComplet final : public Fonctions {
   void lireLignes(CodeRetour& cr, Facture& facture);
   void lirePrestation(CodeRetour& cr, Facture& facture);
   void lireDeplacement(CodeRetour& cr, Facture& facture, std::uint16_t groupe);
-  std::unique_ptr<LigneActe> lireActe(CodeRetour& cr, const LigneActe& ligne);
+  void lireActe(CodeRetour& cr, std::unique_ptr<LigneActe>& ligne);
+  void lireDents(CodeRetour& cr, std::unique_ptr<LigneActe>& ligne);
+  // The groups that follow the one that opened the line, the first `nombre` of those there may be.
+  void lireSuites(CodeRetour& cr, const Facture& facture, std::size_t nombre,
+                  std::unique_ptr<LigneActe>& ligne);
   void extraireGroupes3530(CodeRetour& cr, const Nombre& numero, std::uint16_t ligne);
   // Whether that group of the line comes next; its line number is then read and checked.
   bool groupeDeLaLigne(CodeRetour& cr, std::uint16_t groupe, const Nombre& numero, std::uint16_t ligne);

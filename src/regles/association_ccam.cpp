@@ -11,11 +11,14 @@ namespace noxlux {
 
 namespace {
 
+using R = Reglementation;
+
+constexpr Regle<R, AssociationCCAM> PROCEDURES{"PROD590", &R::appliquerProd590};
+constexpr Regle<R, LigneCCAM> CODE_CONNU{"PROD137", &R::appliquerProd137};
 // Each runs only while the ones before raised nothing.
-constexpr EtapeRegle<Reglementation, const AssociationCCAM> REGLES_ASSOCIATION[] = {
-    {"PROD648", &Reglementation::appliquerProd648}, {"PROD649", &Reglementation::appliquerProd649},
-    {"PROD650", &Reglementation::appliquerProd650}, {"PROD653", &Reglementation::appliquerProd653},
-    {"PROD654", &Reglementation::appliquerProd654},
+constexpr Regle<R, AssociationCCAM> REGLES_ASSOCIATION[] = {
+    {"PROD648", &R::appliquerProd648}, {"PROD649", &R::appliquerProd649}, {"PROD650", &R::appliquerProd650},
+    {"PROD653", &R::appliquerProd653}, {"PROD654", &R::appliquerProd654},
 };
 
 }  // namespace
@@ -43,31 +46,17 @@ void AssociationCCAM::ajouterLigne(LigneCCAM* ligne) {
 CodeRetour AssociationCCAM::controlerReglementation(Reglementation& reglementation, ListeErreurs& erreurs) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Association::controlerReglementation");
-  const auto deposer = [this](ListeErreurs& liste, Erreur& erreur, Regles& regles) {
-    return traiterErreur(liste, erreur, regles);
-  };
-  Deroulement<Reglementation, AssociationCCAM, decltype(deposer)> deroulement(reglementation, *this, erreurs,
-                                                                              deposer);
-  deroulement.regle("PROD590",
-                    [&](Erreur& erreur) { return reglementation.appliquerProd590(*this, erreur); });
-  cr = deroulement.code();
+  Deroulement<R> deroulement(reglementation, erreurs);
+  deroulement.regle(PROCEDURES, *this);
   for (LigneCCAM* ligne : lignes) {
-    if (cr != NOX_CR_OK) {
-      return cr;
-    }
-    auto surLigne = deroulerSurLigne(reglementation, *ligne, *ligne, erreurs);
-    surLigne.regle("PROD137",
-                   [&](Erreur& erreur) { return reglementation.appliquerProd137(*ligne, erreur); });
-    cr = surLigne.code();
+    deroulement.regle(CODE_CONNU, *ligne);
   }
-  for (const auto& etape : REGLES_ASSOCIATION) {
-    if (cr != NOX_CR_OK || !deroulement.regle(etape.identifiant, [&](Erreur& erreur) {
-          return (reglementation.*etape.appliquer)(*this, erreur);
-        })) {
+  for (const auto& regle : REGLES_ASSOCIATION) {
+    if (!deroulement.ok() || !deroulement.regle(regle, *this)) {
       break;
     }
   }
-  cr = cr != NOX_CR_OK ? cr : deroulement.code();
+  cr = deroulement.code();
   return cr;
 }
 
@@ -75,7 +64,7 @@ CodeRetour AssociationCCAM::rechercherActePu(Tarification& tarification) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Association::rechercheActePu");
   bool verifiable = false;
-  cr = tarification.estVerifiable(Code("PROD656A"), *this, verifiable);
+  cr = tarification.estVerifiable(Code(Tarification::PROD656A), *this, verifiable);
   if (cr == NOX_CR_OK && verifiable) {
     cr = tarification.appliquerProd656A(*this);
   }

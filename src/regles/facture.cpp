@@ -13,9 +13,13 @@ namespace noxlux {
 
 namespace {
 
-constexpr EtapeRegle<Reglementation, const LigneCCAM> REGLES_SEANCE[] = {
-    {"PROD600", &Reglementation::appliquerProd600},
-    {"PROD240", &Reglementation::appliquerProd240},
+using R = Reglementation;
+
+constexpr Question<R, LigneCCAM> EST_COMPLEMENTAIRE{"PROD580A", &R::appliquerProd580A, Portee::SEANCE};
+constexpr Regle<R, LigneCCAM> COMPLEMENTAIRE_SEUL{"PROD580", &R::appliquerProd580, Portee::SEANCE};
+constexpr Regle<R, LigneCCAM> REGLES_SEANCE[] = {
+    {"PROD600", &R::appliquerProd600, Portee::SEANCE},
+    {"PROD240", &R::appliquerProd240, Portee::SEANCE},
 };
 
 // The natures of insurance under which the patient pays no share: there is nothing to be exempt from.
@@ -122,25 +126,16 @@ CodeRetour Facture::controler(Reglementation& reglementation, Tarification& tari
 CodeRetour Facture::controlerReglementation(Reglementation& reglementation, ListeErreurs& erreurs) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Facture::controlerReglementation");
-  cr = tantQueReussi(lignes, [&](const auto& element) {
-    const LigneCCAM* const ligne = enLigneCCAM(element.get());
-    if (ligne == nullptr) {
-      return static_cast<CodeRetour>(NOX_CR_OK);
+  Deroulement<R> deroulement(reglementation, erreurs);
+  for (const auto& element : lignes) {
+    if (LigneCCAM* const ligne = enLigneCCAM(element.get()); ligne != nullptr) {
+      if (deroulement.question(EST_COMPLEMENTAIRE, *ligne)) {
+        deroulement.regle(COMPLEMENTAIRE_SEUL, *ligne);
+      }
+      deroulement.suite(REGLES_SEANCE, *ligne);
     }
-    const auto deposer = [&](ListeErreurs& liste, Erreur& erreur, Regles& regles) {
-      return traiterErreur(liste, erreur, ligne->numero, ligne->date, regles);
-    };
-    Deroulement<Reglementation, Seance, decltype(deposer)> deroulement(reglementation, *ligne->seance,
-                                                                       erreurs, deposer);
-    if (deroulement.question("PROD580A", [&](Booleen& reponse) {
-          return reglementation.appliquerProd580A(*ligne, reponse);
-        })) {
-      deroulement.regle("PROD580",
-                        [&](Erreur& erreur) { return reglementation.appliquerProd580(*ligne, erreur); });
-    }
-    deroulement.suite(REGLES_SEANCE, *ligne);
-    return deroulement.code();
-  });
+  }
+  cr = deroulement.code();
   return cr;
 }
 

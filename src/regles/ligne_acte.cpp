@@ -12,12 +12,12 @@ namespace noxlux {
 
 namespace {
 
-using EtapeLigne = EtapeRegle<Reglementation, const LigneActe>;
-
-constexpr EtapeLigne REGLES_PRESTATION[] = {
+constexpr Regle<Reglementation, LigneActe> REGLES_PRESTATION[] = {
     {"PROD170", &Reglementation::appliquerProd170},
     {"PROD211", &Reglementation::appliquerProd211},
 };
+constexpr Regle<Reglementation, LigneActe> DEPLACEMENT_ADMIS{"PROD690A", &Reglementation::appliquerProd690A};
+constexpr Regle<Tarification, LigneActe> DEPLACEMENT_EXONERE{"PROD792B", &Tarification::appliquerProd792B};
 
 }  // namespace
 
@@ -88,12 +88,11 @@ CodeRetour LigneActe::controlerReglementation(Reglementation& reglementation, Li
   const BlocTrace bloc(TRACE_CONTROLE, cr, "LigneActe::controlerReglementation");
   reglesNonVerifiables.emplace();
   cr = compterModifications(reglementation, FORCAGE_REGLEMENTATION, [&] {
-    auto deroulement = deroulerSurLigne(reglementation, *this, *this, erreurs);
+    Deroulement<Reglementation> deroulement(reglementation, erreurs);
     if (type == Type::PRESTATION) {
       deroulement.suite(REGLES_PRESTATION, *this);
     } else if (estDeplacement() && enLigneCCAM(rattachement) != nullptr) {
-      deroulement.regle("PROD690A",
-                        [&](Erreur& erreur) { return reglementation.appliquerProd690A(*this, erreur); });
+      deroulement.regle(DEPLACEMENT_ADMIS, *this);
     }
     return deroulement.code();
   });
@@ -121,14 +120,14 @@ CodeRetour LigneActe::controlerExoFactureExoneree(Tarification& tarification, Li
   }
   bool verifiable = true;
   if (ligneCCAM->association != nullptr) {
-    const CodeRetour cr = tarification.estVerifiable(Code("PROD792B"), *ligneCCAM->association, verifiable);
+    const CodeRetour cr = tarification.estVerifiable(Code(DEPLACEMENT_EXONERE.identifiant),
+                                                     *ligneCCAM->association, verifiable);
     if (cr != NOX_CR_OK || !verifiable) {
       return cr;
     }
   }
-  auto deroulement = deroulerSurLigne(tarification, *this, *this, erreurs);
-  deroulement.regle("PROD792B",
-                    [&](Erreur& erreur) { return tarification.appliquerProd792B(*this, erreur); });
+  Deroulement<Tarification> deroulement(tarification, erreurs);
+  deroulement.regle(DEPLACEMENT_EXONERE, *this);
   return deroulement.code();
 }
 

@@ -15,9 +15,11 @@ namespace noxlux {
 namespace {
 
 using R = Reglementation;
-using EtapeActeCCAM = EtapeRegle<R, const LigneCCAM>;
+using T = Tarification;
+using RegleActe = Regle<R, LigneCCAM>;
+using RegleTarif = Regle<T, LigneCCAM>;
 
-constexpr EtapeActeCCAM REGLES_ACTE[] = {
+constexpr RegleActe REGLES_ACTE[] = {
     {"PROD500", &R::appliquerProd500},   {"PROD510", &R::appliquerProd510},
     {"PROD511A", &R::appliquerProd511A}, {"PROD890", &R::appliquerProd890},
     {"PROD780", &R::appliquerProd780},   {"PROD760", &R::appliquerProd760},
@@ -29,58 +31,73 @@ constexpr EtapeActeCCAM REGLES_ACTE[] = {
     {"PROD555", &R::appliquerProd555},   {"PROD798A", &R::appliquerProd798A},
     {"PROD540", &R::appliquerProd540},
 };
-constexpr EtapeActeCCAM REGLES_AGE[] = {
+constexpr Question<R, LigneCCAM> A_DES_LIMITES{"PROD696", &R::appliquerProd696};
+constexpr RegleActe REGLES_AGE[] = {
     {"PROD720", &R::appliquerProd720},
     {"PROD730", &R::appliquerProd730},
 };
-constexpr EtapeActeCCAM REGLES_DENTS[] = {
+constexpr Question<R, LigneCCAM> A_DES_DENTS{"PROD695", &R::appliquerProd695};
+constexpr RegleActe REGLES_DENTS[] = {
     {"PROD700", &R::appliquerProd700},
     {"PROD702", &R::appliquerProd702},
     {"PROD710", &R::appliquerProd710},
 };
 
-constexpr EtapeRegle<Tarification, const LigneCCAM> REGLES_EXONERATION[] = {
-    {"PROD785", &Tarification::appliquerProd785}, {"PROD786", &Tarification::appliquerProd786},
-    {"PROD787", &Tarification::appliquerProd787}, {"PROD791B", &Tarification::appliquerProd791B},
-    {"PROD788", &Tarification::appliquerProd788}, {"PROD789", &Tarification::appliquerProd789},
-    {"PROD793", &Tarification::appliquerProd793}, {"PROD795A", &Tarification::appliquerProd795A},
+constexpr RegleTarif PRIX_FACTURE{"PROD850", &T::appliquerProd850};
+constexpr Question<T, LigneCCAM> EST_REMBOURSEE{"PROD763A", &T::appliquerProd763A, Portee::ASSOCIATION};
+constexpr RegleTarif BASES_FACTUREES[] = {
+    {"PROD880", &T::appliquerProd880, Portee::ASSOCIATION},
+    {"PROD880A", &T::appliquerProd880A, Portee::ASSOCIATION},
 };
-
-// The reimbursement base of a line, and its part outside flat fees. `calculee` is false when a rule it stands
-// on may not be checked: there is then nothing to compare the billed base with.
-struct BaseActe {
-  bool calculee = false;
-  Montant base;
-  Montant horsForfait;
+constexpr RegleTarif REGLES_EXONERATION[] = {
+    {"PROD785", &T::appliquerProd785, Portee::ASSOCIATION},
+    {"PROD786", &T::appliquerProd786, Portee::ASSOCIATION},
+    {"PROD787", &T::appliquerProd787, Portee::ASSOCIATION},
+    {"PROD791B", &T::appliquerProd791B, Portee::ASSOCIATION},
+    {"PROD788", &T::appliquerProd788, Portee::ASSOCIATION},
+    {"PROD789", &T::appliquerProd789, Portee::ASSOCIATION},
+    {"PROD793", &T::appliquerProd793, Portee::ASSOCIATION},
+    {"PROD795A", &T::appliquerProd795A, Portee::ASSOCIATION},
 };
+constexpr RegleTarif EXONERATION_OUBLIEE{"PROD792", &T::appliquerProd792, Portee::ASSOCIATION};
+constexpr RegleTarif EXONERATION_INDUE{"PROD791A", &T::appliquerProd791A, Portee::ASSOCIATION};
 
-template <class Rules>
-BaseActe calculerBase(Tarification& tarification, LigneCCAM& ligne, Rules& deroulement) {
-  BaseActe calcul;
-  if (!deroulement.question(
-          "PROD763A", [&](Booleen& reponse) { return tarification.appliquerProd763A(ligne, reponse); })) {
-    return calcul;
+// Computes the reimbursement base of a line, and its part outside flat fees. The base is left absent when a
+// rule it stands on may not be checked: there is then nothing to compare the billed base with.
+void calculerBase(T& tarification, LigneCCAM& ligne, Deroulement<T>& deroulement) {
+  const auto calcul = [&](const char* identifiant, auto calculer) {
+    return deroulement.calcul(identifiant, ligne, Portee::ASSOCIATION, calculer);
+  };
+  if (!deroulement.question(EST_REMBOURSEE, ligne)) {
+    return;
   }
   ligne.topReduction = Booleen(false);
   if (ligne.association->actePlusFort.has_value() &&
-      !deroulement.calcul("PROD656B", [&] { return tarification.appliquerProd656B(ligne); })) {
-    return calcul;
+      !calcul(T::PROD656B, [&] { return tarification.appliquerProd656B(ligne); })) {
+    return;
   }
   Coefficient coefficient(1.0);
   Montant supplement;
+  Montant base;
+  Montant horsForfait;
   const bool codee = estDonne(ligne.codeAssociation);
-  calcul.calculee = deroulement.calcul(codee ? "PROD655" : "PROD640", [&] {
-    return codee ? tarification.appliquerProd655(ligne, coefficient)
-                 : tarification.appliquerProd640(ligne, coefficient);
-  }) && deroulement.calcul("PROD860", [&] {
-    return tarification.appliquerProd860(ligne, supplement);
-  }) && deroulement.calcul("PROD870", [&] {
-    return tarification.appliquerProd870(ligne, coefficient, supplement, calcul.base, calcul.horsForfait);
-  }) && deroulement.calcul("PROD740", [&] {
-    return tarification.appliquerProd740(codeOuVide(ligne.factureParent->conventionPS), ligne.date,
-                                         calcul.base);
-  });
-  return calcul;
+  const bool calculee =
+      calcul(codee ? T::PROD655 : T::PROD640,
+             [&] {
+               return codee ? tarification.appliquerProd655(ligne, coefficient)
+                            : tarification.appliquerProd640(ligne, coefficient);
+             }) &&
+      calcul(T::PROD860, [&] { return tarification.appliquerProd860(ligne, supplement); }) &&
+      calcul(
+          T::PROD870,
+          [&] { return tarification.appliquerProd870(ligne, coefficient, supplement, base, horsForfait); }) &&
+      calcul(T::PROD740, [&] {
+        return tarification.appliquerProd740(codeOuVide(ligne.factureParent->conventionPS), ligne.date, base);
+      });
+  if (calculee) {
+    ligne.baseCalculee = base;
+  }
+  ligne.baseHorsForfait = horsForfait;
 }
 
 }  // namespace
@@ -90,13 +107,11 @@ CodeRetour LigneCCAM::controlerReglementation(Reglementation& reglementation, Li
   const BlocTrace bloc(TRACE_CONTROLE, cr, "LigneCCAM::controlerReglementation");
   reglesNonVerifiables.emplace();
   cr = compterModifications(reglementation, FORCAGE_REGLEMENTATION, [&] {
-    auto deroulement = deroulerSurLigne(reglementation, *this, *this, erreurs);
+    Deroulement<R> deroulement(reglementation, erreurs);
     deroulement.suite(REGLES_ACTE, *this);
-    if (deroulement.question(
-            "PROD696", [&](Booleen& reponse) { return reglementation.appliquerProd696(*this, reponse); })) {
+    if (deroulement.question(A_DES_LIMITES, *this)) {
       deroulement.suite(REGLES_AGE, *this);
-      if (deroulement.question(
-              "PROD695", [&](Booleen& reponse) { return reglementation.appliquerProd695(*this, reponse); })) {
+      if (deroulement.question(A_DES_DENTS, *this)) {
         deroulement.suite(REGLES_DENTS, *this);
       }
     }
@@ -109,15 +124,14 @@ CodeRetour LigneCCAM::controlerPU(Tarification& tarification, ListeErreurs& erre
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "LigneCCAM::controlerPU");
   cr = compterModifications(tarification, FORCAGE_PRIX, [&] {
-    auto deroulement = deroulerSurLigne(tarification, *this, *this, erreurs);
-    Montant prixCalcule;
-    if (deroulement.calcul("PROD840", [&] {
+    Deroulement<T> deroulement(tarification, erreurs);
+    Montant prix;
+    if (deroulement.calcul(T::PROD840, *this, Portee::LIGNE, [&] {
           return tarification.appliquerProd840(acte, activite, phase, date,
-                                               codeOuVide(factureParent->caissePS), prixCalcule);
+                                               codeOuVide(factureParent->caissePS), prix);
         })) {
-      deroulement.regle("PROD850", [&](Erreur& erreur) {
-        return tarification.appliquerProd850(*this, prixCalcule, erreur);
-      });
+      prixCalcule = prix;
+      deroulement.regle(PRIX_FACTURE, *this);
     }
     return deroulement.code();
   });
@@ -128,22 +142,15 @@ CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs
   exiger(association != nullptr, "association != __null");
   CodeRetour cr = NOX_CR_OK;
   baseHorsForfait = Montant();
-  Trace::debut(TRACE_CONTROLE, "LigneCCAM::controlerBaseActe");
-  const EnSortant fin([&] {
+  const BlocParticulier bloc("LigneCCAM::controlerBaseActe", [&] {
     Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, base hors forfait = %.2fE", cr, baseHorsForfait->lireValeur());
   });
   cr = compterModifications(tarification, FORCAGE_BASE, [&] {
-    auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
-    const BaseActe calcul = calculerBase(tarification, *this, deroulement);
-    if (calcul.calculee) {
-      deroulement.regle("PROD880", [&](Erreur& erreur) {
-        return tarification.appliquerProd880(*this, calcul.base, erreur);
-      });
-      deroulement.regle("PROD880A", [&](Erreur& erreur) {
-        return tarification.appliquerProd880A(*this, calcul.base, erreur);
-      });
+    Deroulement<T> deroulement(tarification, erreurs);
+    calculerBase(tarification, *this, deroulement);
+    if (baseCalculee.has_value()) {
+      deroulement.suite(BASES_FACTUREES, *this);
     }
-    baseHorsForfait = calcul.horsForfait;
     return deroulement.code();
   });
   return cr;
@@ -151,33 +158,29 @@ CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs
 
 CodeRetour LigneCCAM::controlerExoActe(Tarification& tarification, ListeErreurs& erreurs,
                                        Code& factureExoneree) {
-  exiger(association != nullptr, "association != __null");
   CodeRetour cr = NOX_CR_OK;
-  Trace::debut(TRACE_CONTROLE, "LigneCCAM::controlerExoActe");
-  const EnSortant fin([&] {
+  const BlocParticulier bloc("LigneCCAM::controlerExoActe", [&] {
     Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, facture exoneree = %s", cr, factureExoneree.lireTexte());
   });
   cr = compterModifications(tarification, FORCAGE_EXONERATION, [&] {
-    auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
+    Deroulement<T> deroulement(tarification, erreurs);
     deroulement.suite(REGLES_EXONERATION, *this);
-    deroulement.calcul("PROD790A", [&] { return tarification.appliquerProd790A(*this, factureExoneree); });
+    deroulement.calcul(T::PROD790A, *this, Portee::ASSOCIATION,
+                       [&] { return tarification.appliquerProd790A(*this, factureExoneree); });
     return deroulement.code();
   });
   return cr;
 }
 
 CodeRetour LigneCCAM::controlerExoFactureExoneree(Tarification& tarification, ListeErreurs& erreurs) {
-  exiger(association != nullptr, "association != __null");
-  auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
-  deroulement.regle("PROD792", [&](Erreur& erreur) { return tarification.appliquerProd792(*this, erreur); });
+  Deroulement<T> deroulement(tarification, erreurs);
+  deroulement.regle(EXONERATION_OUBLIEE, *this);
   return deroulement.code();
 }
 
 CodeRetour LigneCCAM::controlerExoFactureNonExoneree(Tarification& tarification, ListeErreurs& erreurs) {
-  exiger(association != nullptr, "association != __null");
-  auto deroulement = deroulerSurLigne(tarification, *this, *association, erreurs);
-  deroulement.regle("PROD791A",
-                    [&](Erreur& erreur) { return tarification.appliquerProd791A(*this, erreur); });
+  Deroulement<T> deroulement(tarification, erreurs);
+  deroulement.regle(EXONERATION_INDUE, *this);
   return deroulement.code();
 }
 

@@ -46,6 +46,8 @@ struct LigneCCAM final : LigneActe {
   std::optional<Code> supplementCharges;
   ListeCodes donneesComplementaires;
   ListeCodes dent;
+  std::optional<Montant> prixCalcule;      // of the act, with the increase of the fund
+  std::optional<Montant> baseCalculee;     // what a billed base is compared with
   std::optional<Montant> baseHorsForfait;  // computed
   AssociationCCAM* association = nullptr;  // set by the grouping; not owned
   Seance* seance = nullptr;                // set by the grouping; not owned

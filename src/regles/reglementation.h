@@ -1,7 +1,7 @@
-// The regulation rules. A rule reads the reference and, on a violation, fills the error it is given; it
-// answers a code only when the reference could not be read. A question rule answers a Booleen. What each rule
-// asks is told in docs/rules.md; the sequences that call them belong to the invoice, its lines and its
-// associations.
+// The regulation rules. A rule reads the reference and, on a violation, says so to the finding it is given;
+// it answers a code only when the reference could not be read. A question rule answers a Booleen. What each
+// rule asks is told in docs/rules.md; the sequences that call them belong to the invoice, its lines and its
+// associations, which name them and run them (deroulement.h).
 #ifndef NOXLUX_REGLES_REGLEMENTATION_H
 #define NOXLUX_REGLES_REGLEMENTATION_H
 
@@ -19,6 +19,7 @@ class RelationsActes;
 
 class Reglementation final : public Regles {
  public:
+  static constexpr const char* NOM = "Reglementation";
   // Answers of appliquerCCompatibilite.
   static constexpr const char* COMPATIBLES = "C";
   static constexpr const char* INCOMPATIBLES = "I";
@@ -30,55 +31,55 @@ class Reglementation final : public Regles {
   using Regles::Regles;
 
   // Lines that are not CCAM. PROD690A REQUIRES: a travel line attached to a CCAM line.
-  CodeRetour appliquerProd170(const LigneActe& ligne, Erreur& erreur);
-  CodeRetour appliquerProd211(const LigneActe& ligne, Erreur& erreur);
-  CodeRetour appliquerProd690A(const LigneActe& ligne, Erreur& erreur);
+  CodeRetour appliquerProd170(const LigneActe& ligne, Constat& constat);
+  CodeRetour appliquerProd211(const LigneActe& ligne, Constat& constat);
+  CodeRetour appliquerProd690A(const LigneActe& ligne, Constat& constat);
 
   // CCAM lines: the act and its dates. REQUIRES, for all the rules of a line: factureParent != null
-  CodeRetour appliquerProd500(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd510(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd511A(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd890(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd780(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd760(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd765(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd530(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd540(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd500(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd510(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd511A(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd890(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd780(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd760(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd765(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd530(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd540(const LigneCCAM& ligne, Constat& constat);
   // Who executes, and under which grouping code.
-  CodeRetour appliquerProd220(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd798(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd670(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd895A(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd220(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd798(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd670(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd895A(const LigneCCAM& ligne, Constat& constat);
   // Modifiers.
-  CodeRetour appliquerProd136A(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd136B(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd190(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd550(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd555(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd798A(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd136A(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd136B(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd190(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd550(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd555(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd798A(const LigneCCAM& ligne, Constat& constat);
   // Ages and teeth. PROD696 and PROD695 are questions.
   CodeRetour appliquerProd696(const LigneCCAM& ligne, Booleen& resultat);
-  CodeRetour appliquerProd720(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd730(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd720(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd730(const LigneCCAM& ligne, Constat& constat);
   CodeRetour appliquerProd695(const LigneCCAM& ligne, Booleen& resultat);
-  CodeRetour appliquerProd700(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd702(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd710(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd700(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd702(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd710(const LigneCCAM& ligne, Constat& constat);
 
   // The line among those of its date. REQUIRES: seance != null. PROD580A is a question.
   CodeRetour appliquerProd580A(const LigneCCAM& ligne, Booleen& resultat);
-  CodeRetour appliquerProd580(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd600(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd240(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd580(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd600(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd240(const LigneCCAM& ligne, Constat& constat);
 
   // Associations. These, and PROD240, give the numbers of the lines concerned to the error.
-  CodeRetour appliquerProd590(const AssociationCCAM& association, Erreur& erreur);
-  CodeRetour appliquerProd137(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd648(const AssociationCCAM& association, Erreur& erreur);
-  CodeRetour appliquerProd649(const AssociationCCAM& association, Erreur& erreur);
-  CodeRetour appliquerProd650(const AssociationCCAM& association, Erreur& erreur);
-  CodeRetour appliquerProd653(const AssociationCCAM& association, Erreur& erreur);
-  CodeRetour appliquerProd654(const AssociationCCAM& association, Erreur& erreur);
+  CodeRetour appliquerProd590(const AssociationCCAM& association, Constat& constat);
+  CodeRetour appliquerProd137(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd648(const AssociationCCAM& association, Constat& constat);
+  CodeRetour appliquerProd649(const AssociationCCAM& association, Constat& constat);
+  CodeRetour appliquerProd650(const AssociationCCAM& association, Constat& constat);
+  CodeRetour appliquerProd653(const AssociationCCAM& association, Constat& constat);
+  CodeRetour appliquerProd654(const AssociationCCAM& association, Constat& constat);
 
   // Single questions of the data control.
   CodeRetour appliquerCAge1(const Date& dateNaissance, const Code& modificateur, const Date& date,
@@ -110,15 +111,13 @@ class Reglementation final : public Regles {
   static std::string listerElements(const ListeCodes& codes);
 
  private:
-  CodeRetour verifierPrestation(const LigneActe& ligne, const char* regle, Erreur& erreur);
+  CodeRetour verifierPrestation(const LigneActe& ligne, Constat& constat);
   enum class Rang { TARIFANTS, AU_DELA };
-  CodeRetour chercherModificateurInconnu(const LigneCCAM& ligne, Rang rang, const char* regle,
-                                         Erreur& erreur);
+  CodeRetour chercherModificateurInconnu(const LigneCCAM& ligne, Rang rang, Constat& constat);
   // Whether an age keeps within the limits of a modifier; the code of the query when it has none at the date.
   CodeRetour verifierAgeModificateur(const Periode& age, const Code& modificateur, const Date& date,
                                      bool& respecte);
-  CodeRetour verifierNonRembourse(const LigneCCAM& ligne, Concept admissions, const char* regle,
-                                  Erreur& erreur);
+  CodeRetour verifierNonRembourse(const LigneCCAM& ligne, Concept admissions, Constat& constat);
   // Whether an age keeps within a limit of the phase; no limit is kept by all ages.
   using VerificationAge = CodeRetour (Reglementation::*)(const Periode& age, const Code& acte,
                                                          const Code& activite, const Code& phase,
@@ -127,8 +126,7 @@ class Reglementation final : public Regles {
                                 Periode& limite, bool& respecte);
   CodeRetour verifierAgeMaximal(const Periode& age, const Code& acte, const Code& activite, const Code& phase,
                                 Periode& limite, bool& respecte);
-  CodeRetour verifierAgeLigne(const LigneCCAM& ligne, VerificationAge verifier, const char* regle,
-                              Erreur& erreur);
+  CodeRetour verifierAgeLigne(const LigneCCAM& ligne, VerificationAge verifier, Constat& constat);
   CodeRetour lireNombreDents(const LigneCCAM& ligne, std::int32_t& nombre);
   CodeRetour lireDentsIncompatibles(const Code& acte, const Code& activite, const Code& phase,
                                     ListeCodes& dents);
@@ -144,10 +142,10 @@ class Reglementation final : public Regles {
 
   // Raises an association rule for the lines, by position, that `garder` keeps.
   template <class Garder>
-  CodeRetour leverPour(const AssociationCCAM& association, const char* regle, ArgumentsLibelle arguments,
-                       Garder garder, Erreur& erreur);
+  CodeRetour leverPour(const AssociationCCAM& association, ArgumentsLibelle arguments, Garder garder,
+                       Constat& constat);
   CodeRetour leverProcedure(const AssociationCCAM& association, std::size_t i, std::size_t j,
-                            const Code& procedure, Erreur& erreur);
+                            const Code& procedure, Constat& constat);
   CodeRetour estIncompatible(const Code& acte1, const Code& acte2, const Date& date, bool& incompatible);
   CodeRetour lireEnSus(const AssociationCCAM& association, const RelationsActes& relations,
                        std::vector<bool>& enSus);

@@ -4,25 +4,21 @@
 
 namespace noxlux {
 
-CodeRetour Reglementation::appliquerProd500(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd500");
+CodeRetour Reglementation::appliquerProd500(const LigneCCAM& ligne, Constat& constat) {
   Trace::ecrire(TRACE_CONTROLE, "acte = %s", ligne.acte.lireTexte());
-  cr = lecture().rechercherExistenceActe(ligne.acte);
+  CodeRetour cr = lecture().rechercherExistenceActe(ligne.acte);
   if (cr == NOX_CR_CODE_INCONNU) {
     Trace::ecrire(TRACE_CONTROLE, "le code acte non trouvé est : %s", ligne.acte.lireTexte());
-    cr = copierValeurErreur(erreur, "PROD500", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd510(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd510");
+CodeRetour Reglementation::appliquerProd510(const LigneCCAM& ligne, Constat& constat) {
   tracerActe(ligne.acte, ligne.date);
   Date creation;
   Date fin;
-  cr = lecture().rechercherDateCreation(ligne.acte, creation);
+  CodeRetour cr = lecture().rechercherDateCreation(ligne.acte, creation);
   if (cr != NOX_CR_OK) {
     return cr;
   }
@@ -33,20 +29,19 @@ CodeRetour Reglementation::appliquerProd510(const LigneCCAM& ligne, Erreur& erre
   }
   tracerDate("La date de fin est %s", fin);
   if (ligne.date < creation || (fin.estRenseigne() && ligne.date > fin)) {
-    cr = copierValeurErreur(erreur, "PROD510", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd511A(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd511A(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd511A");
   tracerActe(ligne.acte, ligne.date);
   const std::optional<Date>& naissance = ligne.factureParent->dateNaissance;
   if (naissance.has_value()) {
     tracerDate("dateNaissance = %s", *naissance);
     if (ligne.date < *naissance) {
-      cr = copierValeurErreur(erreur, "PROD511A", {ligne.acte});
+      cr = constat.lever({ligne.acte});
     }
   }
   return cr;
@@ -63,30 +58,26 @@ CodeRetour Reglementation::verifierNatureAssurance(const Code& natureAssurance, 
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd890(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd890");
+CodeRetour Reglementation::appliquerProd890(const LigneCCAM& ligne, Constat& constat) {
   const Code& nature = codeOuVide(ligne.factureParent->natureAssurance);
   Trace::ecrire(TRACE_CONTROLE, "acte = %s, natureAssurance = %s", ligne.acte.lireTexte(),
                 nature.lireTexte());
   bool admise = true;
-  cr = verifierNatureAssurance(nature, ligne.acte, admise);
+  CodeRetour cr = verifierNatureAssurance(nature, ligne.acte, admise);
   if (cr == NOX_CR_OK && !admise) {
-    cr = copierValeurErreur(erreur, "PROD890", {ligne.acte, nature});
+    cr = constat.lever({ligne.acte, nature});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd780(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd780");
+CodeRetour Reglementation::appliquerProd780(const LigneCCAM& ligne, Constat& constat) {
   const std::string_view entente = codeOuVide(ligne.ententePrealable).vue();
   tracerActe(ligne.acte, ligne.date);
   Trace::ecrire(TRACE_CONTROLE, "ententePrealable = %s", codeOuVide(ligne.ententePrealable).lireTexte());
   Booleen soumis;
-  cr = lecture().rechercherEntentePrealable(ligne.acte, ligne.date, soumis);
+  CodeRetour cr = lecture().rechercherEntentePrealable(ligne.acte, ligne.date, soumis);
   if (cr == NOX_CR_OK && soumis.estVrai() && entente != "0" && entente != "4" && entente != "5") {
-    cr = copierValeurErreur(erreur, "PROD780", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
@@ -102,8 +93,8 @@ bool estFactureeRemboursable(const LigneCCAM& ligne) {
 
 }  // namespace
 
-CodeRetour Reglementation::verifierNonRembourse(const LigneCCAM& ligne, Concept admissions, const char* regle,
-                                                Erreur& erreur) {
+CodeRetour Reglementation::verifierNonRembourse(const LigneCCAM& ligne, Concept admissions,
+                                                Constat& constat) {
   tracerActe(ligne.acte, ligne.date);
   Code admission;
   bool nonRembourse = false;
@@ -114,50 +105,42 @@ CodeRetour Reglementation::verifierNonRembourse(const LigneCCAM& ligne, Concept 
   Trace::ecrire(TRACE_CONTROLE, "admission au remboursement = %s", admission.lireTexte());
   cr = estDansConcept(lecture(), admissions, ligne.date, admission, nonRembourse);
   if (cr == NOX_CR_OK && nonRembourse && estFactureeRemboursable(ligne)) {
-    cr = copierValeurErreur(erreur, regle, {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd760(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd760");
-  cr = verifierNonRembourse(ligne, CONCEPT_NON_REMBOURSES, "PROD760", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd760(const LigneCCAM& ligne, Constat& constat) {
+  return verifierNonRembourse(ligne, CONCEPT_NON_REMBOURSES, constat);
 }
 
-CodeRetour Reglementation::appliquerProd765(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd765(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd765");
   const Code& exceptionnel = codeOuVide(ligne.codeRemboursement);
   Trace::ecrire(TRACE_CONTROLE, "codeRemboursement = %s", exceptionnel.lireTexte());
   if (exceptionnel.vue() != REMBOURSEMENT_EXCEPTIONNEL) {
-    cr = verifierNonRembourse(ligne, CONCEPT_REMBOURSES_SOUS_CONDITIONS, "PROD765", erreur);
+    cr = verifierNonRembourse(ligne, CONCEPT_REMBOURSES_SOUS_CONDITIONS, constat);
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd530(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd530");
+CodeRetour Reglementation::appliquerProd530(const LigneCCAM& ligne, Constat& constat) {
   Trace::ecrire(TRACE_CONTROLE, "acte = %s, activite = %s", ligne.acte.lireTexte(),
                 ligne.activite.lireTexte());
   ListeCodes activites;
-  cr = lecture().rechercherActivites(ligne.acte, activites);
+  CodeRetour cr = lecture().rechercherActivites(ligne.acte, activites);
   if (cr == NOX_CR_OK && !activites.contient(ligne.activite)) {
-    cr = copierValeurErreur(erreur, "PROD530", {ligne.acte, ligne.activite});
+    cr = constat.lever({ligne.acte, ligne.activite});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd540(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd540");
+CodeRetour Reglementation::appliquerProd540(const LigneCCAM& ligne, Constat& constat) {
   tracerPhase(ligne.acte, ligne.activite, ligne.phase);
   ListeCodes phases;
-  cr = lecture().rechercherPhasesDeTraitement(ligne.acte, ligne.activite, phases);
+  CodeRetour cr = lecture().rechercherPhasesDeTraitement(ligne.acte, ligne.activite, phases);
   if (cr == NOX_CR_OK && !phases.contient(ligne.phase)) {
-    cr = copierValeurErreur(erreur, "PROD540", {ligne.acte, ligne.activite, ligne.phase});
+    cr = constat.lever({ligne.acte, ligne.activite, ligne.phase});
   }
   return cr;
 }

@@ -8,12 +8,10 @@
 namespace noxlux {
 
 CodeRetour Reglementation::appliquerProd696(const LigneCCAM& ligne, Booleen& resultat) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd696");
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   Code categorie;
   bool dentaire = false;
-  cr = lecture().rechercherCategorieMedicale(ligne.acte, ligne.activite, ligne.date, categorie);
+  CodeRetour cr = lecture().rechercherCategorieMedicale(ligne.acte, ligne.activite, ligne.date, categorie);
   if (cr == NOX_CR_OK) {
     Trace::ecrire(TRACE_CONTROLE, "La catégorie médicale = %s", categorie.lireTexte());
     cr = estDansConcept(lecture(), CONCEPT_DENTAIRE, ligne.date, categorie, dentaire);
@@ -45,7 +43,7 @@ CodeRetour Reglementation::verifierAgeMaximal(const Periode& age, const Code& ac
 }
 
 CodeRetour Reglementation::verifierAgeLigne(const LigneCCAM& ligne, VerificationAge verifier,
-                                            const char* regle, Erreur& erreur) {
+                                            Constat& constat) {
   tracerPhase(ligne.acte, ligne.activite, ligne.phase);
   const Date naissance = ligne.factureParent->dateNaissance.value_or(Date());
   if (!aUnAge(naissance, ligne.date)) {
@@ -56,22 +54,15 @@ CodeRetour Reglementation::verifierAgeLigne(const LigneCCAM& ligne, Verification
   Periode limite;
   bool respecte = true;
   const CodeRetour cr = (this->*verifier)(age, ligne.acte, ligne.activite, ligne.phase, limite, respecte);
-  return cr == NOX_CR_OK && !respecte ? copierValeurErreur(erreur, regle, {ligne.acte, limite.lireAnnees()})
-                                      : cr;
+  return cr == NOX_CR_OK && !respecte ? constat.lever({ligne.acte, limite.lireAnnees()}) : cr;
 }
 
-CodeRetour Reglementation::appliquerProd720(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd720");
-  cr = verifierAgeLigne(ligne, &Reglementation::verifierAgeMinimal, "PROD720", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd720(const LigneCCAM& ligne, Constat& constat) {
+  return verifierAgeLigne(ligne, &Reglementation::verifierAgeMinimal, constat);
 }
 
-CodeRetour Reglementation::appliquerProd730(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd730");
-  cr = verifierAgeLigne(ligne, &Reglementation::verifierAgeMaximal, "PROD730", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd730(const LigneCCAM& ligne, Constat& constat) {
+  return verifierAgeLigne(ligne, &Reglementation::verifierAgeMaximal, constat);
 }
 
 CodeRetour Reglementation::lireNombreDents(const LigneCCAM& ligne, std::int32_t& nombre) {
@@ -86,33 +77,28 @@ CodeRetour Reglementation::lireNombreDents(const LigneCCAM& ligne, std::int32_t&
 }
 
 CodeRetour Reglementation::appliquerProd695(const LigneCCAM& ligne, Booleen& resultat) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd695");
   std::int32_t nombre = 0;
-  cr = lireNombreDents(ligne, nombre);
+  CodeRetour cr = lireNombreDents(ligne, nombre);
   if (cr == NOX_CR_OK) {
     resultat = Booleen(nombre > 0);
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd700(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd700(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd700");
   tracerPhase(ligne.acte, ligne.activite, ligne.phase);
   if (ligne.dent.estVide()) {
-    cr = copierValeurErreur(erreur, "PROD700", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd702(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd702");
+CodeRetour Reglementation::appliquerProd702(const LigneCCAM& ligne, Constat& constat) {
   std::int32_t minimum = 0;
-  cr = lireNombreDents(ligne, minimum);
+  CodeRetour cr = lireNombreDents(ligne, minimum);
   if (cr == NOX_CR_OK && minimum >= 1 && minimum <= MAX_DENTS && minimum > ligne.dent.lireNombreElements()) {
-    cr = copierValeurErreur(erreur, "PROD702", {ligne.acte, minimum});
+    cr = constat.lever({ligne.acte, minimum});
   }
   return cr;
 }
@@ -127,19 +113,17 @@ CodeRetour Reglementation::lireDentsIncompatibles(const Code& acte, const Code& 
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd710(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd710");
+CodeRetour Reglementation::appliquerProd710(const LigneCCAM& ligne, Constat& constat) {
   tracerPhase(ligne.acte, ligne.activite, ligne.phase);
   ListeCodes incompatibles;
-  cr = lireDentsIncompatibles(ligne.acte, ligne.activite, ligne.phase, incompatibles);
+  CodeRetour cr = lireDentsIncompatibles(ligne.acte, ligne.activite, ligne.phase, incompatibles);
   if (cr != NOX_CR_OK) {
     return cr;
   }
   const Code* const dent = std::find_if(ligne.dent.begin(), ligne.dent.end(),
                                         [&](const Code& d) { return incompatibles.contient(d); });
   if (dent != ligne.dent.end()) {
-    cr = copierValeurErreur(erreur, "PROD710", {*dent, ligne.acte});
+    cr = constat.lever({*dent, ligne.acte});
   }
   return cr;
 }

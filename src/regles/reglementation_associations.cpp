@@ -48,11 +48,11 @@ void tracerAssociation(const AssociationCCAM& association) {
 }  // namespace
 
 template <class Garder>
-CodeRetour Reglementation::leverPour(const AssociationCCAM& association, const char* regle,
-                                     ArgumentsLibelle arguments, Garder garder, Erreur& erreur) {
+CodeRetour Reglementation::leverPour(const AssociationCCAM& association, ArgumentsLibelle arguments,
+                                     Garder garder, Constat& constat) {
   TypeListe<Nombre> numeros;
   const CodeRetour cr = listerNumeros(association, numeros, garder);
-  return cr == NOX_CR_OK ? copierValeurErreur(erreur, numeros, regle, arguments) : cr;
+  return cr == NOX_CR_OK ? constat.lever(numeros, arguments) : cr;
 }
 
 CodeRetour Reglementation::estIncompatible(const Code& acte1, const Code& acte2, const Date& date,
@@ -67,9 +67,8 @@ CodeRetour Reglementation::estIncompatible(const Code& acte1, const Code& acte2,
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd590(const AssociationCCAM& association, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd590(const AssociationCCAM& association, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd590");
   tracerAssociation(association);
   const auto& lignes = association.lignes;
   if (lignes.size() < 2) {
@@ -80,7 +79,7 @@ CodeRetour Reglementation::appliquerProd590(const AssociationCCAM& association, 
   bool prevuesLues = false;
   for (std::size_t i = 0; i < lignes.size(); ++i) {
     for (std::size_t j = i + 1; j < lignes.size(); ++j) {
-      if (cr != NOX_CR_OK || erreur.estRenseigne()) {
+      if (cr != NOX_CR_OK || constat.estLeve()) {
         return cr;
       }
       if (!relations.aDesProcedures(i) && !relations.aDesProcedures(j)) {
@@ -98,7 +97,7 @@ CodeRetour Reglementation::appliquerProd590(const AssociationCCAM& association, 
         }
       }
       if (!relations.estPrevu(i, j) && !relations.estComplementaire(i) && !relations.estComplementaire(j)) {
-        cr = leverProcedure(association, i, j, *procedure, erreur);
+        cr = leverProcedure(association, i, j, *procedure, constat);
       }
     }
   }
@@ -106,40 +105,39 @@ CodeRetour Reglementation::appliquerProd590(const AssociationCCAM& association, 
 }
 
 CodeRetour Reglementation::leverProcedure(const AssociationCCAM& association, std::size_t i, std::size_t j,
-                                          const Code& procedure, Erreur& erreur) {
+                                          const Code& procedure, Constat& constat) {
   const LigneCCAM& premiere = *association.lignes[i];
   const LigneCCAM& seconde = *association.lignes[j];
-  const auto lesDeux = [=](std::size_t rang) { return rang == i || rang == j; };
-  if (procedure == premiere.acte || procedure == seconde.acte) {
+  const bool unePartie = procedure == premiere.acte || procedure == seconde.acte;
+  if (unePartie) {
     // An act that is part of the other; incompatible acts are the matter of PROD600.
     bool incompatible = false;
     const CodeRetour cr = estIncompatible(premiere.acte, seconde.acte, *association.date, incompatible);
-    return cr != NOX_CR_OK || incompatible
-               ? cr
-               : leverPour(association, "PROD590B", {premiere.acte, seconde.acte, procedure}, lesDeux,
-                           erreur);
-  }
-  if (estCodee(&premiere) && estCodee(&seconde)) {
+    if (cr != NOX_CR_OK || incompatible) {
+      return cr;
+    }
+  } else if (estCodee(&premiere) && estCodee(&seconde)) {
     return NOX_CR_OK;
   }
-  return leverPour(association, "PROD590A", {premiere.acte, seconde.acte, procedure}, lesDeux, erreur);
+  Constat variante = constat.sous(unePartie ? "PROD590B" : "PROD590A");
+  return leverPour(
+      association, {premiere.acte, seconde.acte, procedure},
+      [=](std::size_t rang) { return rang == i || rang == j; }, variante);
 }
 
-CodeRetour Reglementation::appliquerProd137(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd137(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd137");
   const Code& code = codeOuVide(ligne.codeAssociation);
   Trace::ecrire(TRACE_CONTROLE, "codeAssociation = %s", code.lireTexte());
   tracerDate("date = %s", ligne.date);
   if (code.estRenseigne() && !lecture().rechercherExistenceAssociationNP(code, ligne.date)) {
-    cr = copierValeurErreur(erreur, "PROD137", {code});
+    cr = constat.lever({code});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd648");
   tracerAssociation(association);
   const auto& lignes = association.lignes;
   if (std::none_of(lignes.begin(), lignes.end(), estCodee)) {
@@ -162,7 +160,7 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
     cr = lireEnSus(association, relations, enSus);
   }
   const bool autresCodees = sontCodees(lignes, enSus);
-  for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !erreur.estRenseigne(); ++i) {
+  for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !constat.estLeve(); ++i) {
     if (!estCodee(lignes[i]) || appelleUnCode(i)) {
       continue;
     }
@@ -174,7 +172,7 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
       Trace::ecrire(TRACE_CONTROLE, "L'acte %s contient un code association renseigné à tort ",
                     lignes[i]->acte.lireTexte());
       cr = leverPour(
-          association, "PROD648", {lignes[i]->acte}, [i](std::size_t rang) { return rang == i; }, erreur);
+          association, {lignes[i]->acte}, [i](std::size_t rang) { return rang == i; }, constat);
     }
   }
   return cr;
@@ -200,9 +198,8 @@ CodeRetour Reglementation::gardeLePrixPlein(const LigneCCAM& ligne, bool& plein)
   return estAbsent(cr) ? static_cast<CodeRetour>(NOX_CR_OK) : cr;
 }
 
-CodeRetour Reglementation::appliquerProd649(const AssociationCCAM& association, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd649(const AssociationCCAM& association, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd649");
   tracerAssociation(association);
   const auto& lignes = association.lignes;
   // Of the acts with a code, the dearest is to be one that its code keeps in full.
@@ -234,15 +231,14 @@ CodeRetour Reglementation::appliquerProd649(const AssociationCCAM& association, 
   }
   if (codees >= 2 && prix(*plusCher) > prixPlein) {
     cr = leverPour(
-        association, "PROD649", {plusCher->acte, *plusCher->codeAssociation},
-        [&](std::size_t rang) { return estCodee(lignes[rang]); }, erreur);
+        association, {plusCher->acte, *plusCher->codeAssociation},
+        [&](std::size_t rang) { return estCodee(lignes[rang]); }, constat);
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd650(const AssociationCCAM& association, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd650(const AssociationCCAM& association, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd650");
   tracerAssociation(association);
   const auto& lignes = association.lignes;
   if (lignes.size() - static_cast<std::size_t>(std::count_if(lignes.begin(), lignes.end(), estCodee)) < 2) {
@@ -255,15 +251,15 @@ CodeRetour Reglementation::appliquerProd650(const AssociationCCAM& association, 
       continue;
     }
     for (std::size_t j = i + 1; j < lignes.size(); ++j) {
-      if (cr != NOX_CR_OK || erreur.estRenseigne()) {
+      if (cr != NOX_CR_OK || constat.estLeve()) {
         return cr;
       }
       if (!estCodee(lignes[j]) && appellentUnCode(relations, i, j)) {
         Trace::ecrire(TRACE_CONTROLE, "Les deux actes dont l'association n'est pas prévue sont %s et %s",
                       lignes[i]->acte.lireTexte(), lignes[j]->acte.lireTexte());
         cr = leverPour(
-            association, "PROD650", {lignes[i]->acte, lignes[j]->acte},
-            [=](std::size_t rang) { return rang == i || rang == j; }, erreur);
+            association, {lignes[i]->acte, lignes[j]->acte},
+            [=](std::size_t rang) { return rang == i || rang == j; }, constat);
       }
     }
   }
@@ -281,9 +277,8 @@ bool Reglementation::appellentUnCode(const RelationsActes& relations, std::size_
          relations.procedureCommune(i, j) == nullptr;
 }
 
-CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd653");
   tracerAssociation(association);
   const auto& lignes = association.lignes;
   if (lignes.size() < 2 || std::all_of(lignes.begin(), lignes.end(), estCodee)) {
@@ -298,7 +293,7 @@ CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, 
   for (std::size_t i = 0; i < lignes.size(); ++i) {
     principaux += relations.estComplementaire(i) ? 0U : 1U;
   }
-  for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !erreur.estRenseigne(); ++i) {
+  for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !constat.estLeve(); ++i) {
     if (estCodee(lignes[i])) {
       continue;
     }
@@ -309,7 +304,7 @@ CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, 
       }
       if (!admis) {
         cr = leverPour(
-            association, "PROD653", {lignes[i]->acte}, [i](std::size_t rang) { return rang == i; }, erreur);
+            association, {lignes[i]->acte}, [i](std::size_t rang) { return rang == i; }, constat);
       }
       continue;
     }
@@ -322,22 +317,20 @@ CodeRetour Reglementation::appliquerProd653(const AssociationCCAM& association, 
     }
     if (refusee) {
       cr = leverPour(
-          association, "PROD653", {lignes[i]->acte},
-          [&](std::size_t rang) { return rang == i || refuse(rang); }, erreur);
+          association, {lignes[i]->acte}, [&](std::size_t rang) { return rang == i || refuse(rang); },
+          constat);
     }
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd654(const AssociationCCAM& association, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd654");
+CodeRetour Reglementation::appliquerProd654(const AssociationCCAM& association, Constat& constat) {
   const auto& lignes = association.lignes;
   Trace::ecrire(TRACE_CONTROLE, "nb d'actes dans l'association = %d", static_cast<int>(lignes.size()));
   const Date& date = *association.date;
   Nombre maximum;
   ListeCodes supplements;
-  cr = lecture().rechercherNombreActeAssociation(date, maximum);
+  CodeRetour cr = lecture().rechercherNombreActeAssociation(date, maximum);
   if (cr == NOX_CR_OK) {
     cr = lireConceptFacultatif(lecture(), CONCEPT_SUPPLEMENTS, date, supplements);
   }
@@ -365,7 +358,7 @@ CodeRetour Reglementation::appliquerProd654(const AssociationCCAM& association, 
   const bool limitee = std::any_of(lignes.begin(), lignes.end(), estLimitee);
   if (cr == NOX_CR_OK && limitee) {
     cr = leverPour(
-        association, "PROD654", {nombre}, [&](std::size_t rang) { return compte(lignes[rang]); }, erreur);
+        association, {nombre}, [&](std::size_t rang) { return compte(lignes[rang]); }, constat);
   }
   return cr;
 }

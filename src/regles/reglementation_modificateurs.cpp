@@ -7,8 +7,7 @@
 
 namespace noxlux {
 
-CodeRetour Reglementation::chercherModificateurInconnu(const LigneCCAM& ligne, Rang rang, const char* regle,
-                                                       Erreur& erreur) {
+CodeRetour Reglementation::chercherModificateurInconnu(const LigneCCAM& ligne, Rang rang, Constat& constat) {
   tracerDate("date = %s", ligne.date);
   if (ligne.modificateur.estVide()) {
     return NOX_CR_OK;
@@ -30,26 +29,19 @@ CodeRetour Reglementation::chercherModificateurInconnu(const LigneCCAM& ligne, R
   if (inconnu == fin) {
     return NOX_CR_OK;
   }
-  return copierValeurErreur(erreur, regle, {*inconnu});
+  return constat.lever({*inconnu});
 }
 
-CodeRetour Reglementation::appliquerProd136A(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd136A");
-  cr = chercherModificateurInconnu(ligne, Rang::TARIFANTS, "PROD136A", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd136A(const LigneCCAM& ligne, Constat& constat) {
+  return chercherModificateurInconnu(ligne, Rang::TARIFANTS, constat);
 }
 
-CodeRetour Reglementation::appliquerProd136B(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd136B");
-  cr = chercherModificateurInconnu(ligne, Rang::AU_DELA, "PROD136B", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd136B(const LigneCCAM& ligne, Constat& constat) {
+  return chercherModificateurInconnu(ligne, Rang::AU_DELA, constat);
 }
 
-CodeRetour Reglementation::appliquerProd190(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd190(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd190");
   tracerDate("date = %s", ligne.date);
   // The modifiers already seen, with what each is compatible with.
   struct Vu {
@@ -70,7 +62,7 @@ CodeRetour Reglementation::appliquerProd190(const LigneCCAM& ligne, Erreur& erre
     for (const Vu& vu : vus) {
       const bool silence = compatibles.estVide() && vu.compatibles.estVide();
       if (!silence && !compatibles.contient(*vu.modificateur) && !vu.compatibles.contient(modificateur)) {
-        cr = copierValeurErreur(erreur, "PROD190", {*vu.modificateur, modificateur});
+        cr = constat.lever({*vu.modificateur, modificateur});
         return cr;
       }
     }
@@ -79,9 +71,8 @@ CodeRetour Reglementation::appliquerProd190(const LigneCCAM& ligne, Erreur& erre
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd550(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd550(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd550");
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   if (ligne.modificateur.estVide()) {
     return cr;
@@ -89,12 +80,12 @@ CodeRetour Reglementation::appliquerProd550(const LigneCCAM& ligne, Erreur& erre
   ListeCodes applicables;
   cr = lecture().rechercherModificateursApplicables(ligne.acte, ligne.activite, ligne.date, applicables);
   for (const Code& modificateur : ligne.modificateur) {
-    if (cr != NOX_CR_OK || erreur.estRenseigne()) {
+    if (cr != NOX_CR_OK || constat.estLeve()) {
       break;
     }
     if (!applicables.contient(modificateur) &&
         lecture().rechercherExistenceModificateur(modificateur, ligne.date)) {
-      cr = copierValeurErreur(erreur, "PROD550", {modificateur, ligne.acte, ligne.activite});
+      cr = constat.lever({modificateur, ligne.acte, ligne.activite});
     }
   }
   return cr;
@@ -117,9 +108,8 @@ CodeRetour Reglementation::verifierAgeModificateur(const Periode& age, const Cod
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd555(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd555(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd555");
   tracerDate("date = %s", ligne.date);
   const Date naissance = ligne.factureParent->dateNaissance.value_or(Date());
   if (!aUnAge(naissance, ligne.date)) {
@@ -132,7 +122,7 @@ CodeRetour Reglementation::appliquerProd555(const LigneCCAM& ligne, Erreur& erre
       cr = NOX_CR_OK;  // a modifier without line of ages is for all ages
     }
     if (cr == NOX_CR_OK && !respecte) {
-      cr = copierValeurErreur(erreur, "PROD555", {modificateur});
+      cr = constat.lever({modificateur});
       return cr;
     }
     if (cr != NOX_CR_OK) {
@@ -142,9 +132,8 @@ CodeRetour Reglementation::appliquerProd555(const LigneCCAM& ligne, Erreur& erre
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd798A(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd798A(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd798A");
   tracerDate("date = %s", ligne.date);
   const ListeCodes& transmis = ligne.donneesComplementaires;
   if (transmis.estVide()) {
@@ -174,7 +163,7 @@ CodeRetour Reglementation::appliquerProd798A(const LigneCCAM& ligne, Erreur& err
   std::int32_t rang = 0;
   for (const Code& code : transmis) {
     if (rang++ >= transmissibles.lireValeur() || !attendus.contient(code)) {
-      cr = copierValeurErreur(erreur, "PROD798A", {code});
+      cr = constat.lever({code});
       return cr;
     }
   }

@@ -4,27 +4,21 @@
 
 namespace noxlux {
 
-CodeRetour Reglementation::appliquerProd170(const LigneActe& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd170");
-  cr = verifierPrestation(ligne, "PROD170", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd170(const LigneActe& ligne, Constat& constat) {
+  return verifierPrestation(ligne, constat);
 }
 
-CodeRetour Reglementation::appliquerProd220(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd220");
-  cr = verifierPrestation(ligne, "PROD220", erreur);
-  return cr;
+CodeRetour Reglementation::appliquerProd220(const LigneCCAM& ligne, Constat& constat) {
+  return verifierPrestation(ligne, constat);
 }
 
-CodeRetour Reglementation::verifierPrestation(const LigneActe& ligne, const char* regle, Erreur& erreur) {
+CodeRetour Reglementation::verifierPrestation(const LigneActe& ligne, Constat& constat) {
   Trace::ecrire(TRACE_CONTROLE, "prestation = %s", ligne.prestation.lireTexte());
   tracerDate("date = %s", ligne.date);
   if (lecture().rechercherExistenceCodeRegroupement(ligne.prestation, ligne.date)) {
     return NOX_CR_OK;
   }
-  return copierValeurErreur(erreur, regle, {ligne.prestation});
+  return constat.lever({ligne.prestation});
 }
 
 CodeRetour Reglementation::verifierObligationCodage(const Code& specialite, const Code& prestation,
@@ -39,23 +33,19 @@ CodeRetour Reglementation::verifierObligationCodage(const Code& specialite, cons
   return NOX_CR_OK;
 }
 
-CodeRetour Reglementation::appliquerProd211(const LigneActe& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd211");
+CodeRetour Reglementation::appliquerProd211(const LigneActe& ligne, Constat& constat) {
   Trace::ecrire(TRACE_CONTROLE, "specialite = %s, prestation = %s", ligne.specialitePS.lireTexte(),
                 ligne.prestation.lireTexte());
   tracerDate("date = %s", ligne.date);
   bool obligatoire = false;
-  cr = verifierObligationCodage(ligne.specialitePS, ligne.prestation, ligne.date, obligatoire);
+  CodeRetour cr = verifierObligationCodage(ligne.specialitePS, ligne.prestation, ligne.date, obligatoire);
   if (cr == NOX_CR_OK && obligatoire) {
-    cr = copierValeurErreur(erreur, "PROD211", {ligne.prestation, ligne.specialitePS});
+    cr = constat.lever({ligne.prestation, ligne.specialitePS});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd690A(const LigneActe& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd690A");
+CodeRetour Reglementation::appliquerProd690A(const LigneActe& ligne, Constat& constat) {
   const Code& acte = static_cast<const LigneCCAM&>(*ligne.rattachement).acte;
   Trace::ecrire(TRACE_CONTROLE, "prestation = %s, type = %d", ligne.prestation.lireTexte(),
                 static_cast<int>(ligne.type));
@@ -64,7 +54,7 @@ CodeRetour Reglementation::appliquerProd690A(const LigneActe& ligne, Erreur& err
       ligne.type == LigneActe::Type::DEPLACEMENT_1 ? CONCEPT_DEPLACEMENT_1 : CONCEPT_DEPLACEMENT_2;
   Code frais;
   bool present = true;
-  cr = lecture().rechercherFraisDeplacement(acte, frais);
+  CodeRetour cr = lecture().rechercherFraisDeplacement(acte, frais);
   if (estAbsent(cr)) {
     cr = NOX_CR_OK;  // an unknown act is told once, on its own line
   } else if (cr == NOX_CR_OK) {
@@ -72,22 +62,20 @@ CodeRetour Reglementation::appliquerProd690A(const LigneActe& ligne, Erreur& err
     cr = estDansConcept(lecture(), admis, ligne.date, frais, present);
   }
   if (cr == NOX_CR_OK && !present) {
-    cr = copierValeurErreur(erreur, "PROD690A", {ligne.prestation, acte});
+    cr = constat.lever({ligne.prestation, acte});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd798(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd798");
+CodeRetour Reglementation::appliquerProd798(const LigneCCAM& ligne, Constat& constat) {
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   Code regroupement;
-  cr = lecture().rechercherCodeRegroupement(ligne.acte, ligne.activite, ligne.date, regroupement);
+  CodeRetour cr = lecture().rechercherCodeRegroupement(ligne.acte, ligne.activite, ligne.date, regroupement);
   if (cr == NOX_CR_OK) {
     Trace::ecrire(TRACE_CONTROLE, "code regroupement = %s, prestation = %s", regroupement.lireTexte(),
                   ligne.prestation.lireTexte());
     if (!(regroupement == ligne.prestation)) {
-      cr = copierValeurErreur(erreur, "PROD798", {ligne.acte, ligne.activite, regroupement});
+      cr = constat.lever({ligne.acte, ligne.activite, regroupement});
     }
   }
   return cr;
@@ -110,15 +98,13 @@ CodeRetour Reglementation::verifierExecutant(const Code& specialite, const Code&
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd670(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd670");
+CodeRetour Reglementation::appliquerProd670(const LigneCCAM& ligne, Constat& constat) {
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   Trace::ecrire(TRACE_CONTROLE, "specialite = %s", ligne.specialitePS.lireTexte());
   bool admis = true;
-  cr = verifierExecutant(ligne.specialitePS, ligne.acte, ligne.activite, ligne.date, admis);
+  CodeRetour cr = verifierExecutant(ligne.specialitePS, ligne.acte, ligne.activite, ligne.date, admis);
   if (cr == NOX_CR_OK && !admis) {
-    cr = copierValeurErreur(erreur, "PROD670", {ligne.acte, ligne.activite, ligne.specialitePS});
+    cr = constat.lever({ligne.acte, ligne.activite, ligne.specialitePS});
   }
   return cr;
 }
@@ -136,15 +122,13 @@ bool Reglementation::suffit(const Code& agrementRadio, const ListeCodes& requis)
   return requis.estVide() || requis.contient(premier);
 }
 
-CodeRetour Reglementation::appliquerProd895A(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd895A");
+CodeRetour Reglementation::appliquerProd895A(const LigneCCAM& ligne, Constat& constat) {
   const Code& agrement = codeOuVide(ligne.factureParent->agrementRadio);
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   ListeCodes requis;
-  cr = lecture().rechercherAgrementsRadio(ligne.acte, ligne.activite, requis);
+  CodeRetour cr = lecture().rechercherAgrementsRadio(ligne.acte, ligne.activite, requis);
   if (cr == NOX_CR_OK && !suffit(agrement, requis)) {
-    cr = copierValeurErreur(erreur, "PROD895A", {ligne.acte, ligne.activite, listerElements(requis)});
+    cr = constat.lever({ligne.acte, ligne.activite, listerElements(requis)});
   }
   return cr;
 }

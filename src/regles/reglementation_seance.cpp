@@ -7,23 +7,19 @@
 namespace noxlux {
 
 CodeRetour Reglementation::appliquerProd580A(const LigneCCAM& ligne, Booleen& resultat) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd580A");
   tracerActe(ligne.acte, ligne.date);
   bool complementaire = false;
-  cr = estActeComplementaire(lecture(), ligne.acte, ligne.date, complementaire);
+  CodeRetour cr = estActeComplementaire(lecture(), ligne.acte, ligne.date, complementaire);
   if (cr == NOX_CR_OK) {
     resultat = Booleen(complementaire);
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd580(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd580");
+CodeRetour Reglementation::appliquerProd580(const LigneCCAM& ligne, Constat& constat) {
   tracerActe(ligne.acte, ligne.date);
   ListeCodes typesIsoles;
-  cr = lecture().rechercherValeursConcept(CONCEPT_ACTES_ISOLES, ligne.date, typesIsoles);
+  CodeRetour cr = lecture().rechercherValeursConcept(CONCEPT_ACTES_ISOLES, ligne.date, typesIsoles);
   if (cr != NOX_CR_OK) {
     return cr;
   }
@@ -41,16 +37,14 @@ CodeRetour Reglementation::appliquerProd580(const LigneCCAM& ligne, Erreur& erre
       return cr;
     }
   }
-  cr = copierValeurErreur(erreur, "PROD580", {ligne.acte});
+  cr = constat.lever({ligne.acte});
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd600(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd600");
+CodeRetour Reglementation::appliquerProd600(const LigneCCAM& ligne, Constat& constat) {
   tracerActe(ligne.acte, ligne.date);
   ListeCodes incompatibles;
-  cr = lecture().rechercherActesIncompatibles(ligne.acte, ligne.date, incompatibles);
+  CodeRetour cr = lecture().rechercherActesIncompatibles(ligne.acte, ligne.date, incompatibles);
   if (cr != NOX_CR_OK || incompatibles.estVide()) {
     return cr;
   }
@@ -61,14 +55,13 @@ CodeRetour Reglementation::appliquerProd600(const LigneCCAM& ligne, Erreur& erre
   if (autre != lignes.end()) {
     Trace::ecrire(TRACE_CONTROLE, "Les deux actes incompatibles sont %s et %s .", ligne.acte.lireTexte(),
                   (*autre)->acte.lireTexte());
-    cr = copierValeurErreur(erreur, "PROD600", {ligne.acte, (*autre)->acte});
+    cr = constat.lever({ligne.acte, (*autre)->acte});
   }
   return cr;
 }
 
-CodeRetour Reglementation::appliquerProd240(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Reglementation::appliquerProd240(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerProd240");
   tracerActe(ligne.acte, ligne.date);
   Trace::ecrire(TRACE_CONTROLE, "numeroPS = %s", ligne.numeroPS.lireTexte());
   const auto& lignes = ligne.seance->lignes;
@@ -97,7 +90,7 @@ CodeRetour Reglementation::appliquerProd240(const LigneCCAM& ligne, Erreur& erre
         }
       }
       if (cr == NOX_CR_OK) {
-        cr = copierValeurErreur(erreur, prestations, "PROD240", {modificateur, ligne.acte, (*autre)->acte});
+        cr = constat.lever(prestations, {modificateur, ligne.acte, (*autre)->acte});
       }
       return cr;
     }

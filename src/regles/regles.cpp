@@ -6,6 +6,14 @@
 
 namespace noxlux {
 
+CodeRetour Constat::lever(ArgumentsLibelle cite) {
+  return catalogue_.copierValeurErreur(erreur_, regle_, cite);
+}
+
+CodeRetour Constat::lever(const TypeListe<Nombre>& prestations, ArgumentsLibelle cite) {
+  return catalogue_.copierValeurErreur(erreur_, prestations, regle_, cite);
+}
+
 CodeRetour Regles::copierValeurErreur(Erreur& erreur, const char* regle, ArgumentsLibelle arguments) {
   Texte libellePrincipal;
   Texte format;

@@ -12,6 +12,30 @@ struct AssociationCCAM;
 struct LigneActe;
 struct Seance;
 
+class Regles;
+
+// What a rule finds of an element: nothing, or a violation with what it cites. The rule says neither its name
+// nor what becomes of the violation.
+class Constat {
+ public:
+  // All three outlive it.
+  Constat(Regles& catalogue, const char* regle, Erreur& erreur)
+      : catalogue_(catalogue), regle_(regle), erreur_(erreur) {}
+
+  // Raises the violation: `cite` fills its label. 0xDFFE when the catalogue lacks the rule.
+  CodeRetour lever(ArgumentsLibelle cite = {});
+  // The same, of these lines.
+  CodeRetour lever(const TypeListe<Nombre>& prestations, ArgumentsLibelle cite);
+  bool estLeve() const { return erreur_.estRenseigne(); }
+  // The same finding, told by the catalogue under another identifier.
+  Constat sous(const char* autre) const { return {catalogue_, autre, erreur_}; }
+
+ private:
+  Regles& catalogue_;
+  const char* regle_;
+  Erreur& erreur_;
+};
+
 class Regles {
  public:
   explicit Regles(LectureDonnees& lecture) : lecture_(lecture) {}

@@ -22,7 +22,7 @@ CodeRetour Seance::controlerExoFacture(Tarification& tarification, Code& facture
   bool verifiable = false;
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Seance::controlerExoFacture");
-  cr = tarification.estVerifiable(Code("PROD790B"), *this, verifiable);
+  cr = tarification.estVerifiable(Code(Tarification::PROD790B), *this, verifiable);
   if (cr != NOX_CR_OK) {
     return cr;
   }

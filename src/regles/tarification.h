@@ -13,6 +13,21 @@ namespace noxlux {
 
 class Tarification final : public Regles {
  public:
+  static constexpr const char* NOM = "Tarification";
+  // Computations are asked for by name: by the steps of a line, which ask first whether they may be checked,
+  // and by the single rules.
+  static constexpr const char* PROD640 = "PROD640";
+  static constexpr const char* PROD655 = "PROD655";
+  static constexpr const char* PROD656A = "PROD656A";
+  static constexpr const char* PROD656B = "PROD656B";
+  static constexpr const char* PROD740 = "PROD740";
+  static constexpr const char* PROD790A = "PROD790A";
+  static constexpr const char* PROD790B = "PROD790B";
+  static constexpr const char* PROD790C = "PROD790C";
+  static constexpr const char* PROD790D = "PROD790D";
+  static constexpr const char* PROD840 = "PROD840";
+  static constexpr const char* PROD860 = "PROD860";
+  static constexpr const char* PROD870 = "PROD870";
   // Exemption justifications with a meaning of their own; all others are data of the reference.
   static constexpr const char* SANS_EXONERATION = "0";
   static constexpr const char* SANS_EXONERATION_9 = "9";
@@ -23,7 +38,8 @@ class Tarification final : public Regles {
   // Unit price of an act billed to a fund, the overseas increase of the fund included.
   CodeRetour appliquerProd840(const Code& acte, const Code& activite, const Code& phase, const Date& date,
                               const Code& caissePS, Montant& prixUnitaire);
-  CodeRetour appliquerProd850(const LigneCCAM& ligne, const Montant& prixCalcule, Erreur& erreur);
+  // Compares the line's computed price with the billed one.
+  CodeRetour appliquerProd850(const LigneCCAM& ligne, Constat& constat);
 
   // Whether the line is reimbursed at all.
   CodeRetour appliquerProd763A(const LigneCCAM& ligne, Booleen& rembourse);
@@ -39,18 +55,19 @@ class Tarification final : public Regles {
                               const Montant& supplement, Montant& base, Montant& baseHorsForfait);
   // The base of a professional who is not under agreement.
   CodeRetour appliquerProd740(const Code& conventionPS, const Date& date, Montant& base);
-  CodeRetour appliquerProd880(const LigneCCAM& ligne, const Montant& baseCalculee, Erreur& erreur);
-  CodeRetour appliquerProd880A(const LigneCCAM& ligne, const Montant& baseCalculee, Erreur& erreur);
+  // Compare the line's computed base with the billed ones.
+  CodeRetour appliquerProd880(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd880A(const LigneCCAM& ligne, Constat& constat);
 
   // Exemption of the patient's share, line by line. REQUIRES: factureParent != null
-  CodeRetour appliquerProd785(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd786(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd787(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd791B(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd788(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd789(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd793(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd795A(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd785(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd786(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd787(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd791B(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd788(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd789(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd793(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd795A(const LigneCCAM& ligne, Constat& constat);
   // "2" when the act reaches the threshold by itself.
   CodeRetour appliquerProd790A(const LigneCCAM& ligne, Code& factureExoneree);
 
@@ -61,10 +78,10 @@ class Tarification final : public Regles {
   CodeRetour appliquerProd790C(LigneCCAM& ligne, const Code& caissePS, const Code& factureExoneree);
   CodeRetour appliquerProd790D(LigneActe& deplacement, const Code& caissePS, const Code& factureExoneree);
   // Of an exempt invoice: PROD792 for CCAM lines, PROD792B for travel lines attached to one.
-  CodeRetour appliquerProd792(const LigneCCAM& ligne, Erreur& erreur);
-  CodeRetour appliquerProd792B(const LigneActe& deplacement, Erreur& erreur);
+  CodeRetour appliquerProd792(const LigneCCAM& ligne, Constat& constat);
+  CodeRetour appliquerProd792B(const LigneActe& deplacement, Constat& constat);
   // Of an invoice that is not.
-  CodeRetour appliquerProd791A(const LigneCCAM& ligne, Erreur& erreur);
+  CodeRetour appliquerProd791A(const LigneCCAM& ligne, Constat& constat);
 
   // Single rules. Computes the bases of all the lines of an association, rounded to the cent.
   CodeRetour appliquerCBase(const Code& conventionPS, AssociationCCAM& association);
@@ -86,8 +103,7 @@ class Tarification final : public Regles {
   CodeRetour lireCoefficientRegle(const LigneCCAM& ligne, const Code& actePlusFort, Coefficient& coefficient);
   // What the modifiers that count add: flat amounts, and the factor of their rates.
   CodeRetour lireModificateurs(const LigneCCAM& ligne, double& forfaits, double& facteur);
-  CodeRetour comparerBase(const LigneCCAM& ligne, const std::optional<Montant>& facturee,
-                          const Montant& calculee, const char* regle, Erreur& erreur);
+  CodeRetour comparerBase(const LigneCCAM& ligne, const std::optional<Montant>& facturee, Constat& constat);
   CodeRetour calculerBaseLigne(const Code& conventionPS, LigneCCAM& ligne, bool reductionPossible);
 
   // Whether the act's exemption codes share one with a concept; none with a concept that is not there.

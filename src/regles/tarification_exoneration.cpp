@@ -25,9 +25,8 @@ CodeRetour Tarification::estMotifPrevention(const LigneCCAM& ligne, bool& preven
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd785(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd785(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd785");
   tracerExoneration(ligne);
   const Code motifLigne = motif(ligne);
   if (estSansExoneration(motifLigne) || reclameActeCouteux(ligne)) {
@@ -36,72 +35,66 @@ CodeRetour Tarification::appliquerProd785(const LigneCCAM& ligne, Erreur& erreur
   ListeCodes connus;
   cr = lireConceptFacultatif(lecture(), CONCEPT_MOTIFS_EXO, ligne.date, connus);
   if (cr == NOX_CR_OK && !connus.estVide() && !connus.contient(motifLigne)) {
-    cr = copierValeurErreur(erreur, "PROD785", {motifLigne});
+    cr = constat.lever({motifLigne});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd786(const LigneCCAM& ligne, Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd786");
+CodeRetour Tarification::appliquerProd786(const LigneCCAM& ligne, Constat& constat) {
   tracerExoneration(ligne);
   bool reclamee = false;
   bool admise = true;
-  cr = estMotifPrevention(ligne, reclamee);
+  CodeRetour cr = estMotifPrevention(ligne, reclamee);
   if (cr == NOX_CR_OK && reclamee) {
     cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_PREVENTION, admise);
   }
   if (cr == NOX_CR_OK && !admise) {
-    cr = copierValeurErreur(erreur, "PROD786", {ligne.acte, motif(ligne)});
+    cr = constat.lever({ligne.acte, motif(ligne)});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd787(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd787(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd787");
   tracerExoneration(ligne);
   bool exonerable = false;
   if (reclameActeCouteux(ligne) && laisseUnePart(ligne)) {
     cr = estExonerableParSeuil(ligne, exonerable);
   }
   if (cr == NOX_CR_OK && exonerable) {
-    cr = copierValeurErreur(erreur, "PROD787", {ligne.acte, *ligne.tauxRemboursement});
+    cr = constat.lever({ligne.acte, *ligne.tauxRemboursement});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd791B(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd791B(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd791B");
   tracerExoneration(ligne);
   bool exonerable = true;
   if (reclameActeCouteux(ligne)) {
     cr = estExonerableParSeuil(ligne, exonerable);
   }
   if (cr == NOX_CR_OK && !exonerable) {
-    cr = copierValeurErreur(erreur, "PROD791B", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd788(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd788(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd788");
   tracerExoneration(ligne);
   bool exonere = false;
   if (neReclameRien(ligne)) {
     cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_NATURE, exonere);
   }
   if (cr == NOX_CR_OK && exonere) {
-    cr = copierValeurErreur(erreur, "PROD788", {ligne.acte, *ligne.tauxRemboursement});
+    cr = constat.lever({ligne.acte, *ligne.tauxRemboursement});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd789(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd789(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd789");
   tracerExoneration(ligne);
   bool reclamee = false;
   bool admise = false;
@@ -112,14 +105,13 @@ CodeRetour Tarification::appliquerProd789(const LigneCCAM& ligne, Erreur& erreur
     cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_PREVENTION, admise);
   }
   if (cr == NOX_CR_OK && admise) {
-    cr = copierValeurErreur(erreur, "PROD789", {ligne.acte, *ligne.tauxRemboursement});
+    cr = constat.lever({ligne.acte, *ligne.tauxRemboursement});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd793(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd793(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd793");
   tracerExoneration(ligne);
   Montant seuil;
   bool atteint = false;
@@ -131,17 +123,16 @@ CodeRetour Tarification::appliquerProd793(const LigneCCAM& ligne, Erreur& erreur
     cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_NATURE, parNature);
   }
   if (cr == NOX_CR_OK && atteint && !parNature) {
-    cr = copierValeurErreur(erreur, "PROD793", {ligne.acte, seuil});
+    cr = constat.lever({ligne.acte, seuil});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd795A(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd795A(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd795A");
   tracerExoneration(ligne);
   if (ligne.tauxRemboursement.has_value() && *ligne.tauxRemboursement > TAUX_PLEIN) {
-    cr = copierValeurErreur(erreur, "PROD795A", {ligne.acte, *ligne.tauxRemboursement});
+    cr = constat.lever({ligne.acte, *ligne.tauxRemboursement});
   }
   return cr;
 }

@@ -26,8 +26,7 @@ CodeRetour Tarification::appliquerProd840(const Code& acte, const Code& activite
                                           const Date& date, const Code& caissePS, Montant& prixUnitaire) {
   CodeRetour cr = NOX_CR_OK;
   Coefficient majoration(1.0);
-  Trace::debut(TRACE_CONTROLE, "Tarification::appliquerProd840");
-  const EnSortant fin([&] {
+  const BlocRegle bloc(NOM, PROD840, [&] {
     Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, prix unitaire = %.2fE, majoration DOM = %f", cr,
                prixUnitaire.lireValeur(), majoration.lireValeur());
   });
@@ -38,28 +37,21 @@ CodeRetour Tarification::appliquerProd840(const Code& acte, const Code& activite
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd850(const LigneCCAM& ligne, const Montant& prixCalcule,
-                                          Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd850");
-  const Montant arrondi(prixCalcule.arrondir(2));
+CodeRetour Tarification::appliquerProd850(const LigneCCAM& ligne, Constat& constat) {
+  const Montant arrondi(ligne.prixCalcule.value_or(Montant()).arrondir(2));
   const Montant facture = ligne.prixUnitaire.value_or(Montant());
   Trace::ecrire(TRACE_CONTROLE, "prix unitaire facturé = %.2fE, calculé = %.2fE", facture.lireValeur(),
                 arrondi.lireValeur());
-  if (!(facture == arrondi)) {
-    cr = copierValeurErreur(erreur, "PROD850", {ligne.acte, ligne.activite, ligne.phase, arrondi});
-  }
-  return cr;
+  return facture == arrondi ? static_cast<CodeRetour>(NOX_CR_OK)
+                            : constat.lever({ligne.acte, ligne.activite, ligne.phase, arrondi});
 }
 
 CodeRetour Tarification::appliquerProd763A(const LigneCCAM& ligne, Booleen& rembourse) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd763A");
   tracerActe(ligne.acte, ligne.date);
   Code admission;
   bool nonRembourse = false;
   bool sousConditions = false;
-  cr = lecture().rechercherAdmissionRemboursement(ligne.acte, ligne.date, admission);
+  CodeRetour cr = lecture().rechercherAdmissionRemboursement(ligne.acte, ligne.date, admission);
   if (cr == NOX_CR_OK) {
     Trace::ecrire(TRACE_CONTROLE, "admission au remboursement = %s", admission.lireTexte());
     cr = estDansConcept(lecture(), CONCEPT_NON_REMBOURSES, ligne.date, admission, nonRembourse);
@@ -77,7 +69,7 @@ CodeRetour Tarification::appliquerProd763A(const LigneCCAM& ligne, Booleen& remb
 
 CodeRetour Tarification::appliquerProd656A(AssociationCCAM& association) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd656A");
+  const BlocRegle bloc(cr, NOM, PROD656A);
   association.actePlusFort.reset();
   ListeCodes complementaires;
   cr = lecture().rechercherValeursConcept(CONCEPT_ACTES_COMPLEMENTAIRES, *association.date, complementaires);
@@ -104,7 +96,7 @@ CodeRetour Tarification::appliquerProd656A(AssociationCCAM& association) {
 
 CodeRetour Tarification::appliquerProd656B(LigneCCAM& ligne) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd656B");
+  const BlocRegle bloc(cr, NOM, PROD656B);
   bool complementaire = false;
   cr = estActeComplementaire(lecture(), ligne.acte, ligne.date, complementaire);
   if (cr == NOX_CR_OK) {
@@ -124,7 +116,7 @@ bool subitReduction(const LigneCCAM& ligne) {
 
 CodeRetour Tarification::appliquerProd655(const LigneCCAM& ligne, Coefficient& coefficient) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd655");
+  const BlocRegle bloc(cr, NOM, PROD655);
   const Code& code = codeOuVide(ligne.codeAssociation);
   Trace::ecrire(TRACE_CONTROLE, "code association = %s", code.lireTexte());
   coefficient = Coefficient(1.0);
@@ -153,7 +145,7 @@ CodeRetour Tarification::lireCoefficientRegle(const LigneCCAM& ligne, const Code
 
 CodeRetour Tarification::appliquerProd640(const LigneCCAM& ligne, Coefficient& coefficient) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd640");
+  const BlocRegle bloc(cr, NOM, PROD640);
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   coefficient = Coefficient(1.0);
   if (subitReduction(ligne)) {
@@ -177,7 +169,7 @@ bool ouvreSupplement(const LigneCCAM& ligne) {
 
 CodeRetour Tarification::appliquerProd860(const LigneCCAM& ligne, Montant& supplement) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd860");
+  const BlocRegle bloc(cr, NOM, PROD860);
   Trace::ecrire(TRACE_CONTROLE, "supplementCharges = %s, lieuExecution = %s, identifiantLieu = %s",
                 codeOuVide(ligne.supplementCharges).lireTexte(), codeOuVide(ligne.lieuExecution).lireTexte(),
                 codeOuVide(ligne.identifiantLieu).lireTexte());
@@ -226,8 +218,7 @@ CodeRetour Tarification::appliquerProd870(const LigneCCAM& ligne, const Coeffici
                                           const Montant& supplement, Montant& base,
                                           Montant& baseHorsForfait) {
   CodeRetour cr = NOX_CR_OK;
-  Trace::debut(TRACE_CONTROLE, "Tarification::appliquerProd870");
-  const EnSortant fin([&] {
+  const BlocRegle bloc(NOM, PROD870, [&] {
     Trace::fin(TRACE_CONTROLE,
                "cr = 0x%04X, base de remboursment = %.2fE, base de remboursement hors forfait = %.2fE", cr,
                base.lireValeur(), baseHorsForfait.lireValeur());
@@ -251,7 +242,7 @@ constexpr std::string_view NON_CONVENTIONNE = "0";
 
 CodeRetour Tarification::appliquerProd740(const Code& conventionPS, const Date& date, Montant& base) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd740");
+  const BlocRegle bloc(cr, NOM, PROD740);
   Trace::ecrire(TRACE_CONTROLE, "conventionPS = %s", conventionPS.lireTexte());
   if (conventionPS.vue() != NON_CONVENTIONNE) {
     Trace::ecrire(TRACE_CONTROLE, "Base de remboursement recalculée = base de remboursement calculée");
@@ -273,30 +264,22 @@ CodeRetour Tarification::appliquerProd740(const Code& conventionPS, const Date& 
 }
 
 CodeRetour Tarification::comparerBase(const LigneCCAM& ligne, const std::optional<Montant>& facturee,
-                                      const Montant& calculee, const char* regle, Erreur& erreur) {
-  if (!facturee.has_value()) {
+                                      Constat& constat) {
+  if (!facturee.has_value() || !ligne.baseCalculee.has_value()) {
     return NOX_CR_OK;
   }
+  const Montant& calculee = *ligne.baseCalculee;
   Trace::ecrire(TRACE_CONTROLE, "base facturée = %.2fE, base calculée = %.2fE", facturee->lireValeur(),
                 calculee.lireValeur());
-  return *facturee <= calculee ? static_cast<CodeRetour>(NOX_CR_OK)
-                               : copierValeurErreur(erreur, regle, {ligne.acte, calculee});
+  return *facturee <= calculee ? static_cast<CodeRetour>(NOX_CR_OK) : constat.lever({ligne.acte, calculee});
 }
 
-CodeRetour Tarification::appliquerProd880(const LigneCCAM& ligne, const Montant& baseCalculee,
-                                          Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd880");
-  cr = comparerBase(ligne, ligne.baseRemboursement, baseCalculee, "PROD880", erreur);
-  return cr;
+CodeRetour Tarification::appliquerProd880(const LigneCCAM& ligne, Constat& constat) {
+  return comparerBase(ligne, ligne.baseRemboursement, constat);
 }
 
-CodeRetour Tarification::appliquerProd880A(const LigneCCAM& ligne, const Montant& baseCalculee,
-                                           Erreur& erreur) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd880A");
-  cr = comparerBase(ligne, ligne.baseTheoriqueAMO, baseCalculee, "PROD880A", erreur);
-  return cr;
+CodeRetour Tarification::appliquerProd880A(const LigneCCAM& ligne, Constat& constat) {
+  return comparerBase(ligne, ligne.baseTheoriqueAMO, constat);
 }
 
 }  // namespace noxlux

@@ -31,7 +31,7 @@ CodeRetour Tarification::sommerSeance(const Seance& seance, Montant& somme) {
     bool verifiable = false;
     bool compte = false;
     if (cr == NOX_CR_OK) {
-      cr = estVerifiable(Code("PROD790B"), *ligne, verifiable);
+      cr = estVerifiable(Code(PROD790B), *ligne, verifiable);
     }
     if (cr == NOX_CR_OK && verifiable) {
       cr = compteDansSeuil(*ligne, codesSeuil, compte);
@@ -99,7 +99,7 @@ CodeRetour Tarification::estExonerableParSeuil(const LigneCCAM& ligne, bool& exo
 
 CodeRetour Tarification::appliquerProd790A(const LigneCCAM& ligne, Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790A");
+  const BlocRegle bloc(cr, NOM, PROD790A);
   tracerExoneration(ligne);
   ListeCodes codesSeuil;
   Montant seuil;
@@ -117,7 +117,7 @@ CodeRetour Tarification::appliquerProd790A(const LigneCCAM& ligne, Code& facture
 CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& caissePS,
                                            Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790B");
+  const BlocRegle bloc(cr, NOM, PROD790B);
   Montant somme;
   Montant seuil;
   cr = sommerSeance(seance, somme);
@@ -140,7 +140,7 @@ CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& cai
 CodeRetour Tarification::appliquerProd790C(LigneCCAM& ligne, const Code& caissePS,
                                            const Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790C");
+  const BlocRegle bloc(cr, NOM, PROD790C);
   tracerExoneration(ligne);
   bool exoneree = false;
   if (factureExoneree.vue() == Facture::EXONEREE) {
@@ -155,7 +155,7 @@ CodeRetour Tarification::appliquerProd790C(LigneCCAM& ligne, const Code& caisseP
 CodeRetour Tarification::appliquerProd790D(LigneActe& deplacement, const Code& caissePS,
                                            const Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd790D");
+  const BlocRegle bloc(cr, NOM, PROD790D);
   tracerExoneration(deplacement);
   const LigneCCAM& acte = static_cast<const LigneCCAM&>(*deplacement.rattachement);
   bool exoneree = false;
@@ -169,9 +169,8 @@ CodeRetour Tarification::appliquerProd790D(LigneActe& deplacement, const Code& c
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd792(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd792(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd792");
   tracerExoneration(ligne);
   if (!neReclameRien(ligne)) {
     return cr;
@@ -188,14 +187,13 @@ CodeRetour Tarification::appliquerProd792(const LigneCCAM& ligne, Erreur& erreur
     cr = aCodeExoneration(ligne.acte, ligne.date, CONCEPT_EXO_NATURE, parNature);
   }
   if (cr == NOX_CR_OK && exoneree && !parNature) {
-    cr = copierValeurErreur(erreur, "PROD792", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd792B(const LigneActe& deplacement, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd792B(const LigneActe& deplacement, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd792B");
   tracerExoneration(deplacement);
   const LigneCCAM& acte = static_cast<const LigneCCAM&>(*deplacement.rattachement);
   bool exoneree = false;
@@ -203,14 +201,13 @@ CodeRetour Tarification::appliquerProd792B(const LigneActe& deplacement, Erreur&
     cr = estExonereeParSeuil(acte, codeOuVide(deplacement.factureParent->caissePS), exoneree);
   }
   if (cr == NOX_CR_OK && exoneree) {
-    cr = copierValeurErreur(erreur, "PROD792B", {deplacement.prestation, acte.acte});
+    cr = constat.lever({deplacement.prestation, acte.acte});
   }
   return cr;
 }
 
-CodeRetour Tarification::appliquerProd791A(const LigneCCAM& ligne, Erreur& erreur) {
+CodeRetour Tarification::appliquerProd791A(const LigneCCAM& ligne, Constat& constat) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerProd791A");
   tracerExoneration(ligne);
   Montant seuil;
   bool exonerable = false;
@@ -222,7 +219,7 @@ CodeRetour Tarification::appliquerProd791A(const LigneCCAM& ligne, Erreur& erreu
     cr = atteintSeuilSeule(ligne, seuil, atteint);
   }
   if (cr == NOX_CR_OK && exonerable && !atteint) {
-    cr = copierValeurErreur(erreur, "PROD791A", {ligne.acte});
+    cr = constat.lever({ligne.acte});
   }
   return cr;
 }

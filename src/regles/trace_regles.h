@@ -37,17 +37,43 @@ inline void tracerPhase(const Code& acte, const Code& activite, const Code& phas
                 activite.lireTexte(), phase.lireTexte());
 }
 
-// Runs what closes a trace block when the block is left, however it is left.
-template <class F>
-class EnSortant {
+// A trace block whose end line tells more than the code: `fermer` writes it when the block is left, however
+// it is left.
+template <class Fermer>
+class BlocParticulier {
  public:
-  explicit EnSortant(F fermer) : fermer_(fermer) {}
-  ~EnSortant() { fermer_(); }
-  EnSortant(const EnSortant&) = delete;
-  EnSortant& operator=(const EnSortant&) = delete;
+  BlocParticulier(FormatVerifie<> debut, Fermer fermer) : fermer_(fermer) {
+    Trace::debut(TRACE_CONTROLE, debut);
+  }
+  ~BlocParticulier() { fermer_(); }
+  BlocParticulier(const BlocParticulier&) = delete;
+  BlocParticulier& operator=(const BlocParticulier&) = delete;
 
  private:
-  F fermer_;
+  Fermer fermer_;
+};
+
+// The trace block of a rule, by the class that holds it and its identifier: "Tarification::appliquerProd840"
+// for PROD840. Its end line tells the code, or what `fermer` writes.
+struct FinOrdinaire {
+  const CodeRetour& cr;
+  void operator()() const { Trace::fin(TRACE_CONTROLE, "cr = 0x%04X", cr); }
+};
+template <class Fermer = FinOrdinaire>
+class BlocRegle {
+ public:
+  BlocRegle(const char* classe, const char* regle, Fermer fermer) : fermer_(fermer) {
+    constexpr std::size_t PREFIXE = sizeof "PROD" - 1;
+    Trace::debut(TRACE_CONTROLE, "%s::appliquerProd%s", classe, regle + PREFIXE);
+  }
+  BlocRegle(const CodeRetour& cr, const char* classe, const char* regle)
+      : BlocRegle(classe, regle, FinOrdinaire{cr}) {}
+  ~BlocRegle() { fermer_(); }
+  BlocRegle(const BlocRegle&) = delete;
+  BlocRegle& operator=(const BlocRegle&) = delete;
+
+ private:
+  Fermer fermer_;
 };
 
 }  // namespace noxlux

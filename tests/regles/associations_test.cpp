@@ -148,7 +148,7 @@ TEST_P(ReglesAssociation, UneSeuleRegleLeve) {
   }
   grouper();
   ASSERT_EQ(facture.associations.size(), 1U);
-  const std::pair<std::vector<std::string>, CodeRetour (R::*)(const AssociationCCAM&, Erreur&)> regles[] = {
+  const std::pair<std::vector<std::string>, CodeRetour (R::*)(const AssociationCCAM&, Constat&)> regles[] = {
       {{"R590A", "R590B"}, &R::appliquerProd590}, {{"R648"}, &R::appliquerProd648},
       {{"R649"}, &R::appliquerProd649},           {{"R650"}, &R::appliquerProd650},
       {{"R653"}, &R::appliquerProd653},           {{"R654"}, &R::appliquerProd654}};

@@ -84,7 +84,7 @@ constexpr unsigned JOUR = ReglesLigne::JOUR;
 
 struct Cas {
   const char* nom;
-  CodeRetour (R::*regle)(const LigneCCAM&, Erreur&);
+  CodeRetour (R::*regle)(const LigneCCAM&, Constat&);
   std::vector<Changement> changements;
   Attente attente;
 };
@@ -309,20 +309,21 @@ TEST_F(ReglesLigne, ControleDesDonnees) {
 // A datum that the reference lacks stops the rule with the code of the query, and raises nothing.
 TEST_F(ReglesLigne, UneLectureManqueeArreteLaRegle) {
   Erreur erreur;
+  Constat constat(reglementation, "PROD530", erreur);
   ligne->acte = Code("XXXX999");
-  EXPECT_EQ(reglementation.appliquerProd510(*ligne, erreur), NOX_CR_CODE_INCONNU);
-  EXPECT_EQ(tarification.appliquerProd791A(*ligne, erreur), NOX_CR_OK);
+  EXPECT_EQ(reglementation.appliquerProd510(*ligne, constat), NOX_CR_CODE_INCONNU);
+  EXPECT_EQ(tarification.appliquerProd791A(*ligne, constat), NOX_CR_OK);
   ligne->exonerationTM = Code("C");
   ligne->tauxRemboursement = Coefficient(1.0);
-  EXPECT_EQ(tarification.appliquerProd791A(*ligne, erreur), NOX_CR_CODE_INCONNU);
+  EXPECT_EQ(tarification.appliquerProd791A(*ligne, constat), NOX_CR_CODE_INCONNU);
   ligne->acte = Code("AAAA001");
   ligne->date = date(20040101);
-  EXPECT_EQ(reglementation.appliquerProd780(*ligne, erreur), NOX_CR_PAS_D_HISTORIQUE);
+  EXPECT_EQ(reglementation.appliquerProd780(*ligne, constat), NOX_CR_PAS_D_HISTORIQUE);
   EXPECT_FALSE(erreur.estRenseigne());
   ligne->date = date(JOUR);
   ligne->activite = Code("4");
   poser<InformationRegle>({});
-  EXPECT_EQ(reglementation.appliquerProd530(*ligne, erreur), NOX_CR_DONNEE_ABSENTE);
+  EXPECT_EQ(reglementation.appliquerProd530(*ligne, constat), NOX_CR_DONNEE_ABSENTE);
   EXPECT_FALSE(erreur.estRenseigne());
 }
 

@@ -87,11 +87,15 @@ class ReglesEssai : public ::testing::Test, protected MagasinEssai {
 
   // Runs a rule, and compares what it raised.
   template <class R, class E, class Cible>
-  void verifier(const char* cas, R& regles, CodeRetour (R::*regle)(E&, Erreur&), Cible& cible,
+  void verifier(const char* cas, R& regles, CodeRetour (R::*regle)(const E&, Constat&), const Cible& cible,
                 const Attente& attente) {
     SCOPED_TRACE(cas);
+    // PROD500 is raised as R500.
+    const std::string identifiant =
+        attente.reference == nullptr ? "" : "PROD" + std::string(attente.reference).substr(1);
     Erreur erreur;
-    ASSERT_EQ((regles.*regle)(cible, erreur), NOX_CR_OK);
+    Constat constat(regles, identifiant.c_str(), erreur);
+    ASSERT_EQ((regles.*regle)(cible, constat), NOX_CR_OK);
     if (attente.reference == nullptr) {
       EXPECT_FALSE(erreur.estRenseigne())
           << erreur.lireReference().lireTexte() << " " << erreur.lireLibelleSecondaire().lireTexte();

@@ -8,17 +8,6 @@ namespace {
 
 using T = Tarification;
 
-// The comparisons of a line's bases with a computed one of 80.
-struct Comparaison {
-  T& tarification;
-  CodeRetour base(const LigneCCAM& ligne, Erreur& erreur) {
-    return tarification.appliquerProd880(ligne, Montant(80.0), erreur);
-  }
-  CodeRetour baseAMO(const LigneCCAM& ligne, Erreur& erreur) {
-    return tarification.appliquerProd880A(ligne, Montant(80.0), erreur);
-  }
-};
-
 class Prix : public ReglesEssai {
  protected:
   double prix(const char* caisse) {
@@ -45,31 +34,29 @@ TEST_F(Prix, PrixUnitaireEtMajorationDOM) {
 }
 
 TEST_F(Prix, PrixFacture) {
-  Erreur erreur;
-  const auto leve = [&](double calcule, double facture_) {
-    erreur.initialiser();
+  const auto comparer = [&](double calcule, double facture_, const Attente& attente) {
+    ligne->prixCalcule = Montant(calcule);
     ligne->prixUnitaire = Montant(facture_);
-    EXPECT_EQ(tarification.appliquerProd850(*ligne, Montant(calcule), erreur), NOX_CR_OK);
-    return erreur.estRenseigne();
+    verifier("", tarification, &T::appliquerProd850, *ligne, attente);
   };
-  EXPECT_FALSE(leve(100.004, 100.00));
-  EXPECT_FALSE(leve(100.006, 100.01));
-  EXPECT_TRUE(leve(100.004, 100.01));
-  EXPECT_TRUE(leve(100.00, 99.99));
-  EXPECT_NE(std::string(erreur.lireLibelleSecondaire().vue()).find("100.00"), std::string::npos);
+  comparer(100.004, 100.00, RIEN);
+  comparer(100.006, 100.01, RIEN);
+  comparer(100.004, 100.01, {"R850", {"100.00"}});
+  comparer(100.00, 99.99, {"R850", {"100.00"}});
 }
 
 TEST_F(Prix, BasesFacturees) {
-  Comparaison a80{tarification};
+  ligne->baseCalculee = Montant(80.0);
   facturerBase(80.00, 80.00);
-  verifier("base égale", a80, &Comparaison::base, *ligne, RIEN);
+  verifier("base égale", tarification, &T::appliquerProd880, *ligne, RIEN);
   facturerBase(80.01, 80.01);
-  verifier("un centime de trop", a80, &Comparaison::base, *ligne, {"R880", {"AAAA001", "80.00"}});
-  verifier("un centime de trop", a80, &Comparaison::baseAMO, *ligne, {"R880A", {"AAAA001", "80.00"}});
+  verifier("un centime de trop", tarification, &T::appliquerProd880, *ligne, {"R880", {"AAAA001", "80.00"}});
+  verifier("un centime de trop", tarification, &T::appliquerProd880A, *ligne,
+           {"R880A", {"AAAA001", "80.00"}});
   facturerBase(79.99, 79.99);
-  verifier("moins", a80, &Comparaison::baseAMO, *ligne, RIEN);
+  verifier("moins", tarification, &T::appliquerProd880A, *ligne, RIEN);
   ligne->baseTheoriqueAMO.reset();
-  verifier("non facturée", a80, &Comparaison::baseAMO, *ligne, RIEN);
+  verifier("non facturée", tarification, &T::appliquerProd880A, *ligne, RIEN);
 }
 
 TEST_F(Prix, ActeRembourse) {
@@ -244,7 +231,7 @@ TEST_P(ExonerationLigne, UneSeuleRegleLeve) {
   ligne->exonerationTM = Code(cas.motif);
   ligne->tauxRemboursement = Coefficient(cas.taux);
   ligne->baseHorsForfait = Montant(cas.base);
-  const std::pair<std::string_view, CodeRetour (T::*)(const LigneCCAM&, Erreur&)> regles[] = {
+  const std::pair<std::string_view, CodeRetour (T::*)(const LigneCCAM&, Constat&)> regles[] = {
       {"R785", &T::appliquerProd785},   {"R786", &T::appliquerProd786},  {"R787", &T::appliquerProd787},
       {"R791B", &T::appliquerProd791B}, {"R788", &T::appliquerProd788},  {"R789", &T::appliquerProd789},
       {"R793", &T::appliquerProd793},   {"R795A", &T::appliquerProd795A}};
