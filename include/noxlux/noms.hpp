@@ -769,11 +769,11 @@ inline constexpr struct TB06_2_t {
 } TB06_2;
 inline constexpr struct TB07_1_t {
   static constexpr const char* nom = "TB07_1";
-  // Seuil d'exonération d'un département d'outre-mer.
+  // Seuil d'exonération d'une zone, désignée par sa colonne : 971 métropole, 972 Antilles, 973 La Réunion, 974 Guyane.
   using Consultation = detail::Fonction<detail::Groupes<entree::caisse_t>, detail::Groupes<reponse::montant_t, reponse::date_modification_t>>;
-  // Changer un seuil d'exonération d'outre-mer.
+  // Changer le seuil d'exonération d'une zone, désignée par sa colonne : 971 métropole, 972 Antilles, 973 La Réunion, 974 Guyane.
   using Modification = detail::Fonction<detail::Groupes<entree::caisse_montant_t>, detail::Groupes<>>;
-  // Annuler les changements d'un seuil d'exonération.
+  // Annuler les changements du seuil d'une zone, désignée par sa colonne : 971 métropole, 972 Antilles, 973 La Réunion, 974 Guyane.
   using Annulation = detail::Fonction<detail::Groupes<entree::caisse_t>, detail::Groupes<>>;
 } TB07_1;
 inline constexpr struct TB08_1_t {
