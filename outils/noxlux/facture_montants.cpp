@@ -146,7 +146,8 @@ std::set<Json> lignesDontLaBaseEstCalculee(Json facture) {
     ligne["baseRemboursement"] = BASE_DEMESUREE;
   }
   std::set<Json> numeros;
-  for (const Json& erreur : controlerFacture(zoneDeFacture(facture))["erreurs"]) {
+  const Json resultat = controlerFacture(zoneDeFacture(facture));
+  for (const Json& erreur : resultat["erreurs"]) {
     if (std::find(std::begin(BASES_DEPASSEES), std::end(BASES_DEPASSEES), erreur["reference"]) !=
         std::end(BASES_DEPASSEES)) {
       numeros.insert(erreur["lignes"].begin(), erreur["lignes"].end());

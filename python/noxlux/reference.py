@@ -20,6 +20,9 @@ JourDonne = datetime.date | str | None
 _OK, _CAISSE_NON_DOM = 0, 0xD006
 _REGLE_AVEC_REPONSE = (0xD112, 0xD115)
 _CONTROLE = (0xD121, 0xD122)
+# The errors that say that a billed base exceeds the computed one, and a base that exceeds all.
+_BASES_DEPASSEES = ("R880", "R880A")
+_BASE_DEMESUREE = 9999999.99
 # The library is loaded all the same, and can be used.
 _SUIVI = (0xF6F1, 0xF6F2)
 
@@ -322,7 +325,7 @@ class Reference:
         professionnel = facture.get("remplacant", facture["professionnel"])
         caisse = facture.get("caissePS", "")
         # Lines of one date, activity and professional are priced together.
-        associations: dict[tuple[str, str, str], list[tuple[LigneCalculee, bytes]]] = {}
+        associations: dict[tuple[str, str, str], list[tuple[LigneCalculee, Any]]] = {}
         lignes = []
         compte = 0
         for ligne in facture["lignes"]:
@@ -336,19 +339,63 @@ class Reference:
             detail.prixCalcule = self._prix_calcule(ligne, caisse)
             executant = ligne.get("executant", professionnel)
             modificateurs = {f"modificateur{i}": m for i, m in enumerate(ligne.get("modificateurs", ()), 1)}
-            zone = encoder_groupe(ENTREES[3420], executant | ligne | modificateurs | {"numero": detail.numero}, "$")
             cle = (ligne.get("date", ""), ligne.get("activite", ""), executant.get("numeroPS", ""))
-            associations.setdefault(cle, []).append((detail, zone))
-        entete = {"conventionPS": facture["professionnel"].get("conventionPS", ""), "caissePS": caisse}
+            demande = executant | ligne | modificateurs | {"numero": detail.numero}
+            associations.setdefault(cle, []).append((detail, demande))
+        convention = facture["professionnel"].get("conventionPS", "")
+        calculees = self._lignes_dont_la_base_est_calculee(facture) if associations else set()
         for association in associations.values():
-            zone = encoder_groupe(ENTREES[3400], entete, "$") + b"".join(octets for _, octets in association)
-            try:
-                bases = self._demander("NOX_AppliquerRegle", b"C_Base", zone, len(zone))
-            except ErreurBibliotheque:
-                continue
-            for (detail, _), base in zip(association, bases):
-                detail.baseCalculee = base.get("baseRemboursement")
+            demandes = [demande for _, demande in association]
+            for rang, ((detail, _), (base, _)) in enumerate(zip(association, self._bases(convention, demandes))):
+                if detail.numero in calculees:
+                    detail.baseCalculee = self._base_montree(convention, demandes, rang, base)
         return lignes
+
+    def _lignes_dont_la_base_est_calculee(self, facture: Any) -> set[int]:
+        """The check says so itself: the lines on which a base beyond all is refused."""
+        lignes = [{nom: valeur for nom, valeur in ligne.items() if nom != "outrepassees"} |
+                  {"baseRemboursement": _BASE_DEMESUREE} for ligne in facture["lignes"]]
+        resultat = self.controler(facture | {"lignes": lignes}, detail=False)
+        return {numero for erreur in resultat.erreurs if erreur.reference in _BASES_DEPASSEES
+                for numero in erreur.lignes}
+
+    def _bases(self, convention: str, demandes: list[Any], facteur: int = 1) -> list[tuple[float, float]]:
+        """(base, base outside flat fees) of the lines of an association, at prices `facteur` times those billed; none
+        when the rule could not be applied."""
+        zone = encoder_groupe(ENTREES[3400], {"conventionPS": convention, "caissePS": ""}, "$")
+        for demande in demandes:
+            prix = round(demande.get("prixUnitaire", 0) * facteur, 2)
+            zone += encoder_groupe(ENTREES[3420], demande | {"prixUnitaire": prix}, "$")
+        try:
+            bases = self._demander("NOX_AppliquerRegle", b"C_Base", zone, len(zone))
+        except ErreurBibliotheque:
+            return []
+        return [(base.get("baseRemboursement", 0.0), base.get("baseHorsForfait", 0.0)) for base in bases]
+
+    def _base_montree(self, convention: str, demandes: list[Any], rang: int, arrondie: float) -> float:
+        """To the cent; with all its digits where rounding would hide that a billed base exceeds it."""
+        facturees = [demandes[rang].get(champ, 0) for champ in ("baseRemboursement", "baseTheoriqueAMO")]
+        facturee = next((f for f in facturees if f > 0 and round(f, 2) == arrondie), None)
+        if facturee is None or any(d.get("prixUnitaire", 0) > _BASE_DEMESUREE / 1000 for d in demandes):
+            return arrondie
+        # C_Base rounds to the cent: at prices a thousand times as high it tells three digits more.
+        multipliees = self._bases("1", demandes, 1000)
+        if rang >= len(multipliees):
+            return arrondie
+        base, hors_forfait = multipliees[rang]
+        exacte = hors_forfait / 1000 + (base - hors_forfait)
+        if convention == "0":
+            exacte = self._reduire(exacte, demandes[rang]["date"])
+        exacte = round(exacte, 5)
+        return exacte if exacte < facturee else arrondie
+
+    def _reduire(self, base: float, date: str) -> float:
+        """The base of a professional who is not under agreement."""
+        try:
+            forfait = self.consulter("TB12_1", date)["montant"]
+            return min(base, forfait) if forfait > 0 else base * self.consulter("TB12_2", date)["coefficient"]
+        except ErreurBibliotheque:
+            return base
 
     def _prix_calcule(self, ligne: Mapping[str, Any], caisse: str) -> float | None:
         """The price that the check compares with: the act's with the increase of the fund, to the nearest cent."""
