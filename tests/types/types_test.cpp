@@ -78,7 +78,7 @@ TEST(Date, donneLaPeriodeEntreDeuxDates) {
                         {{2024, 1, 11}, {1980, 5, 32}, {44, 10}},
                         {{2024, 1, 11}, {2024, 0, 10}, {0, 10}},
                         {{2024, 1, 11}, {2024, 1, 0}, {0, 10}},
-                        {{2024, 3, 1}, {2023, 2, 31}, {1, 1}}}) {
+                        {{2024, 3, 1}, {2023, 2, 31}, {1, 2}}}) {
     const Periode periode = cas.fin - cas.debut;
     EXPECT_EQ(periode, cas.attendue) << periode.lireBytes() << " au lieu de " << cas.attendue.lireBytes();
   }
