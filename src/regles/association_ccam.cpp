@@ -93,7 +93,7 @@ void AssociationCCAM::dump() const {
   if (Trace::niveau(TRACE_CONTROLE) == 0) {
     return;
   }
-  Trace::debut(TRACE_CONTROLE, "Association n° %d::dump", numero.lireValeur());
+  const BlocParticulier bloc(FinMuette{}, "Association n° %d::dump", numero.lireValeur());
   Trace::ecrire(TRACE_CONTROLE, "date            = %s", date->lireValeur());
   Trace::ecrire(TRACE_CONTROLE, "activite        = %s", activite->lireTexte());
   Trace::ecrire(TRACE_CONTROLE, "numeroPS        = %s", numeroPS->lireTexte());
@@ -104,7 +104,6 @@ void AssociationCCAM::dump() const {
     Trace::ecrire(TRACE_CONTROLE, "acte[%d]         = %s (ligne %d)", static_cast<int>(i),
                   lignes[i]->acte.lireTexte(), lignes[i]->numero.lireValeur());
   }
-  Trace::fin(TRACE_CONTROLE, "");
 }
 
 }  // namespace noxlux

@@ -37,7 +37,7 @@ struct Question {
 template <class R, class E>
 CodeRetour appliquerRegle(R& regles, const Regle<R, E>& regle, const E& element, Erreur& erreur) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, R::NOM, regle.identifiant);
+  const auto bloc = blocRegle(cr, R::NOM, regle.identifiant);
   Constat constat(regles, regle.identifiant, erreur);
   cr = (regles.*regle.condition)(element, constat);
   return cr;
@@ -77,7 +77,7 @@ class Deroulement {
     Booleen reponse;
     derouler(question.identifiant, element, question.portee, [&] {
       CodeRetour cr = NOX_CR_OK;
-      const BlocRegle bloc(cr, R::NOM, question.identifiant);
+      const auto bloc = blocRegle(cr, R::NOM, question.identifiant);
       cr = (regles_.*question.reponse)(element, reponse);
       return cr;
     });

@@ -6,6 +6,7 @@
 
 #include "basics/trace.h"
 #include "regles/ligne_acte.h"
+#include "regles/trace_regles.h"
 
 namespace noxlux {
 

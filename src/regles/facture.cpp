@@ -194,7 +194,7 @@ void Facture::dump() const {
   if (Trace::niveau(TRACE_CONTROLE) == 0) {
     return;
   }
-  Trace::debut(TRACE_CONTROLE, "Facture::dump");
+  const BlocParticulier bloc(FinMuette{}, "Facture::dump");
   tracer("numeroPS        = %s", numeroPS);
   tracer("conventionPS    = %s", conventionPS);
   tracer("specialitePS    = %s", specialitePS);
@@ -214,7 +214,6 @@ void Facture::dump() const {
   for (const Seance& seance : seances) {
     seance.dump();
   }
-  Trace::fin(TRACE_CONTROLE, "");
 }
 
 }  // namespace noxlux

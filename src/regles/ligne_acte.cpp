@@ -141,7 +141,7 @@ void LigneActe::debrayerService() {
 }
 
 void LigneActe::dump() const {
-  Trace::debut(TRACE_CONTROLE, "LigneActe::dump");
+  const BlocParticulier bloc(FinMuette{}, "LigneActe::dump");
   tracerIdentite(*this);
   tracer("prixUnitaire        = %.2f", prixUnitaire);
   tracer("baseRemboursement   = %.2f", baseRemboursement);
@@ -156,7 +156,6 @@ void LigneActe::dump() const {
     reglesNonVerifiables->dump(TRACE_CONTROLE);
   }
   tracer("baseTheoriqueAMO     = %.2fE", baseTheoriqueAMO);
-  Trace::fin(TRACE_CONTROLE, "");
 }
 
 }  // namespace noxlux

@@ -142,9 +142,12 @@ CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs
   exiger(association != nullptr, "association != __null");
   CodeRetour cr = NOX_CR_OK;
   baseHorsForfait = Montant();
-  const BlocParticulier bloc("LigneCCAM::controlerBaseActe", [&] {
-    Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, base hors forfait = %.2fE", cr, baseHorsForfait->lireValeur());
-  });
+  const BlocParticulier bloc(
+      [&] {
+        Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, base hors forfait = %.2fE", cr,
+                   baseHorsForfait->lireValeur());
+      },
+      "LigneCCAM::controlerBaseActe");
   cr = compterModifications(tarification, FORCAGE_BASE, [&] {
     Deroulement<T> deroulement(tarification, erreurs);
     calculerBase(tarification, *this, deroulement);
@@ -159,9 +162,11 @@ CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs
 CodeRetour LigneCCAM::controlerExoActe(Tarification& tarification, ListeErreurs& erreurs,
                                        Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocParticulier bloc("LigneCCAM::controlerExoActe", [&] {
-    Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, facture exoneree = %s", cr, factureExoneree.lireTexte());
-  });
+  const BlocParticulier bloc(
+      [&] {
+        Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, facture exoneree = %s", cr, factureExoneree.lireTexte());
+      },
+      "LigneCCAM::controlerExoActe");
   cr = compterModifications(tarification, FORCAGE_EXONERATION, [&] {
     Deroulement<T> deroulement(tarification, erreurs);
     deroulement.suite(REGLES_EXONERATION, *this);
@@ -195,7 +200,9 @@ void LigneCCAM::debrayerService() {
 }
 
 void LigneCCAM::dump() const {
-  Trace::debut(TRACE_CONTROLE, "LigneCCAM::dump");
+  const BlocParticulier bloc(
+      [&] { Trace::fin(TRACE_CONTROLE, "top débrayage       = %s", vraiFaux(topDebrayage)); },
+      "LigneCCAM::dump");
   tracerIdentite(*this);
   tracer("prixUnitaire        = %.2fE", prixUnitaire);
   tracer("baseRemboursement   = %.2fE", baseRemboursement);
@@ -223,7 +230,6 @@ void LigneCCAM::dump() const {
     Trace::ecrire(TRACE_CONTROLE, "top réduction       = %s", vraiFaux(topReduction->estVrai()));
   }
   Trace::ecrire(TRACE_CONTROLE, "topActePuMax        = %s", vraiFaux(topActePuMax));
-  Trace::fin(TRACE_CONTROLE, "top débrayage       = %s", vraiFaux(topDebrayage));
 }
 
 }  // namespace noxlux

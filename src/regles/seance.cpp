@@ -3,6 +3,7 @@
 #include "basics/trace.h"
 #include "regles/facture.h"
 #include "regles/tarification.h"
+#include "regles/trace_regles.h"
 
 namespace noxlux {
 
@@ -40,14 +41,13 @@ void Seance::dump() const {
   if (Trace::niveau(TRACE_CONTROLE) == 0) {
     return;
   }
-  Trace::debut(TRACE_CONTROLE, "Seance n° %d::dump", numero.lireValeur());
+  const BlocParticulier bloc(FinMuette{}, "Seance n° %d::dump", numero.lireValeur());
   Trace::ecrire(TRACE_CONTROLE, "date         = %s", date->lireValeur());
   Trace::ecrire(TRACE_CONTROLE, "topDebrayage = %s", vraiFaux(topDebrayage));
   for (std::size_t i = 0; i < lignes.size(); ++i) {
     Trace::ecrire(TRACE_CONTROLE, "acte[%d] = %s (ligne = %d)", static_cast<int>(i),
                   lignes[i]->acte.lireTexte(), lignes[i]->numero.lireValeur());
   }
-  Trace::fin(TRACE_CONTROLE, "");
 }
 
 }  // namespace noxlux

@@ -26,10 +26,12 @@ CodeRetour Tarification::appliquerProd840(const Code& acte, const Code& activite
                                           const Date& date, const Code& caissePS, Montant& prixUnitaire) {
   CodeRetour cr = NOX_CR_OK;
   Coefficient majoration(1.0);
-  const BlocRegle bloc(NOM, PROD840, [&] {
-    Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, prix unitaire = %.2fE, majoration DOM = %f", cr,
-               prixUnitaire.lireValeur(), majoration.lireValeur());
-  });
+  const auto bloc = blocRegle(
+      [&] {
+        Trace::fin(TRACE_CONTROLE, "cr = 0x%04X, prix unitaire = %.2fE, majoration DOM = %f", cr,
+                   prixUnitaire.lireValeur(), majoration.lireValeur());
+      },
+      NOM, PROD840);
   tracerPhase(acte, activite, phase);
   tracerDate("date = %s", date);
   Trace::ecrire(TRACE_CONTROLE, "caissePS = %s", caissePS.lireTexte());
@@ -69,7 +71,7 @@ CodeRetour Tarification::appliquerProd763A(const LigneCCAM& ligne, Booleen& remb
 
 CodeRetour Tarification::appliquerProd656A(AssociationCCAM& association) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD656A);
+  const auto bloc = blocRegle(cr, NOM, PROD656A);
   association.actePlusFort.reset();
   ListeCodes complementaires;
   cr = lecture().rechercherValeursConcept(CONCEPT_ACTES_COMPLEMENTAIRES, *association.date, complementaires);
@@ -96,7 +98,7 @@ CodeRetour Tarification::appliquerProd656A(AssociationCCAM& association) {
 
 CodeRetour Tarification::appliquerProd656B(LigneCCAM& ligne) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD656B);
+  const auto bloc = blocRegle(cr, NOM, PROD656B);
   bool complementaire = false;
   cr = estActeComplementaire(lecture(), ligne.acte, ligne.date, complementaire);
   if (cr == NOX_CR_OK) {
@@ -116,7 +118,7 @@ bool subitReduction(const LigneCCAM& ligne) {
 
 CodeRetour Tarification::appliquerProd655(const LigneCCAM& ligne, Coefficient& coefficient) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD655);
+  const auto bloc = blocRegle(cr, NOM, PROD655);
   const Code& code = codeOuVide(ligne.codeAssociation);
   Trace::ecrire(TRACE_CONTROLE, "code association = %s", code.lireTexte());
   coefficient = Coefficient(1.0);
@@ -145,7 +147,7 @@ CodeRetour Tarification::lireCoefficientRegle(const LigneCCAM& ligne, const Code
 
 CodeRetour Tarification::appliquerProd640(const LigneCCAM& ligne, Coefficient& coefficient) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD640);
+  const auto bloc = blocRegle(cr, NOM, PROD640);
   tracerActivite(ligne.acte, ligne.activite, ligne.date);
   coefficient = Coefficient(1.0);
   if (subitReduction(ligne)) {
@@ -169,7 +171,7 @@ bool ouvreSupplement(const LigneCCAM& ligne) {
 
 CodeRetour Tarification::appliquerProd860(const LigneCCAM& ligne, Montant& supplement) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD860);
+  const auto bloc = blocRegle(cr, NOM, PROD860);
   Trace::ecrire(TRACE_CONTROLE, "supplementCharges = %s, lieuExecution = %s, identifiantLieu = %s",
                 codeOuVide(ligne.supplementCharges).lireTexte(), codeOuVide(ligne.lieuExecution).lireTexte(),
                 codeOuVide(ligne.identifiantLieu).lireTexte());
@@ -218,11 +220,13 @@ CodeRetour Tarification::appliquerProd870(const LigneCCAM& ligne, const Coeffici
                                           const Montant& supplement, Montant& base,
                                           Montant& baseHorsForfait) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(NOM, PROD870, [&] {
-    Trace::fin(TRACE_CONTROLE,
-               "cr = 0x%04X, base de remboursment = %.2fE, base de remboursement hors forfait = %.2fE", cr,
-               base.lireValeur(), baseHorsForfait.lireValeur());
-  });
+  const auto bloc = blocRegle(
+      [&] {
+        Trace::fin(TRACE_CONTROLE,
+                   "cr = 0x%04X, base de remboursment = %.2fE, base de remboursement hors forfait = %.2fE",
+                   cr, base.lireValeur(), baseHorsForfait.lireValeur());
+      },
+      NOM, PROD870);
   double forfaits = 0.0;
   double facteur = 1.0;
   cr = lireModificateurs(ligne, forfaits, facteur);
@@ -242,7 +246,7 @@ constexpr std::string_view NON_CONVENTIONNE = "0";
 
 CodeRetour Tarification::appliquerProd740(const Code& conventionPS, const Date& date, Montant& base) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD740);
+  const auto bloc = blocRegle(cr, NOM, PROD740);
   Trace::ecrire(TRACE_CONTROLE, "conventionPS = %s", conventionPS.lireTexte());
   if (conventionPS.vue() != NON_CONVENTIONNE) {
     Trace::ecrire(TRACE_CONTROLE, "Base de remboursement recalculée = base de remboursement calculée");

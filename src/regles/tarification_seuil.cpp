@@ -99,7 +99,7 @@ CodeRetour Tarification::estExonerableParSeuil(const LigneCCAM& ligne, bool& exo
 
 CodeRetour Tarification::appliquerProd790A(const LigneCCAM& ligne, Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD790A);
+  const auto bloc = blocRegle(cr, NOM, PROD790A);
   tracerExoneration(ligne);
   ListeCodes codesSeuil;
   Montant seuil;
@@ -117,7 +117,7 @@ CodeRetour Tarification::appliquerProd790A(const LigneCCAM& ligne, Code& facture
 CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& caissePS,
                                            Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD790B);
+  const auto bloc = blocRegle(cr, NOM, PROD790B);
   Montant somme;
   Montant seuil;
   cr = sommerSeance(seance, somme);
@@ -140,7 +140,7 @@ CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& cai
 CodeRetour Tarification::appliquerProd790C(LigneCCAM& ligne, const Code& caissePS,
                                            const Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD790C);
+  const auto bloc = blocRegle(cr, NOM, PROD790C);
   tracerExoneration(ligne);
   bool exoneree = false;
   if (factureExoneree.vue() == Facture::EXONEREE) {
@@ -155,7 +155,7 @@ CodeRetour Tarification::appliquerProd790C(LigneCCAM& ligne, const Code& caisseP
 CodeRetour Tarification::appliquerProd790D(LigneActe& deplacement, const Code& caissePS,
                                            const Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
-  const BlocRegle bloc(cr, NOM, PROD790D);
+  const auto bloc = blocRegle(cr, NOM, PROD790D);
   tracerExoneration(deplacement);
   const LigneCCAM& acte = static_cast<const LigneCCAM&>(*deplacement.rattachement);
   bool exoneree = false;

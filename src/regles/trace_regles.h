@@ -3,6 +3,9 @@
 #ifndef NOXLUX_REGLES_TRACE_REGLES_H
 #define NOXLUX_REGLES_TRACE_REGLES_H
 
+#include <cstddef>
+#include <type_traits>
+
 #include "basics/trace.h"
 #include "types/date.h"
 #include "types/texte.h"
@@ -37,13 +40,15 @@ inline void tracerPhase(const Code& acte, const Code& activite, const Code& phas
                 activite.lireTexte(), phase.lireTexte());
 }
 
-// A trace block whose end line tells more than the code: `fermer` writes it when the block is left, however
-// it is left.
+// A trace block whose end line is one of its own: `fermer` writes it when the block is left, however it is
+// left.
 template <class Fermer>
 class BlocParticulier {
  public:
-  BlocParticulier(FormatVerifie<> debut, Fermer fermer) : fermer_(fermer) {
-    Trace::debut(TRACE_CONTROLE, debut);
+  template <class... A>
+  explicit BlocParticulier(Fermer fermer, FormatVerifie<std::type_identity_t<A>...> debut, A... arguments)
+      : fermer_(fermer) {
+    Trace::debut(TRACE_CONTROLE, debut, arguments...);
   }
   ~BlocParticulier() { fermer_(); }
   BlocParticulier(const BlocParticulier&) = delete;
@@ -53,28 +58,26 @@ class BlocParticulier {
   Fermer fermer_;
 };
 
-// The trace block of a rule, by the class that holds it and its identifier: "Tarification::appliquerProd840"
-// for PROD840. Its end line tells the code, or what `fermer` writes.
-struct FinOrdinaire {
+// The end of a block that says nothing.
+struct FinMuette {
+  void operator()() const { Trace::fin(TRACE_CONTROLE, ""); }
+};
+// The end that tells the code.
+struct FinCode {
   const CodeRetour& cr;
   void operator()() const { Trace::fin(TRACE_CONTROLE, "cr = 0x%04X", cr); }
 };
-template <class Fermer = FinOrdinaire>
-class BlocRegle {
- public:
-  BlocRegle(const char* classe, const char* regle, Fermer fermer) : fermer_(fermer) {
-    constexpr std::size_t PREFIXE = sizeof "PROD" - 1;
-    Trace::debut(TRACE_CONTROLE, "%s::appliquerProd%s", classe, regle + PREFIXE);
-  }
-  BlocRegle(const CodeRetour& cr, const char* classe, const char* regle)
-      : BlocRegle(classe, regle, FinOrdinaire{cr}) {}
-  ~BlocRegle() { fermer_(); }
-  BlocRegle(const BlocRegle&) = delete;
-  BlocRegle& operator=(const BlocRegle&) = delete;
 
- private:
-  Fermer fermer_;
-};
+// The block of a rule, by the class that holds it and its identifier: "Tarification::appliquerProd840" for
+// PROD840.
+template <class Fermer>
+BlocParticulier<Fermer> blocRegle(Fermer fermer, const char* classe, const char* regle) {
+  constexpr std::size_t PREFIXE = sizeof "PROD" - 1;
+  return BlocParticulier<Fermer>(fermer, "%s::appliquerProd%s", classe, regle + PREFIXE);
+}
+inline BlocParticulier<FinCode> blocRegle(const CodeRetour& cr, const char* classe, const char* regle) {
+  return blocRegle(FinCode{cr}, classe, regle);
+}
 
 }  // namespace noxlux
 
