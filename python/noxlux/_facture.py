@@ -6,7 +6,7 @@ from typing import Any, Mapping, Sequence
 
 from ._description import Champ, Groupe
 from ._noms import ENTREES
-from ._zone import date_compacte, emballer, encoder_champ, est_du_calendrier, refuser
+from ._zone import date_compacte, emballer, encoder_champ, est_du_calendrier, est_hors_calendrier, refuser
 from .erreurs import ErreurDemande
 
 Objet = Mapping[str, Any]
@@ -51,7 +51,7 @@ def _octets(champ: Champ, valeur: Any, chemin: str) -> bytes:
             return b""
         octets = b""
     else:
-        raison = _faute_de_type(champ.type, valeur)
+        raison = _faute_de_type(champ, valeur)
         if raison:
             refuser(_place(chemin, champ.nom), raison)
         try:
@@ -67,7 +67,8 @@ def _octets(champ: Champ, valeur: Any, chemin: str) -> bytes:
     return octets
 
 
-def _faute_de_type(genre: str, valeur: Any) -> str | None:
+def _faute_de_type(champ: Champ, valeur: Any) -> str | None:
+    genre = champ.type
     nombre = isinstance(valeur, (int, float)) and not isinstance(valeur, bool)
     if genre == "N":
         return None if nombre and isinstance(valeur, int) and valeur >= 0 else "un nombre entier est attendu"
@@ -75,7 +76,9 @@ def _faute_de_type(genre: str, valeur: Any) -> str | None:
         return None if nombre else f"un {'montant en euros' if genre == 'M' else 'nombre'} est attendu"
     if not isinstance(valeur, str):
         return "une date AAAA-MM-JJ est attendue" if genre == "D" else "un texte est attendu"
-    if genre == "D" and not est_du_calendrier(date_compacte(valeur) or ""):
+    # A field of any format, a birth date, may also tell a day that is not known.
+    chiffres = date_compacte(valeur) or "" if genre == "D" else ""
+    if genre == "D" and not (est_du_calendrier(chiffres) or champ.format != "D" and est_hors_calendrier(chiffres)):
         return "une date AAAA-MM-JJ du calendrier est attendue"
     return None
 

@@ -43,6 +43,16 @@ def est_du_calendrier(chiffres: str) -> bool:
     return 1 <= jour <= (29 if mois == 2 and bissextile else (31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31)[mois - 1])
 
 
+def est_hors_calendrier(chiffres: str) -> bool:
+    """Whether 8 digits have a month or a day that no calendar has: what is written for a day of birth that is not known.
+
+    >>> est_hors_calendrier("19809999"), est_hors_calendrier("19800230")
+    (True, False)
+    """
+    return chiffres.isascii() and chiffres.isdigit() and len(chiffres) == 8 and (
+        int(chiffres[4:6]) > 12 or int(chiffres[6:]) > 31)
+
+
 def chiffres_de(date: datetime.date | str | None) -> bytes:
     """A date as the functions take it; None is today.
 
