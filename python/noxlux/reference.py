@@ -392,8 +392,9 @@ class Reference:
     def _reduire(self, base: float, date: str) -> float:
         """The base of a professional who is not under agreement."""
         try:
-            forfait = self.consulter("TB12_1", date)["montant"]
-            return min(base, forfait) if forfait > 0 else base * self.consulter("TB12_2", date)["coefficient"]
+            forfait: float = self.consulter("TB12_1", date)["montant"]
+            taux: float = self.consulter("TB12_2", date)["coefficient"] if forfait == 0 else 1.0
+            return min(base, forfait) if forfait > 0 else base * taux
         except ErreurBibliotheque:
             return base
 
