@@ -27,7 +27,7 @@ constexpr Diagnostic DIAGNOSTICS[] = {
 
 // What is found of an act against the others of its date: the gravest answer, the first of that gravity, and
 // the line it comes from.
-struct Constat {
+struct Grief {
   Gravite gravite = Gravite::AUCUNE;
   Code diagnostic{Reglementation::COMPATIBLES};
   Code procedure;
@@ -45,34 +45,34 @@ struct Constat {
 
 Texte formater(const char* format, ArgumentsLibelle codes) { return Texte(*formaterLibelle(format, codes)); }
 
-Texte expliquer(const LigneCCAM& ligne, const Constat& constat) {
-  switch (constat.gravite) {
+Texte expliquer(const LigneCCAM& ligne, const Grief& grief) {
+  switch (grief.gravite) {
     case Gravite::CODE_REQUIS:
       return formater(
           "L'acte %s appartient à la même procédure %s que l'acte %s ; ces deux actes peuvent "
           "cependant être associés en renseignant le code \"association non prévue\".",
-          {ligne.acte, constat.procedure, constat.autre->acte});
+          {ligne.acte, grief.procedure, grief.autre->acte});
     case Gravite::MEME_PROCEDURE:
       return formater(
           "L'acte %s appartient à la même procédure %s que l'acte %s ; ces deux actes ne "
           "peuvent pas être associés.",
-          {ligne.acte, constat.procedure, constat.autre->acte});
+          {ligne.acte, grief.procedure, grief.autre->acte});
     case Gravite::INCOMPATIBLE:
       return formater(
           "L'acte %s est incompatible médicalement avec l'acte %s ; ces deux actes ne peuvent "
           "pas être associés.",
-          {ligne.acte, constat.autre->acte});
+          {ligne.acte, grief.autre->acte});
     case Gravite::AUCUNE:
       break;
   }
   return formater("L'acte %s est compatible avec les autres actes.", {ligne.acte});
 }
 
-using Constats = std::unordered_map<const LigneCCAM*, Constat>;
+using Griefs = std::unordered_map<const LigneCCAM*, Grief>;
 
 // Each pair of acts is asked once; what is found holds against both.
 CodeRetour comparer(Reglementation& reglementation, const LigneCCAM& premiere, const LigneCCAM& seconde,
-                    Constats& constats) {
+                    Griefs& griefs) {
   Code diagnostic;
   Code procedure;
   const CodeRetour cr = reglementation.appliquerCCompatibilite(
@@ -87,19 +87,19 @@ CodeRetour comparer(Reglementation& reglementation, const LigneCCAM& premiere, c
     return NOX_CR_INCOHERENCE;
   }
   if (trouve->gravite != Gravite::AUCUNE) {
-    constats[&premiere].retenir(trouve->gravite, diagnostic, procedure, &seconde);
-    constats[&seconde].retenir(trouve->gravite, diagnostic, procedure, &premiere);
+    griefs[&premiere].retenir(trouve->gravite, diagnostic, procedure, &seconde);
+    griefs[&seconde].retenir(trouve->gravite, diagnostic, procedure, &premiere);
   }
   return NOX_CR_OK;
 }
 
-CodeRetour comparerActes(Reglementation& reglementation, const Seance& seance, Constats& constats) {
+CodeRetour comparerActes(Reglementation& reglementation, const Seance& seance, Griefs& griefs) {
   for (auto premiere = seance.lignes.begin(); premiere != seance.lignes.end(); ++premiere) {
     for (auto seconde = premiere + 1; seconde != seance.lignes.end(); ++seconde) {
       if ((*premiere)->topDebrayage || (*seconde)->topDebrayage) {
         continue;
       }
-      const CodeRetour cr = comparer(reglementation, **premiere, **seconde, constats);
+      const CodeRetour cr = comparer(reglementation, **premiere, **seconde, griefs);
       if (cr != NOX_CR_OK) {
         return cr;
       }
@@ -121,20 +121,20 @@ CodeRetour FonctionsAppliquer::C_Compatibilite(ZoneSortie& zoneOut) {
                  });
   facture.grouperParDates();
   facture.dump();
-  Constats constats;
+  Griefs griefs;
   for (const Seance& seance : facture.seances) {
     if (cr == NOX_CR_OK) {
-      cr = comparerActes(*reglementation_, seance, constats);
+      cr = comparerActes(*reglementation_, seance, griefs);
     }
   }
   zoneOut = ecrireReponse(cr, [&](auto& reponse) {
     decrireLignes<LigneCCAM>(reponse, facture, ligneDebrayee, [&](auto& sortie, const LigneCCAM& ligne) {
-      const Constat& constat = constats[&ligne];
+      const Grief& grief = griefs[&ligne];
       sortie.groupe(GROUPE_COMPATIBILITE);
       sortie.champ(ligne.numero);
-      sortie.champ(constat.diagnostic);
-      sortie.champ(constat.autre != nullptr ? constat.autre->numero : Nombre(0));
-      sortie.champ(expliquer(ligne, constat));
+      sortie.champ(grief.diagnostic);
+      sortie.champ(grief.autre != nullptr ? grief.autre->numero : Nombre(0));
+      sortie.champ(expliquer(ligne, grief));
     });
   });
   return cr;
