@@ -280,6 +280,9 @@ TEST_F(ReglesLigne, ControleDesDonnees) {
   EXPECT_FALSE(reponse(reglementation.appliquerCAge1(date(20250101), Code("E"), d, oui)));
   EXPECT_EQ(reglementation.appliquerCAge1(date(20240101), Code("A"), d, oui), NOX_CR_PAS_D_HISTORIQUE);
   EXPECT_EQ(reglementation.appliquerCAge1(date(19800101), Code("Q"), d, oui), NOX_CR_CODE_INCONNU);
+  poser<HistoriqueAgeModificateur>({{jour(DEBUT), {}, 'M', 35, 'A', 60}});
+  EXPECT_TRUE(reponse(reglementation.appliquerCAge1(date(20210715), Code("E"), d, oui))) << "2 years 330 days";
+  EXPECT_FALSE(reponse(reglementation.appliquerCAge1(date(20210716), Code("E"), d, oui)));
   EXPECT_TRUE(reponse(reglementation.appliquerCAge2(date(19800610), e, un, zero, d, oui)));
   EXPECT_FALSE(reponse(reglementation.appliquerCAge2(date(19800609), e, un, zero, d, oui)));
   EXPECT_FALSE(reponse(reglementation.appliquerCAge2(date(20180611), e, un, zero, d, oui)));
