@@ -262,7 +262,7 @@ def montree(nomenclature, ligne, base):
         return None
     facturees = [Decimal(str(ligne[champ])) for champ in ("baseRemboursement", "baseTheoriqueAMO") if champ in ligne]
     cachee = any(facturee == centimes(base) and facturee - base > TOLERANCE for facturee in facturees)
-    return round(float(base), 5) if cachee else float(centimes(base))
+    return float(base.quantize(TOLERANCE, ROUND_HALF_UP)) if cachee else float(centimes(base))
 
 
 def verifier_prix_a_facturer(commande, nomenclature, compte):
