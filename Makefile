@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all install package demo test test-release test-release32 test-assaini test-python test-versions corruption endurance mutations part-des-tests bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini test-python test-versions test-paquets corruption endurance mutations part-des-tests bench format propre paquets release release32
 
 all: release release32
 
@@ -51,6 +51,10 @@ test-python: release
 	@packaging/installer-paquets python3-distributed python3-pandas mypy
 	@cd python && $(PYTHON) -m mypy --config-file pyproject.toml --cache-dir ../build/mypy noxlux
 	@$(PYTHON) tests/python/verifier-distribue.py build/release/noxlux build/release/libnoxlux.so build/exemple .
+
+# The packages, installed in a fresh Debian 12 and put to use there; tells where no such system can be made.
+test-paquets: package
+	@packaging/tester-paquets || [ $$? -eq 77 ]
 
 # One version everywhere, and the binary interface of the last one published.
 test-versions:
