@@ -63,6 +63,24 @@ class Aide:
                 courant[nom] = f"{courant[nom]} {ligne.strip()}".strip()
 
 
+class AidePython:
+    """The same of noxlux-distribue, from its own description."""
+
+    def __init__(self):
+        sys.path.insert(0, str(SOURCES / "python"))
+        sys.dont_write_bytecode = True
+        from noxlux.__main__ import lecteur_d_options
+        lecteur = lecteur_d_options()
+        self.resume, self.arguments, self.options, self.sous = lecteur.description.rstrip("."), {}, {}, {}
+        self.usage = "noxlux-distribue [OPTIONS] " + " ".join(a.metavar + "..." for a in lecteur._actions if not a.option_strings)
+        for action in lecteur._actions:
+            noms = ", ".join(action.option_strings)
+            if noms:
+                self.options[f"{noms} {action.metavar or ''}".strip()] = action.help
+            else:
+                self.arguments[f"{action.dest} {action.metavar}..."] = action.help
+
+
 def cle(entree):
     """The name that an entry goes by: its long option, or its argument."""
     longue = re.search(r"--[\w-]+", entree)
@@ -79,8 +97,8 @@ def pages_commande(commande):
     pages = {}
 
     def parcourir(chemin):
-        aide = Aide(commande, chemin)
         nom = "-".join(["noxlux", *chemin])
+        aide = AidePython() if chemin == ["distribue"] else Aide(commande, chemin)
         dit = anglais.get(nom)
         if dit is None:
             fautes.append(f"{nom} has no page in commande.toml")
@@ -121,6 +139,7 @@ def pages_commande(commande):
 
     toutes = set()
     parcourir([])
+    parcourir(["distribue"])
     fautes.extend(f"commande.toml: no command has {option}" for option in anglais["communes"] if option not in toutes)
     fautes.extend(f"commande.toml: there is no {nom}" for nom in anglais if nom.startswith("noxlux") and nom not in vues)
     sources = "".join(f.read_text(**LIRE) for f in (SOURCES / "outils/noxlux").glob("*.h"))

@@ -11,8 +11,7 @@ from .distribue import MORCEAU, controler_fichiers
 from .erreurs import Erreur
 
 
-def main(arguments: list[str] | None = None) -> int:
-    """0: every invoice was checked; 1: some were not, or the check stopped; 2: misuse."""
+def lecteur_d_options() -> argparse.ArgumentParser:
     lecteur = argparse.ArgumentParser(prog="noxlux-distribue", add_help=False,
                                       description="Contrôle des fichiers de factures, une par ligne, sur plusieurs machines.")
     lecteur.add_argument("-h", "--help", action="help", help="cette aide")
@@ -25,6 +24,12 @@ def main(arguments: list[str] | None = None) -> int:
                          help="sans planificateur, nombre de processus (par défaut : les processeurs)")
     lecteur.add_argument("--morceau", type=int, default=MORCEAU, metavar="OCTETS", help="taille des morceaux d'un fichier")
     lecteur.add_argument("--detail", action="store_true", help="montants calculés dans les réponses")
+    return lecteur
+
+
+def main(arguments: list[str] | None = None) -> int:
+    """0: every invoice was checked; 1: some were not, or the check stopped; 2: misuse."""
+    lecteur = lecteur_d_options()
     options = lecteur.parse_args(arguments)
     if options.travailleurs < 1 or options.morceau < 1:
         lecteur.error("--travailleurs et --morceau sont au moins 1")
