@@ -81,7 +81,7 @@ mutations: release
 # What tests weigh beside the code: a third at most.
 part-des-tests:
 	@lignes() { git ls-files -z "$$@" | xargs -0 cat | grep -c '[^[:space:]]'; }; \
-	t=$$(lignes tests); c=$$(lignes src include outils); \
+	t=$$(lignes tests); c=$$(lignes src include outils python); \
 	echo "tests: $$t lines for $$c of code, $$((1000 * t / c / 10)).$$((1000 * t / c % 10)) %"; test $$((3 * t)) -le $$c
 
 bench: paquets
