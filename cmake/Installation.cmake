@@ -17,9 +17,3 @@ endif()
 install(FILES packaging/noxlux.bash-completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
   RENAME noxlux)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")
-# Sources of references: what the command completes a listing or a database with, and the example.
-foreach(sources socle exemple public)
-  if(IS_DIRECTORY ${CMAKE_SOURCE_DIR}/reference/${sources})
-    install(DIRECTORY reference/${sources} DESTINATION ${CMAKE_INSTALL_DATADIR}/noxlux)
-  endif()
-endforeach()
