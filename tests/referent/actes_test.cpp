@@ -80,6 +80,12 @@ TEST_F(Actes, valeursRefusees) {
          a.naturesAssurance.affecter(natures);
        },
        "ERREUR position 0x00000041 : Code Nature d'assurance incorrect"},
+      {[](NiveauActe& a) {
+         const char codes[] = {'4', '?'};
+         a.naturesAssurance = {};
+         a.historiques[0].exonerationsTM.affecter(codes);
+       },
+       "ERREUR position 0x0000004A : Code Exo TM incorrect"},
       {[](NiveauActe& a) { a.historiques.clear(); },
        " : Le nombre d'historiques de niveau acte ne doit pas etre nul"},
       {[](NiveauActe& a) { a.activites.clear(); }, " : Le nombre d'activites ne doit pas etre nul"},
