@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all install package demo test test-release test-release32 test-assaini test-python test-versions test-paquets corruption endurance mutations part-des-tests bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini test-python test-fils fils test-versions test-paquets corruption endurance mutations part-des-tests bench format propre paquets release release32
 
 all: release release32
 
@@ -27,7 +27,7 @@ package:
 demo: release
 	@packaging/demo build/release
 
-test: test-release test-release32 test-assaini
+test: test-release test-release32 test-assaini test-fils
 
 test-release: paquets
 	@$(call CONFIGURER,release) -DNOXLUX_TESTS=ON
@@ -60,6 +60,14 @@ test-paquets: package
 test-versions:
 	@packaging/installer-paquets abigail-tools
 	@packaging/verifier-versions
+
+# Eight threads under ThreadSanitizer, DUREE seconds: a few in `make test`, a minute in `make fils`.
+test-fils: DUREE ?= 4
+fils: DUREE ?= 60
+test-fils fils: test-release
+	@$(call CONFIGURER,tsan) -DNOXLUX_REFERENCE_EXEMPLE=$(CURDIR)/build/release/exemple/
+	@cmake --build build/tsan -j $(TACHES) --target test_fils
+	@cd build/tsan && NOXLUX_DUREE=$(DUREE) ctest --output-on-failure
 
 # Every byte of the reference files damaged in turn, under the sanitizers: hours.
 corruption: paquets

@@ -16,6 +16,10 @@ if(NOXLUX_ASSAINIR)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O0 -g1)
   add_link_options(-fsanitize=address,undefined)
 endif()
+if(NOXLUX_FILS)
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -O0 -g1)
+  add_link_options(-fsanitize=thread)
+endif()
 
 # What a fault of the code could be turned into is kept small: guarded stacks, copies checked against the size of
 # their target (which takes the optimizer), addresses of functions that nothing can write once they are bound.

@@ -35,6 +35,10 @@ SortieAppelant::SortieAppelant(void** zone, unsigned int* taille) : zone_(zone),
 
 CodeRetour SortieAppelant::verifier() const { return ControleurParametres::verifierZoneOut(zone_, taille_); }
 
+Requete& Requete::exigerAcces() {
+  return suivre([&] { return acces_.code(); });
+}
+
 Requete& Requete::verifierIdentifiant(const char* identifiant) {
   return suivre([&] { return ControleurParametres::verifierChaine(identifiant, true); });
 }
@@ -69,11 +73,13 @@ Requete& Requete::verifierResultat(const char* resultat) {
 }
 
 Requete& Requete::chercherFonction(Recherche recherche, const char* identifiant) {
-  return suivre([&] { return (bibliotheque.interface.*recherche)(identifiant, superGroupe_, numero_); });
+  return exigerAcces().suivre(
+      [&] { return (bibliotheque.interface.*recherche)(identifiant, superGroupe_, numero_); });
 }
 
 Requete& Requete::chercherControleComplet() {
-  return suivre([&] { return bibliotheque.interface.lireSuperGroupeControleComplet(superGroupe_); });
+  return exigerAcces().suivre(
+      [&] { return bibliotheque.interface.lireSuperGroupeControleComplet(superGroupe_); });
 }
 
 }  // namespace noxlux

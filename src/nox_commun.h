@@ -3,6 +3,7 @@
 #ifndef NOXLUX_NOX_COMMUN_H
 #define NOXLUX_NOX_COMMUN_H
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -21,11 +22,14 @@ namespace noxlux {
 constexpr const char* VERSION_LOGICIELLE = "0113";
 constexpr const char* VERSION_REFERENCE_ATTENDUE = "0121";
 
-// The one state of the library.
+// The one state of the library. A request looks at it, and goes on with the store, under an access; loading
+// and unloading are writers like the others.
 struct Bibliotheque {
+  CompteursAcces acces;                      // here and not in the store, which comes and goes under them
   std::unique_ptr<Referentiel> referentiel;  // null while no reference is loaded
   Interface interface;                       // the zone descriptors
-  bool modification = false;  // whether something was changed or cancelled since the load or the last save
+  // Whether something was changed or cancelled since the load or the last save.
+  std::atomic<bool> modification = false;
 
   bool estChargee() const { return interface.estInitialise() && referentiel != nullptr && referentiel->ok(); }
   // Back to the unloaded state.
@@ -73,11 +77,14 @@ class SortieAppelant {
   unsigned int* taille_;
 };
 
-// A request on its way: its parameters once checked, and the code so far. Each step does nothing once the
-// code is not 0, and sets it when it fails.
+// A request on its way: its access to the library, its parameters once checked, and the code so far. Each
+// step does nothing once the code is not 0, and sets it when it fails. A request that found others at work
+// still checks its parameters; the first step that needs the reference is refused.
 class Requete {
  public:
-  Requete() : cr_(verifierReferentiel()) {}
+  explicit Requete(NatureAcces nature)
+      : acces_(bibliotheque.acces, nature),
+        cr_(acces_.estTenu() ? verifierReferentiel() : CodeRetour{NOX_CR_OK}) {}
   Requete(const Requete&) = delete;
   Requete& operator=(const Requete&) = delete;
 
@@ -95,6 +102,8 @@ class Requete {
   Requete& chercherFonction(Recherche recherche, const char* identifiant);
   Requete& chercherControleComplet();
 
+  // 0xDF01 when others are at work.
+  Requete& exigerAcces();
   // A step of the caller's own.
   template <class Etape>
   Requete& suivre(const Etape& etape) {
@@ -103,8 +112,7 @@ class Requete {
     }
     return *this;
   }
-  // Runs `action` on a query layer, or a modification layer, that holds its access; the access is given back
-  // however the action ends.
+  // Runs `action` on a query layer, or a modification layer.
   template <class Action>
   Requete& lire(const Action& action);
   template <class Action>
@@ -119,6 +127,7 @@ class Requete {
   std::uint16_t numero() const { return numero_; }
 
  private:
+  Acces acces_;
   CodeRetour cr_;
   Date date_;
   std::optional<Zone> zone_;
@@ -128,19 +137,17 @@ class Requete {
 
 template <class Action>
 Requete& Requete::lire(const Action& action) {
-  return suivre([&] {
+  return exigerAcces().suivre([&] {
     LectureDonnees lecture(bibliotheque.referentiel.get());
-    const AccesLecture acces(lecture);
-    return acces.code() != NOX_CR_OK ? acces.code() : action(lecture);
+    return action(lecture);
   });
 }
 
 template <class Action>
 Requete& Requete::ecrire(const Action& action) {
-  return suivre([&] {
+  return exigerAcces().suivre([&] {
     ModificationDonnees modification(bibliotheque.referentiel.get());
-    const AccesEcriture acces(modification);
-    return acces.code() != NOX_CR_OK ? acces.code() : action(modification);
+    return action(modification);
   });
 }
 

@@ -12,17 +12,22 @@ namespace {
 template <class Action>
 CodeRetour changer(Requete& requete, const Action& action) {
   requete.ecrire(action);
-  bibliotheque.modification = bibliotheque.modification || requete.ok();
+  if (requete.ok()) {
+    bibliotheque.modification = true;
+  }
   return requete.code();
 }
 
 // Writes the whole reference to the trace, for an identifier that asks for it.
-bool dumper(const Requete& requete, const char* identifiant) {
-  const bool demande = requete.ok() && Systeme::comparerIdentifiant(identifiant, "Dump") == 0;
-  if (demande) {
-    bibliotheque.referentiel->dump(TRACE_CONSULTATION);
+bool dumper(Requete& requete, const char* identifiant) {
+  if (!requete.ok() || Systeme::comparerIdentifiant(identifiant, "Dump") != 0) {
+    return false;
   }
-  return demande;
+  requete.exigerAcces().suivre([] {
+    bibliotheque.referentiel->dump(TRACE_CONSULTATION);
+    return CodeRetour{NOX_CR_OK};
+  });
+  return true;
 }
 
 }  // namespace
@@ -34,7 +39,7 @@ unsigned short NOX_ConsulterDonnee(const char* identifiant, const char* dateRefe
   const SortieAppelant sortie(zoneOut, tailleZoneOut);
   bool dump = false;
   const CodeRetour cr = proteger([&] {
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.verifierIdentifiant(identifiant).verifierDate(dateReference).verifierSortie(sortie);
     dump = dumper(requete, identifiant);
     if (dump) {
@@ -60,7 +65,7 @@ unsigned short NOX_ModifierDonnee(const char* identifiant, const char* dateEffet
   Trace::debutService("NOX_ModifierDonnee : identifiant = %s, dateEffet = %s", affichable(identifiant),
                       affichable(dateEffet));
   return rendreService(TRACE_MODIFICATION, [&] {
-    Requete requete;
+    Requete requete(NatureAcces::ECRITURE);
     requete.verifierIdentifiant(identifiant)
         .verifierDate(dateEffet)
         .verifierZoneIn(zoneIn, tailleZoneIn)
@@ -75,7 +80,7 @@ unsigned short NOX_ModifierDonnee(const char* identifiant, const char* dateEffet
 unsigned short NOX_AnnulerModification(const char* identifiant, void* zoneIn, unsigned int tailleZoneIn) {
   Trace::debutService("NOX_AnnulerModification : identifiant = %s", affichable(identifiant));
   return rendreService(TRACE_MODIFICATION, [&] {
-    Requete requete;
+    Requete requete(NatureAcces::ECRITURE);
     requete.verifierIdentifiant(identifiant)
         .chercherFonction(&Interface::lireSuperGroupeAnnuler, identifiant)
         .verifierZoneInEventuelle(zoneIn, tailleZoneIn);

@@ -42,7 +42,7 @@ CodeRetour Chargement::chargerReference(const FichierIni& fichierIni) {
     repertoireModification = repertoire;
   }
   try {
-    bibliotheque.referentiel = std::make_unique<Referentiel>();
+    bibliotheque.referentiel = std::make_unique<Referentiel>(&bibliotheque.acces);
   } catch (const std::bad_alloc&) {
     Trace::erreur(TRACE_CHARGEMENT, "Construction du référentiel impossible.");
     return NOX_CR_MEMOIRE;
@@ -78,11 +78,7 @@ CodeRetour Chargement::executer(const FichierIni& fichierIni) {
     return cr;
   }
   LectureDonnees lecture(bibliotheque.referentiel.get());
-  const AccesLecture acces(lecture);
-  cr = acces.code();
-  if (cr == NOX_CR_OK) {
-    cr = bibliotheque.interface.initialiser(lecture);
-  }
+  cr = bibliotheque.interface.initialiser(lecture);
   if (cr != NOX_CR_OK) {
     return cr;
   }
@@ -91,16 +87,26 @@ CodeRetour Chargement::executer(const FichierIni& fichierIni) {
   return crSuivi;
 }
 
+// Whether a reference is loaded, also while others read it.
+bool estDejaChargee() {
+  const Acces acces(bibliotheque.acces, NatureAcces::LECTURE);
+  return acces.estTenu() && bibliotheque.estChargee();
+}
+
 }  // namespace
 
 unsigned short NOX_InitLIB(void) {
   Trace::debutService("NOX_InitLIB");
   return rendreService(TRACE_CHARGEMENT, [] {
     FichierIni fichierIni;
-    if (bibliotheque.estChargee()) {
+    const Acces acces(bibliotheque.acces, NatureAcces::ECRITURE);
+    if (acces.estTenu() ? bibliotheque.estChargee() : estDejaChargee()) {
       Trace::erreur(TRACE_CHARGEMENT, "Référentiel déjà chargé.");
       initialiserTrace(fichierIni);
       return CodeRetour{NOX_CR_DEJA_CHARGE};
+    }
+    if (!acces.estTenu()) {
+      return acces.code();
     }
     const CodeRetour crIni = fichierIni.parserOrvanIni();
     initialiserTrace(fichierIni);
@@ -116,14 +122,11 @@ unsigned short NOX_InitLIB(void) {
 unsigned short NOX_TermLIB(void) {
   Trace::debutService("NOX_TermLIB");
   return rendreService(TRACE_CHARGEMENT, [] {
-    CodeRetour cr = verifierReferentiel();
-    if (cr == NOX_CR_OK) {
-      // Never given back: the store that counts the writers goes.
-      cr = ModificationDonnees(bibliotheque.referentiel.get()).verrouillerEcriture();
-    }
-    if (cr == NOX_CR_OK) {
+    Requete requete(NatureAcces::ECRITURE);
+    requete.exigerAcces().suivre([] {
       bibliotheque.vider();
-    }
-    return cr;
+      return CodeRetour{NOX_CR_OK};
+    });
+    return requete.code();
   });
 }

@@ -81,7 +81,7 @@ unsigned short NOX_RechercherParMotCle(const char* motCle, unsigned long cadreRe
   const SortieAppelant sortie(zoneOut, tailleZoneOut);
   return rendreService(TRACE_CONSULTATION, [&] {
     ListeCodes actes;
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.verifierIdentifiant(motCle).verifierSortie(sortie).lire(
         [&](LectureDonnees& lecture) { return rechercherMotCle(lecture, motCle, cadreRecherche, actes); });
     return remettreActes(requete, actes, sortie);
@@ -93,7 +93,7 @@ unsigned short NOX_RechercherParFiltre(const char* filtre, void** zoneOut, unsig
   const SortieAppelant sortie(zoneOut, tailleZoneOut);
   return rendreService(TRACE_CONSULTATION, [&] {
     ListeCodes actes(CAPACITE_ACTES);
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.suivre([&] { return verifierFiltre(filtre); })
         .verifierSortie(sortie)
         .lire([&](LectureDonnees& lecture) { return rechercherFiltre(lecture, filtre, actes); });

@@ -50,7 +50,7 @@ unsigned short NOX_ControlerDonnees(const char* identifiant, const char* dateRef
   Trace::debutService("NOX_ControlerDonnees : identifiant = %s, dateReference = %s", affichable(identifiant),
                       affichable(dateReference));
   return rendreService(TRACE_CONTROLE, [&] {
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.verifierIdentifiant(identifiant)
         .verifierDate(dateReference)
         .verifierZoneIn(zoneIn, tailleZoneIn)
@@ -75,7 +75,7 @@ unsigned short NOX_AppliquerRegle(const char* identifiant, void* zoneIn, unsigne
   const SortieAppelant sortie(zoneOut, tailleZoneOut);
   return rendreService(TRACE_CONTROLE, [&] {
     ZoneSortie reponse;
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.verifierIdentifiant(identifiant)
         .verifierZoneIn(zoneIn, tailleZoneIn)
         .verifierSortie(sortie)
@@ -99,7 +99,7 @@ unsigned short NOX_ControleComplet(void* zoneIn, unsigned int tailleZoneIn, void
   return rendreService(TRACE_CONTROLE, [&] {
     ZoneSortie reponse;
     unsigned short niveau = 0;
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.verifierZoneIn(zoneIn, tailleZoneIn)
         .verifierSortie(sortie)
         .chercherControleComplet()

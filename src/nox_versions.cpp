@@ -105,7 +105,7 @@ unsigned short NOX_LireVersion(void** zoneOut, unsigned int* tailleZoneOut) {
   const SortieAppelant sortie(zoneOut, tailleZoneOut);
   return rendreService(TRACE_SYSTEME, [&] {
     Versions versions;
-    Requete requete;
+    Requete requete(NatureAcces::LECTURE);
     requete.verifierSortie(sortie).lire(
         [&](LectureDonnees& lecture) { return lireVersions(lecture, versions); });
     CodeRetour cr = requete.code();
@@ -118,7 +118,7 @@ unsigned short NOX_SauvegarderReferentiel(const char* commentaire) {
   Trace::debutService("NOX_SauvegarderReferentiel : commentaire = %s", affichable(commentaire));
   bool rienASauver = false;
   const CodeRetour cr = proteger([&] {
-    Requete requete;
+    Requete requete(NatureAcces::ECRITURE);
     requete.suivre([&] { return verifierCommentaire(commentaire); })
         .ecrire([&](ModificationDonnees& modification) -> CodeRetour {
           const char* texte = commentaire == nullptr ? "" : commentaire;

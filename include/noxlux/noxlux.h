@@ -12,7 +12,11 @@
  *     NOX_LibererZoneMem; an answer without any group has a size of 0, and a block to give back all the same.
  *     On every failure *zoneOut is NULL and *tailleZoneOut is 0, except for the codes that are told to come
  *     with an answer.
- *   - The library is not thread-safe: one thread at a time, or a lock of the caller's around each call.
+ *   - Every function may be called from any thread. Those that ask (consult, control, apply, full check, search,
+ *     version) run side by side; those that change (load, unload, change, cancel, save) run alone. The library
+ *     creates no thread and never waits: a call that conflicts with one under way answers 0xDF01 at once, having
+ *     done nothing, and may be made again. 0xDF01 also answers the request that needs an act or a table which
+ *     another thread is reading from the file for the first time, and NOX_InitTrace while another sets a level.
  */
 #ifndef NOXLUX_NOXLUX_H
 #define NOXLUX_NOXLUX_H
@@ -136,7 +140,8 @@ enum NOX_CodeRetour {
 
 /*
  * Directory of orvan.ini, initially "/usr/local/orvan/etc". A host may point it at another text before
- * NOX_InitLIB; NULL means the current directory. Not copied: the text must stay valid.
+ * NOX_InitLIB; NULL means the current directory. Not copied: the text must stay valid, and neither it nor the
+ * variable may change while a thread is in NOX_InitLIB.
  */
 extern NOX_API const char* REPERTOIRE_SYSTEME;
 
@@ -148,7 +153,7 @@ extern NOX_API const char* REPERTOIRE_SYSTEME;
  * place, such requests answer 0xD640. Install a new reference by renaming it into place, then NOX_TermLIB and
  * NOX_InitLIB in each host.
  * Codes: 0; 0xD600 already loaded (nothing changes); 0xD680; 0xD610; 0xD611; 0xD620; 0xD621; 0xD630; 0xD631; 0xD640;
- * 0xD641; 0xD650; 0xD651; those of a saved change that cannot be made again: 0xD002, 0xD003, 0xD004, 0xD008;
+ * 0xD641; 0xD650; 0xD651; 0xDF01; those of a saved change that cannot be made again: 0xD002, 0xD003, 0xD004, 0xD008;
  * 0xDFFC; 0xDFFE; 0xDFFF; and 0xF6F1, 0xF6F2, which leave the library loaded and usable.
  */
 NOX_API unsigned short NOX_InitLIB(void);
@@ -254,7 +259,7 @@ NOX_API unsigned short NOX_LireVersion(void** zoneOut, unsigned int* tailleZoneO
  *   nomFichier, modeOuverture  file and "w" or "a"; looked at only when the file is not open yet
  *   module  0 to 9
  *   niveau  0 silent, 1 start and end lines to depth 8, 2 all of them, 3 and above details
- * Codes: 0; 0xD200 module above 9; 0xD201 file not opened; 0xF802 name or mode refused.
+ * Codes: 0; 0xD200 module above 9; 0xD201 file not opened; 0xDF01; 0xF802 name or mode refused.
  */
 NOX_API unsigned short NOX_InitTrace(const char* nomFichier, const char* modeOuverture, unsigned short module,
                                      unsigned char niveau);

@@ -56,6 +56,12 @@ consteval Categorie categorieAttendue(const char*& p) {
 }
 
 consteval bool formatCorrect(const char* p, const Categorie* arguments, std::size_t nombre) {
+  // Lines end where the writer of the trace ends them.
+  for (const char* c = p; *c != '\0'; ++c) {
+    if (*c == '\n' || *c == '\r') {
+      return false;
+    }
+  }
   std::size_t i = 0;
   const auto prendre = [&](Categorie attendue) {
     return attendue != Categorie::Autre && i < nombre && arguments[i++] == attendue;
@@ -90,7 +96,7 @@ class FormatVerifie {
   consteval FormatVerifie(const char* texte) : texte_(texte) {
     const detail::Categorie categories[] = {detail::categorie<A>()..., detail::Categorie::Autre};
     if (!detail::formatCorrect(texte, categories, sizeof...(A))) {
-      throw "the printf format does not agree with its arguments";
+      throw "the printf format holds a line break, or does not agree with its arguments";
     }
   }
   const char* texte() const { return texte_; }

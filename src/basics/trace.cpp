@@ -1,6 +1,10 @@
 #include "basics/trace.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cstdarg>
 #include <cstring>
@@ -9,22 +13,73 @@
 #include <string_view>
 
 #include "basics/fichier_ini.h"
+#include "basics/morceau_trace.h"
 
 namespace noxlux {
 
-std::FILE* Trace::fichier = nullptr;
-int Trace::indentation = 0;
-std::array<unsigned char, TRACE_NB_MODULES> Trace::niveaux{};
+std::atomic<bool> Trace::ouverte = false;
+std::array<std::atomic<unsigned char>, TRACE_NB_MODULES> Trace::niveaux{};
 
 namespace {
 
 // Depth beyond which level 1 writes no start line; end lines are one deeper.
 constexpr int PROFONDEUR_MAX = 7;
 
+// The nesting depth of this thread.
+thread_local int indentation = 0;
+
+// Where the trace goes. Once opened, the number stays the trace's own: closing and opening again put another
+// file behind it, so that a thread on its way to write never writes into a file of the host.
+std::atomic<int> descripteur = -1;
+
+// Puts a file behind the number of the trace. False when it cannot be opened.
+bool placer(const char* nomFichier, int ouverture) {
+  constexpr mode_t DROITS = 0666;
+  const int ouvert = open(nomFichier, ouverture | O_WRONLY | O_CLOEXEC, DROITS);
+  if (ouvert < 0) {
+    return false;
+  }
+  const int place = descripteur.load(std::memory_order_relaxed);
+  if (place < 0) {
+    descripteur.store(ouvert, std::memory_order_release);
+    return true;
+  }
+  const bool remplace = dup3(ouvert, place, O_CLOEXEC) >= 0;
+  close(ouvert);
+  return remplace;
+}
+
+void envoyer(const MorceauTrace& morceau) {
+  const int raison = errno;  // a trace leaves no trace in what it tells about
+  std::string_view reste = morceau.texte();
+  while (!reste.empty()) {
+    const ssize_t ecrits = write(descripteur.load(std::memory_order_acquire), reste.data(), reste.size());
+    if (ecrits < 0 && errno == EINTR) {
+      continue;
+    }
+    if (ecrits <= 0) {
+      break;  // faults of the trace are nobody's business
+    }
+    reste.remove_prefix(static_cast<std::size_t>(ecrits));
+  }
+  errno = raison;
+}
+
+void ouvrirBloc(MorceauTrace& morceau) {
+  morceau.indenter(indentation);
+  morceau.ajouter("{ ");
+  ++indentation;
+}
+
+void fermerBloc(MorceauTrace& morceau) {
+  --indentation;
+  morceau.indenter(indentation);
+  morceau.ajouter("}\n");
+}
+
 }  // namespace
 
 CodeRetour Trace::ouvrir(const char* nomFichier, const char* mode) {
-  exiger(fichier == nullptr, "fichier == __null");
   if (nomFichier == nullptr || *nomFichier == '\0' || mode == nullptr) {
     return NOX_CR_PARAMETRE_ENTREE;
   }
@@ -33,120 +88,123 @@ CodeRetour Trace::ouvrir(const char* nomFichier, const char* mode) {
   if (!ecrasement && demande != "a" && demande != "ab") {
     return NOX_CR_PARAMETRE_ENTREE;
   }
-  fichier = std::fopen(nomFichier, ecrasement ? "we" : "ae");
-  if (fichier == nullptr) {
+  // Appending in both modes: what several threads or processes write follows what the others wrote.
+  if (!placer(nomFichier, O_CREAT | O_APPEND | (ecrasement ? O_TRUNC : 0))) {
     return NOX_CR_FICHIER_TRACE;
   }
-  std::fputs("### DEBUT TRACE ###", fichier);
-  finLigne();
+  MorceauTrace morceau;
+  morceau.ajouter("### DEBUT TRACE ###\n");
+  envoyer(morceau);
+  ouverte = true;
   return NOX_CR_OK;
 }
 
 void Trace::fermer() {
-  std::fputs("### FIN TRACE ###\n\n", fichier);
-  std::fclose(fichier);
-  fichier = nullptr;
+  ouverte = false;
+  MorceauTrace morceau;
+  morceau.ajouter("### FIN TRACE ###\n\n");
+  envoyer(morceau);
+  placer("/dev/null", 0);
 }
 
 CodeRetour Trace::activer(const char* nomFichier, const char* mode, unsigned short module,
                           unsigned char niveau) {
   exiger(module < TRACE_NB_MODULES, "module < TRACE_NB_MODULES");
-  niveaux[module] = niveau;
-  if (niveau != 0) {
-    if (fichier != nullptr) {
-      return NOX_CR_OK;
-    }
+  static std::atomic<bool> enReglage = false;
+  if (enReglage.exchange(true, std::memory_order_acquire)) {
+    return NOX_CR_OCCUPE;
+  }
+  const CodeRetour cr = regler(nomFichier, mode, module, niveau);
+  enReglage.store(false, std::memory_order_release);
+  return cr;
+}
+
+CodeRetour Trace::regler(const char* nomFichier, const char* mode, unsigned short module,
+                         unsigned char niveau) {
+  if (niveau != 0 && !ouverte) {
     const CodeRetour cr = ouvrir(nomFichier, mode);
     if (cr != NOX_CR_OK) {
-      niveaux[module] = 0;
+      return cr;
     }
-    return cr;
   }
-  if (fichier != nullptr &&
-      std::all_of(niveaux.begin(), niveaux.end(), [](unsigned char n) { return n == 0; })) {
+  niveaux[module] = niveau;
+  if (ouverte && std::all_of(niveaux.begin(), niveaux.end(), [](const auto& n) { return n == 0; })) {
     fermer();
   }
   return NOX_CR_OK;
 }
 
-void Trace::debutLigne() {
-  exiger(fichier != nullptr, "fichier != __null");
-  for (int i = 0; i < indentation; ++i) {
-    std::fputs("  ", fichier);
-  }
-}
-
-void Trace::finLigne() {
-  std::fputc('\n', fichier);
-  std::fflush(fichier);
-}
-
-void Trace::debutFonction() {
-  debutLigne();
-  std::fputs("{ ", fichier);
-  ++indentation;
-}
-
-void Trace::finFonction() {
-  exiger(indentation > 0, "indentation > 0");
-  finLigne();
-  --indentation;
-  debutLigne();
-  std::fputc('}', fichier);
-  finLigne();
-}
-
 void Trace::ecrireDebutService(const char* format, ...) {
+  // A service starts at the margin, whatever a change of levels under way left open in this thread.
+  indentation = 0;
   const std::time_t maintenant = std::time(nullptr);
   char heure[32] = "";
   std::tm local{};
   if (localtime_r(&maintenant, &local) != nullptr) {
     std::strftime(heure, sizeof heure, "%a %b %e %H:%M:%S %Y ", &local);
   }
-  std::fprintf(fichier, "\n%s[%ld]\n", heure, static_cast<long>(std::clock()));
+  MorceauTrace morceau;
+  morceau.ajouter("\n");
+  morceau.ajouter(heure);
+  char ticks[24];
+  std::snprintf(ticks, sizeof ticks, "[%ld]\n", static_cast<long>(std::clock()));
+  morceau.ajouter(ticks);
   std::va_list arguments;
   va_start(arguments, format);
-  std::vfprintf(fichier, format, arguments);
+  morceau.formater(format, arguments);
   va_end(arguments);
-  finLigne();
+  morceau.ajouter("\n");
+  envoyer(morceau);
 }
 
 void Trace::ecrireDebut(unsigned short module, const char* format, ...) {
-  if (niveaux[module] == 1 && indentation > PROFONDEUR_MAX) {
+  if (niveau(module) == 1 && indentation > PROFONDEUR_MAX) {
     ++indentation;
     return;
   }
-  debutFonction();
+  MorceauTrace morceau;
+  ouvrirBloc(morceau);
   std::va_list arguments;
   va_start(arguments, format);
-  std::vfprintf(fichier, format, arguments);
+  morceau.formater(format, arguments);
   va_end(arguments);
-  finLigne();
+  morceau.ajouter("\n");
+  envoyer(morceau);
 }
 
+// A block whose start was not written, because the level has changed since, has no end either.
 void Trace::ecrireFin(unsigned short module, const char* format, ...) {
-  if (niveaux[module] == 1 && indentation > PROFONDEUR_MAX + 1) {
+  if (indentation == 0) {
+    return;
+  }
+  if (niveau(module) == 1 && indentation > PROFONDEUR_MAX + 1) {
     --indentation;
     return;
   }
-  debutLigne();
+  MorceauTrace morceau;
+  morceau.indenter(indentation);
   std::va_list arguments;
   va_start(arguments, format);
-  std::vfprintf(fichier, format, arguments);
+  morceau.formater(format, arguments);
   va_end(arguments);
-  finFonction();
+  morceau.ajouter("\n");
+  fermerBloc(morceau);
+  envoyer(morceau);
 }
 
 void Trace::ecrireDebutFin(unsigned short module, const char* format, ...) {
-  if (niveaux[module] == 1 && indentation > PROFONDEUR_MAX) {
+  if (niveau(module) == 1 && indentation > PROFONDEUR_MAX) {
     return;
   }
-  debutFonction();
+  MorceauTrace morceau;
+  ouvrirBloc(morceau);
   std::va_list arguments;
   va_start(arguments, format);
-  std::vfprintf(fichier, format, arguments);
+  morceau.formater(format, arguments);
   va_end(arguments);
-  finFonction();
+  morceau.ajouter("\n");
+  fermerBloc(morceau);
+  envoyer(morceau);
 }
 
 const char* Trace::prefixeErreur(const char* texte) {
@@ -154,13 +212,15 @@ const char* Trace::prefixeErreur(const char* texte) {
 }
 
 void Trace::ecrireLigne(const char* prefixe, const char* format, ...) {
-  debutLigne();
-  std::fputs(prefixe, fichier);
+  MorceauTrace morceau;
+  morceau.indenter(indentation);
+  morceau.ajouter(prefixe);
   std::va_list arguments;
   va_start(arguments, format);
-  std::vfprintf(fichier, format, arguments);
+  morceau.formater(format, arguments);
   va_end(arguments);
-  finLigne();
+  morceau.ajouter("\n");
+  envoyer(morceau);
 }
 
 namespace {
@@ -216,11 +276,10 @@ void activerModules(const char* nomFichier, const char* mode, std::string_view m
 }  // namespace
 
 void initialiserTrace(const FichierIni& fichierIni) {
-  static bool dejaVu = false;
-  if (dejaVu) {
+  static std::atomic<bool> dejaVu = false;
+  if (dejaVu.exchange(true)) {
     return;
   }
-  dejaVu = true;
   Trace::ecrire(TRACE_SYSTEME, "{ initialiserTrace");
   const char* nomFichier = fichierIni.lireValeur("NOX", "FichierTrace");
   const char* mode = fichierIni.lireValeur("NOX", "ModeTrace");

@@ -1,9 +1,11 @@
-// The library's one diagnostic log: a text file shared by the whole process, filtered by module.
+// The library's one diagnostic log: a text file shared by the whole process, filtered by module. Several
+// threads may write to it: each has its own nesting depth, and each piece is written at once, so that lines
+// stay whole.
 #ifndef NOXLUX_BASICS_TRACE_H
 #define NOXLUX_BASICS_TRACE_H
 
 #include <array>
-#include <cstdio>
+#include <atomic>
 
 #include "basics/assertion.h"
 #include "basics/codes_retour.h"
@@ -33,20 +35,21 @@ class Trace {
  public:
   Trace() = delete;
 
-  // Sets a module's level; opens the file at the first level set, closes it with the last one.
+  // Sets a module's level; opens the file at the first level set, closes it with the last one. 0xDF01 while
+  // another thread sets a level.
   static CodeRetour activer(const char* nomFichier, const char* mode, unsigned short module,
                             unsigned char niveau);
 
   static unsigned char niveau(unsigned short module) {
     exiger(module < TRACE_NB_MODULES, "module < TRACE_NB_MODULES");
-    return niveaux[module];
+    return niveaux[module].load(std::memory_order_relaxed);
   }
   static bool estDetaille(unsigned short module) { return niveau(module) >= NIVEAU_DETAIL; }
 
   // The service-start block of an exported function: written whenever the file is open.
   template <class... A>
   static void debutService(FormatVerifie<std::type_identity_t<A>...> format, A... arguments) {
-    if (fichier != nullptr) {
+    if (ouverte.load(std::memory_order_relaxed)) {
       ecrireDebutService(format.texte(), arguments...);
     }
   }
@@ -92,13 +95,10 @@ class Trace {
  private:
   static constexpr unsigned char NIVEAU_DETAIL = 3;
 
+  static CodeRetour regler(const char* nomFichier, const char* mode, unsigned short module,
+                           unsigned char niveau);
   static CodeRetour ouvrir(const char* nomFichier, const char* mode);
   static void fermer();
-
-  static void debutFonction();
-  static void finFonction();
-  static void debutLigne();
-  static void finLigne();
 
   static const char* prefixeErreur(const char* texte);
   static void ecrireDebutService(const char* format, ...);
@@ -107,9 +107,8 @@ class Trace {
   static void ecrireDebutFin(unsigned short module, const char* format, ...);
   static void ecrireLigne(const char* prefixe, const char* format, ...);
 
-  static std::FILE* fichier;
-  static int indentation;
-  static std::array<unsigned char, TRACE_NB_MODULES> niveaux;
+  static std::atomic<bool> ouverte;
+  static std::array<std::atomic<unsigned char>, TRACE_NB_MODULES> niveaux;
 };
 
 // The block of a function that ends with its return code: the end line is written when the block is left,

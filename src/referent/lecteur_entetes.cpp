@@ -154,7 +154,7 @@ class LectureEntete {
     if (!lireSeparateur() || !exigerLecture(lecteur_.lireDateEntete(entete.dateModification), modele_.date)) {
       return false;
     }
-    Trace::ecrire(TRACE_CHARGEMENT, "Date : %s", Date(entete.dateModification).lireValeur());
+    Trace::ecrire(TRACE_CHARGEMENT, "Date : %s", Date(entete.dateModification).lireValeur().c_str());
     return true;
   }
   bool lireVersionMinimale(EnteteReferentiel& entete) {

@@ -4,24 +4,6 @@
 
 namespace noxlux {
 
-CodeRetour LectureDonnees::verrouillerLecture() {
-  if (referentiel_ == nullptr) {
-    return refuser(NOX_CR_NON_CHARGE, "Référentiel non chargé en mémoire");
-  }
-  if (referentiel_->compteurEcriture != 0) {
-    Trace::erreur(TRACE_CONSULTATION, "Référentiel en cours de modification (%d écrivain)",
-                  referentiel_->compteurEcriture);
-    return NOX_CR_OCCUPE;
-  }
-  ++referentiel_->compteurLecture;
-  return NOX_CR_OK;
-}
-
-void LectureDonnees::libererAcces() {
-  exiger(donnees().compteurLecture > 0, "referentiel->compteurLecture>0");
-  --referentiel_->compteurLecture;
-}
-
 void LectureDonnees::activerVerificationModification(bool activer) {
   verification_ = activer;
   compteurModifications_ = 0;
@@ -77,25 +59,28 @@ CodeRetour LectureDonnees::chercherActeDansIndex(const Code& acte, std::uint32_t
   return NOX_CR_OK;
 }
 
+// Loads the act of a place seen empty. Whoever finds the place marked is refused.
 CodeRetour LectureDonnees::chargerActe(std::uint32_t rang) {
   const Index& ligne = donnees().lignes<Index>()[rang];
   CaseActe& place = referentiel_->actes[rang];
   const std::string code(ligne.acte.entier());
-  if (place.enChargement) {
+  if (!place.reserver()) {
+    if (place.acte() != nullptr) {
+      return NOX_CR_OK;  // loaded by another in between
+    }
     Trace::erreur(TRACE_CONSULTATION, "Acte %s en cours de chargement par un autre thread", code.c_str());
     return NOX_CR_OCCUPE;
   }
+  // However the load ends, the place holds the act, or is empty again.
+  struct Depot {
+    CaseActe& place;
+    std::unique_ptr<NiveauActe> acte;
+    ~Depot() { place.remplir(std::move(acte)); }
+  } depot{place, nullptr};
   auto nouveau = std::make_unique<NiveauActe>();
-  struct Marque {
-    explicit Marque(bool& drapeau) : enChargement(drapeau) { enChargement = true; }
-    ~Marque() { enChargement = false; }
-    Marque(const Marque&) = delete;
-    Marque& operator=(const Marque&) = delete;
-    bool& enChargement;
-  } marque(place.enChargement);
   const CodeRetour cr = referentiel_->chargerActe(ligne.position, *nouveau, code.c_str());
   if (cr == NOX_CR_OK) {
-    place.acte = std::move(nouveau);
+    depot.acte = std::move(nouveau);
   }
   return cr;
 }
@@ -108,11 +93,13 @@ CodeRetour LectureDonnees::chercherActe(const Code& acte, NiveauActe*& niveau) {
   }
   exiger(rang < referentiel_->actes.size(), "rang < actes.size()");
   const CaseActe& place = referentiel_->actes[rang];
-  if (place.acte == nullptr) [[unlikely]] {
+  NiveauActe* charge = place.acte();
+  if (charge == nullptr) [[unlikely]] {
     cr = chargerActe(rang);
+    charge = place.acte();
   }
   if (cr == NOX_CR_OK) {
-    niveau = place.acte.get();
+    niveau = charge;
   }
   return cr;
 }

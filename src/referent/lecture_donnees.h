@@ -24,14 +24,9 @@ namespace noxlux {
 
 class LectureDonnees {
  public:
-  // `referentiel` is not owned; null stands for a store that is not loaded.
+  // `referentiel` is not owned. REQUIRES: an access to it is held while questions are asked.
   explicit LectureDonnees(Referentiel* referentiel) : referentiel_(referentiel) {}
   virtual ~LectureDonnees() = default;
-
-  // Opens a read access: 0xDF00 no store, 0xDF01 a writer is at work.
-  CodeRetour verrouillerLecture();
-  // Closes it. REQUIRES: referentiel->compteurLecture>0
-  void libererAcces();
 
   // Starts or stops counting the values read that a local modification covers; the count goes back to 0.
   void activerVerificationModification(bool activer);
@@ -276,24 +271,6 @@ class LectureDonnees {
   // The last act found, and its rank: queries on one act come in a row.
   std::string dernierActe_;
   std::optional<std::uint32_t> dernierRang_;
-};
-
-// A read access held for the length of a scope.
-class AccesLecture {
- public:
-  explicit AccesLecture(LectureDonnees& lecture) : lecture_(lecture), cr_(lecture.verrouillerLecture()) {}
-  ~AccesLecture() {
-    if (cr_ == NOX_CR_OK) {
-      lecture_.libererAcces();
-    }
-  }
-  AccesLecture(const AccesLecture&) = delete;
-  AccesLecture& operator=(const AccesLecture&) = delete;
-  CodeRetour code() const { return cr_; }
-
- private:
-  LectureDonnees& lecture_;
-  CodeRetour cr_;
 };
 
 }  // namespace noxlux

@@ -1,4 +1,4 @@
-// Write access, and the changes of act values.
+// Changes of the header and of act values.
 #include "referent/modification_donnees.h"
 
 #include <tuple>
@@ -7,25 +7,6 @@
 #include "referent/changement.h"
 
 namespace noxlux {
-
-CodeRetour ModificationDonnees::verrouillerEcriture() {
-  if (referentiel_ == nullptr) {
-    return refuserChangement(NOX_CR_NON_CHARGE, "Référentiel non chargé en mémoire");
-  }
-  if (referentiel_->compteurLecture != 0 || referentiel_->compteurEcriture != 0) {
-    Trace::erreur(TRACE_MODIFICATION,
-                  "Référentiel en cours de lecture ou de modification (%d lecteurs, %d écrivain)",
-                  referentiel_->compteurLecture, referentiel_->compteurEcriture);
-    return NOX_CR_OCCUPE;
-  }
-  referentiel_->compteurEcriture = 1;
-  return NOX_CR_OK;
-}
-
-void ModificationDonnees::libererAcces() {
-  exiger(donnees().compteurEcriture > 0, "referentiel->compteurEcriture>0");
-  --referentiel_->compteurEcriture;
-}
 
 CodeRetour ModificationDonnees::modifierCommentaireReferentiel(const Texte& commentaire) {
   donnees().entete.commentaire = std::string(commentaire.vue());
@@ -188,7 +169,7 @@ CodeRetour ModificationDonnees::annulerValeurActe(const char* methode, const Cod
     }
     std::uint32_t rang = 0;
     if (chercherActeDansIndex(acte, rang) == NOX_CR_OK) {
-      donnees().actes[rang].acte.reset();
+      donnees().actes[rang].vider();
     }
     return cr;
   };

@@ -17,11 +17,6 @@ class ModificationDonnees final : public LectureDonnees {
  public:
   explicit ModificationDonnees(Referentiel* referentiel) : LectureDonnees(referentiel) {}
 
-  // Takes the store for writing: 0xDF00 no store, 0xDF01 a reader or a writer is at work.
-  CodeRetour verrouillerEcriture();
-  // Gives it back. REQUIRES: referentiel->compteurEcriture>0
-  void libererAcces();
-
   // Changes from an effect date on. `enregistrer` is false when a saved change is applied again. With
   // `niveau`, the level is the one to change; without, it is found by its key. 0xD004: effect date before the
   // newest history, or outside its validity.
@@ -94,25 +89,6 @@ class ModificationDonnees final : public LectureDonnees {
                                         bool enregistrer);
   template <class F>
   CodeRetour modifierDonneesReductionNonConventionnes(const Date& dateEffet, F&& changer, bool enregistrer);
-};
-
-// A write access held for the length of a scope.
-class AccesEcriture {
- public:
-  explicit AccesEcriture(ModificationDonnees& modification)
-      : modification_(modification), cr_(modification.verrouillerEcriture()) {}
-  ~AccesEcriture() {
-    if (cr_ == NOX_CR_OK) {
-      modification_.libererAcces();
-    }
-  }
-  AccesEcriture(const AccesEcriture&) = delete;
-  AccesEcriture& operator=(const AccesEcriture&) = delete;
-  CodeRetour code() const { return cr_; }
-
- private:
-  ModificationDonnees& modification_;
-  CodeRetour cr_;
 };
 
 }  // namespace noxlux

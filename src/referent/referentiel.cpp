@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
@@ -15,7 +16,8 @@
 
 namespace noxlux {
 
-Referentiel::Referentiel() {
+Referentiel::Referentiel(CompteursAcces* compteurs)
+    : acces(compteurs == nullptr ? accesPropre_ : *compteurs) {
   Trace::ecrire(TRACE_CHARGEMENT, "Referentiel::Referentiel : construction du referentiel");
 }
 
@@ -395,28 +397,36 @@ CodeRetour Referentiel::appliquerModifications() {
   return NOX_CR_OK;
 }
 
-CodeRetour Referentiel::assurerTable(unsigned short identifiant) {
-  return table(identifiant).etatTable() == ETAT_NON_CHARGEE ? chargerTable(identifiant)
-                                                            : CodeRetour{NOX_CR_OK};
-}
-
+// One deferred table at a time: the check that follows looks at the others.
 CodeRetour Referentiel::chargerTable(unsigned short identifiant) {
-  Table& cible = table(identifiant);
   CodeRetour cr = NOX_CR_OK;
   BlocTrace bloc(TRACE_CHARGEMENT, cr, "Referentiel::chargerTable : Chargement d'une table");
   bloc.terminerPar("Referentiel::chargerTable : retour = 0x%04X");
-  const std::uint32_t nombreLignes = cible.lireNombreLignes();
-  const std::int32_t position = cible.lirePosition();
+  if (tableEnChargement_.exchange(true, std::memory_order_acquire)) {
+    Trace::erreur(TRACE_CHARGEMENT, "Table en cours de chargement par un autre thread");
+    cr = NOX_CR_OCCUPE;
+    return cr;
+  }
+  struct Reservation {
+    std::atomic<bool>& reserve;
+    ~Reservation() { reserve.store(false, std::memory_order_release); }
+  } const reservation{tableEnChargement_};
+  Table& cible = table(identifiant);
+  // Another may have loaded it in between.
+  cr = cible.etatTable() == ETAT_CHARGEE ? CodeRetour{NOX_CR_OK} : chargerTableReservee(cible);
+  return cr;
+}
+
+CodeRetour Referentiel::chargerTableReservee(Table& cible) {
   const std::string nom = nomCompletFichier(repertoire, NOM_FICHIER_REFERENCE);
   FichierOuvert fichier(nom);
   if (!fichier.estOuvert()) {
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR : Probleme d'ouverture du fichier %s: %s", nom.c_str(),
                   std::strerror(errno));
-    cr = NOX_CR_OUVERTURE_REFERENCE;
-    return cr;
+    return NOX_CR_OUVERTURE_REFERENCE;
   }
   Lecteur lecteur(this, fichier.lire());
-  cr = exigerReferenceChargee(lecteur, nom);
+  CodeRetour cr = exigerReferenceChargee(lecteur, nom);
   if (cr == NOX_CR_OK) {
     cr = cible.chargerTable(this, fichier.lire());
   }
@@ -424,8 +434,10 @@ CodeRetour Referentiel::chargerTable(unsigned short identifiant) {
     cr = controlerTables();
   }
   cr = fermer(fichier, cr, NOX_CR_OUVERTURE_REFERENCE);
-  if (cr != NOX_CR_OK) {
-    cible.dechargerTable(nombreLignes, position);
+  if (cr == NOX_CR_OK) {
+    cible.publier();
+  } else {
+    cible.dechargerTable();
   }
   return cr;
 }
@@ -471,7 +483,8 @@ CodeRetour Referentiel::appliquerModificationsActe(NiveauActe& acte, const char*
 void Referentiel::dump(unsigned short module) const {
   Trace::ecrire(module, "-------------------------------");
   Trace::ecrire(module, "DUMP DES DONNEES DU REFERENTIEL");
-  Trace::ecrire(module, "-------------------------------\n");
+  Trace::ecrire(module, "-------------------------------");
+  Trace::ecrire(module, "");
   Trace::ecrire(module, "Version du Referentiel  : \"%.4s\"", entete.version.entier().data());
   Trace::ecrire(module, "Version de la Base CCAM : \"%.5s\"", entete.versionBaseCCAM.entier().data());
   Trace::ecrire(module, "Date de derniere modification : %02u/%02u/%04u", entete.dateModification.jour,
@@ -481,8 +494,9 @@ void Referentiel::dump(unsigned short module) const {
   Trace::ecrire(module, "Numero de revision : %u", entete.numeroRevision);
   Trace::ecrire(module, "Variante du référentiel : \"%.10s\"", entete.variante.entier().data());
   Trace::ecrire(module, "Commentaire : %s", entete.commentaire.c_str());
-  Trace::ecrire(module, "Compteur lecture  : %u", compteurLecture);
-  Trace::ecrire(module, "Compteur ecriture : %u", compteurEcriture);
+  // The request that asks for the dump is no reader of the data.
+  Trace::ecrire(module, "Compteur lecture  : %u", std::max(acces.lecteurs(), 1U) - 1);
+  Trace::ecrire(module, "Compteur ecriture : %u", acces.ecrivains());
   Trace::ecrire(module, "Repertoire : %s", repertoire.c_str());
   Trace::ecrire(module, "");
   Trace::ecrire(module, "Nombre de tables en memoire : %u", nombreTables);
@@ -505,7 +519,8 @@ void Referentiel::dumpActes(unsigned short module) const {
   Trace::ecrire(module, "*********************");
   bool aucun = true;
   for (unsigned i = 0; i < actes.size(); ++i) {
-    if (actes[i].acte == nullptr) {
+    const NiveauActe* acte = actes[i].acte();
+    if (acte == nullptr) {
       continue;
     }
     aucun = false;
@@ -513,7 +528,7 @@ void Referentiel::dumpActes(unsigned short module) const {
     Trace::ecrire(module, "-----------------");
     Trace::ecrire(module, "ACTE D'INDICE %u:", i);
     Trace::ecrire(module, "-----------------");
-    actes[i].acte->dump(module);
+    acte->dump(module);
   }
   if (aucun) {
     Trace::ecrire(module, "Aucune donnee de type acte en memoire");

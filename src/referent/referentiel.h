@@ -3,6 +3,7 @@
 #define NOXLUX_REFERENT_REFERENTIEL_H
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "basics/codes_retour.h"
+#include "referent/acces.h"
 #include "referent/empreinte.h"
 #include "tables/niveaux_acte.h"
 #include "tables/table.h"
@@ -42,17 +44,47 @@ struct EnteteReferentiel {
   std::string commentaire;
 };
 
-// The place of a loaded act beside its index line.
-struct CaseActe {
-  std::unique_ptr<NiveauActe> acte;
-  bool enChargement = false;  // a load is under way: a second request is refused
-  bool estVide() const { return acte == nullptr && !enChargement; }
+// The place of a loaded act beside its index line: empty, marked while a reader loads the act, or full. A
+// full place stays so as long as anybody reads; only a writer empties it.
+class CaseActe {
+ public:
+  CaseActe() = default;
+  explicit CaseActe(std::unique_ptr<NiveauActe> acte) : contenu_(acte.release()) {}
+  CaseActe(CaseActe&& autre) noexcept : contenu_(autre.contenu_.exchange(nullptr)) {}
+  CaseActe& operator=(CaseActe&&) = delete;
+  ~CaseActe() { vider(); }
+
+  // Null while the act is not loaded.
+  NiveauActe* acte() const noexcept {
+    NiveauActe* contenu = contenu_.load(std::memory_order_acquire);
+    return contenu == marque() ? nullptr : contenu;
+  }
+  bool estVide() const noexcept { return contenu_.load(std::memory_order_relaxed) == nullptr; }
+  // Marks an empty place. False when it is not empty.
+  bool reserver() noexcept {
+    NiveauActe* vide = nullptr;
+    return contenu_.compare_exchange_strong(vide, marque(), std::memory_order_relaxed);
+  }
+  // Takes the mark off. REQUIRES: reserver() answered true
+  void remplir(std::unique_ptr<NiveauActe> acte) noexcept {
+    contenu_.store(acte.release(), std::memory_order_release);
+  }
+  // REQUIRES: nobody else uses the place
+  void vider() noexcept {
+    delete acte();
+    contenu_.store(nullptr, std::memory_order_relaxed);
+  }
+
+ private:
+  static NiveauActe* marque() noexcept { return reinterpret_cast<NiveauActe*>(~std::uintptr_t{0}); }
+  std::atomic<NiveauActe*> contenu_{nullptr};
 };
 
 class Referentiel {
  public:
-  Referentiel();
-  virtual ~Referentiel();
+  // `acces` counts who is at work on the store, and outlives it; without, the store counts by itself.
+  explicit Referentiel(CompteursAcces* acces = nullptr);
+  ~Referentiel();
   Referentiel(const Referentiel&) = delete;
   Referentiel& operator=(const Referentiel&) = delete;
 
@@ -61,9 +93,12 @@ class Referentiel {
   CodeRetour chargerReferentiel(const char* pcRepertoire, const char* pcRepertoireModification,
                                 const char* pcVersionLogicielle, const char* pcVersionMinimale);
   // Loads a deferred table (30, 31 or 58) and checks the whole store again; a failure leaves it not loaded.
+  // 0xDF01 while another is being loaded.
   CodeRetour chargerTable(unsigned short identifiant);
   // Loads a deferred table if it is not loaded yet.
-  CodeRetour assurerTable(unsigned short identifiant);
+  CodeRetour assurerTable(unsigned short identifiant) {
+    return table(identifiant).etatTable() == ETAT_CHARGEE ? CodeRetour{NOX_CR_OK} : chargerTable(identifiant);
+  }
   // Reads one act record, then applies the saved modifications to it.
   CodeRetour chargerActe(std::uint32_t positionActe, NiveauActe& acte, const char* code);
   CodeRetour sauvegarderModifications();
@@ -99,12 +134,11 @@ class Referentiel {
 
   EnteteReferentiel entete;
   std::uint16_t nombreTables = 0;
-  std::uint16_t compteurLecture = 0;   // readers in progress
-  std::uint16_t compteurEcriture = 0;  // writers in progress: 0 or 1
   std::array<std::unique_ptr<Table>, NOMBRE_TABLES> tables;
   std::vector<CaseActe> actes;  // one per line of the index
   std::string repertoire;
   std::string repertoireModification;
+  CompteursAcces& acces;
 
  private:
   CodeRetour chargerFichierReference(const char* versionLogicielle, const char* versionMinimale);
@@ -123,6 +157,7 @@ class Referentiel {
   CodeRetour appliquerModificationsActe(NiveauActe& acte, const char* code);
   void dumpActes(unsigned short module) const;
   CodeRetour controlerTables() const;
+  CodeRetour chargerTableReservee(Table& cible);
   void signalerRestes(bool modification) const;
   CodeRetour lireModifications(std::FILE* fichier, const std::string& nom);
   CodeRetour ecrireModifications(RotationModifications& rotation);
@@ -133,6 +168,8 @@ class Referentiel {
   std::string debutReference_;
   // modifref.nox as this process read or wrote it last; none when there was none.
   std::optional<Empreinte> versionConnue_;
+  CompteursAcces accesPropre_;
+  std::atomic<bool> tableEnChargement_{false};
 };
 
 }  // namespace noxlux

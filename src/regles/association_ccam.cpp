@@ -94,7 +94,7 @@ void AssociationCCAM::dump() const {
     return;
   }
   const BlocParticulier bloc(FinMuette{}, "Association n° %d::dump", numero.lireValeur());
-  Trace::ecrire(TRACE_CONTROLE, "date            = %s", date->lireValeur());
+  Trace::ecrire(TRACE_CONTROLE, "date            = %s", date->lireValeur().c_str());
   Trace::ecrire(TRACE_CONTROLE, "activite        = %s", activite->lireTexte());
   Trace::ecrire(TRACE_CONTROLE, "numeroPS        = %s", numeroPS->lireTexte());
   tracer("actePlusFort    = %s", actePlusFort);

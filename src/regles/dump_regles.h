@@ -24,7 +24,7 @@ inline void tracer(FormatVerifie<const char*> format, const std::optional<Code>&
 
 inline void tracer(FormatVerifie<const char*> format, const std::optional<Date>& date) {
   if (date.has_value() && Trace::estDetaille(TRACE_CONTROLE)) {
-    Trace::ecrire<const char*>(TRACE_CONTROLE, format, date->lireValeur());
+    Trace::ecrire<const char*>(TRACE_CONTROLE, format, date->lireValeur().c_str());
   }
 }
 

@@ -135,7 +135,7 @@ CodeRetour Reglementation::appliquerCDent(const Code& acte, const Code& activite
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCDent");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "acte = %s, activite = %s, phase = %s, date = %s", acte.lireTexte(),
-                  activite.lireTexte(), phase.lireTexte(), date.lireValeur());
+                  activite.lireTexte(), phase.lireTexte(), date.lireValeur().c_str());
   }
   resultats.reinitialiser();
   ListeCodes incompatibles;

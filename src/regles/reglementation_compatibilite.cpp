@@ -25,7 +25,7 @@ void tracerPaire(const Code& acte1, const Code& activite1, const Code& numeroPS1
                   "acte1 = %s, activite1 = %s, numeroPS1 = %s, acte2 = %s, activite2 = %s, numeroPS2 = %s, "
                   "date = %s",
                   acte1.lireTexte(), activite1.lireTexte(), numeroPS1.lireTexte(), acte2.lireTexte(),
-                  activite2.lireTexte(), numeroPS2.lireTexte(), date.lireValeur());
+                  activite2.lireTexte(), numeroPS2.lireTexte(), date.lireValeur().c_str());
   }
 }
 

@@ -4,13 +4,6 @@
 
 namespace noxlux {
 
-namespace {
-
-// A date kept beside another one in a trace line.
-std::string texteDate(const Date& date) { return date.lireValeur(); }
-
-}  // namespace
-
 bool Reglementation::aUnAge(const Date& dateNaissance, const Date& date) {
   return dateNaissance.estRenseigne() && date >= dateNaissance;
 }
@@ -21,7 +14,7 @@ CodeRetour Reglementation::appliquerCAge1(const Date& dateNaissance, const Code&
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCAge1");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "dateNaissance = %s, modificateur = %s, date = %s",
-                  texteDate(dateNaissance).c_str(), modificateur.lireTexte(), date.lireValeur());
+                  dateNaissance.lireValeur().c_str(), modificateur.lireTexte(), date.lireValeur().c_str());
   }
   const bool connu = aUnAge(dateNaissance, date);
   bool respecte = false;
@@ -41,8 +34,8 @@ CodeRetour Reglementation::appliquerCAge2(const Date& dateNaissance, const Code&
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCAge2");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "dateNaissance = %s, acte = %s, activite = %s, phase = %s, date = %s",
-                  texteDate(dateNaissance).c_str(), acte.lireTexte(), activite.lireTexte(), phase.lireTexte(),
-                  date.lireValeur());
+                  dateNaissance.lireValeur().c_str(), acte.lireTexte(), activite.lireTexte(),
+                  phase.lireTexte(), date.lireValeur().c_str());
   }
   const bool connu = aUnAge(dateNaissance, date);
   const Periode age = connu ? date - dateNaissance : Periode();
@@ -65,7 +58,7 @@ CodeRetour Reglementation::appliquerCAssurance(const Code& natureAssurance, cons
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCAssurance");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "natureAssurance = %s, acte = %s, date = %s", natureAssurance.lireTexte(),
-                  acte.lireTexte(), date.lireValeur());
+                  acte.lireTexte(), date.lireValeur().c_str());
   }
   bool admise = false;
   cr = verifierNatureAssurance(natureAssurance, acte, admise);
@@ -81,7 +74,7 @@ CodeRetour Reglementation::appliquerCCcam(const Code& specialite, const Code& pr
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCCcam");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "specialite = %s, prestation = %s, date = %s", specialite.lireTexte(),
-                  prestation.lireTexte(), date.lireValeur());
+                  prestation.lireTexte(), date.lireValeur().c_str());
   }
   bool obligatoire = false;
   cr = verifierObligationCodage(specialite, prestation, date, obligatoire);
@@ -97,7 +90,7 @@ CodeRetour Reglementation::appliquerCExecutant(const Code& specialite, const Cod
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCExecutant");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "specialite = %s, acte = %s, activite = %s, date = %s",
-                  specialite.lireTexte(), acte.lireTexte(), activite.lireTexte(), date.lireValeur());
+                  specialite.lireTexte(), acte.lireTexte(), activite.lireTexte(), date.lireValeur().c_str());
   }
   bool admis = false;
   cr = verifierExecutant(specialite, acte, activite, date, admis);
@@ -113,7 +106,8 @@ CodeRetour Reglementation::appliquerCRadio(const Code& agrementRadio, const Code
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Reglementation::appliquerCRadio");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "agrementRadio = %s, acte = %s, activite = %s, date = %s",
-                  agrementRadio.lireTexte(), acte.lireTexte(), activite.lireTexte(), date.lireValeur());
+                  agrementRadio.lireTexte(), acte.lireTexte(), activite.lireTexte(),
+                  date.lireValeur().c_str());
   }
   ListeCodes requis;
   cr = lecture().rechercherAgrementsRadio(acte, activite, requis);

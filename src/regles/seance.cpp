@@ -42,7 +42,7 @@ void Seance::dump() const {
     return;
   }
   const BlocParticulier bloc(FinMuette{}, "Seance n° %d::dump", numero.lireValeur());
-  Trace::ecrire(TRACE_CONTROLE, "date         = %s", date->lireValeur());
+  Trace::ecrire(TRACE_CONTROLE, "date         = %s", date->lireValeur().c_str());
   Trace::ecrire(TRACE_CONTROLE, "topDebrayage = %s", vraiFaux(topDebrayage));
   for (std::size_t i = 0; i < lignes.size(); ++i) {
     Trace::ecrire(TRACE_CONTROLE, "acte[%d] = %s (ligne = %d)", static_cast<int>(i),

@@ -54,7 +54,7 @@ CodeRetour Tarification::appliquerCExoPrevention(const Code& acte, bool preventi
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Tarification::appliquerCExoPrevention");
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE, "acte = %s, prevention = %d, date = %s", acte.lireTexte(),
-                  static_cast<int>(prevention), date.lireValeur());
+                  static_cast<int>(prevention), date.lireValeur().c_str());
   }
   ListeCodes codesPrevention;
   ListeCodes codesActe;
@@ -84,8 +84,8 @@ CodeRetour Tarification::appliquerCExoActe(const Code& caissePS, const Code& act
   if (Trace::estDetaille(TRACE_CONTROLE)) {
     Trace::ecrire(TRACE_CONTROLE,
                   "caissePS = %s, acte = %s, date = %s, baseHorsForfait = %.2fE, motifExoneration = %s",
-                  caissePS.lireTexte(), acte.lireTexte(), date.lireValeur(), baseHorsForfait.lireValeur(),
-                  motifExoneration.lireTexte());
+                  caissePS.lireTexte(), acte.lireTexte(), date.lireValeur().c_str(),
+                  baseHorsForfait.lireValeur(), motifExoneration.lireTexte());
   }
   LigneCCAM ligne;
   ligne.acte = acte;

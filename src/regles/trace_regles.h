@@ -14,7 +14,7 @@ namespace noxlux {
 
 inline void tracerDate(FormatVerifie<const char*> format, const Date& date) {
   if (Trace::estDetaille(TRACE_CONTROLE)) [[unlikely]] {
-    Trace::ecrire(TRACE_CONTROLE, format, date.lireValeur());
+    Trace::ecrire(TRACE_CONTROLE, format, date.lireValeur().c_str());
   }
 }
 
@@ -24,14 +24,14 @@ inline void tracerAge(FormatVerifie<unsigned short, unsigned short> format, cons
 
 inline void tracerActe(const Code& acte, const Date& date) {
   if (Trace::estDetaille(TRACE_CONTROLE)) [[unlikely]] {
-    Trace::ecrire(TRACE_CONTROLE, "acte = %s, date = %s", acte.lireTexte(), date.lireValeur());
+    Trace::ecrire(TRACE_CONTROLE, "acte = %s, date = %s", acte.lireTexte(), date.lireValeur().c_str());
   }
 }
 
 inline void tracerActivite(const Code& acte, const Code& activite, const Date& date) {
   if (Trace::estDetaille(TRACE_CONTROLE)) [[unlikely]] {
     Trace::ecrire(TRACE_CONTROLE, "acte = %s, activite = %s, date = %s", acte.lireTexte(),
-                  activite.lireTexte(), date.lireValeur());
+                  activite.lireTexte(), date.lireValeur().c_str());
   }
 }
 

@@ -123,8 +123,6 @@ CodeRetour Table::chargerTable(Referentiel* referentiel, std::FILE* fichier) {
   exiger(etat_ == ETAT_NON_CHARGEE, "etat == ETAT_NON_CHARGEE");
   Trace::ecrire(TRACE_CHARGEMENT, "Table::chargerTable: identifiant = %hu",
                 static_cast<unsigned short>(numero_));
-  const std::uint32_t nombre = nombreAnnonce_;
-  const std::int32_t position = position_;
   CodeRetour cr = NOX_CR_OK;
   try {
     cr = chargerLignes(referentiel, fichier);
@@ -132,11 +130,10 @@ CodeRetour Table::chargerTable(Referentiel* referentiel, std::FILE* fichier) {
     cr = NOX_CR_MEMOIRE;
   }
   if (cr != NOX_CR_OK) {
-    dechargerTable(nombre, position);
-  } else {
-    position_ = 0;
+    dechargerTable();
   }
-  Trace::ecrire(TRACE_CHARGEMENT, "Table::chargerTable: cr = 0x%04X, etat = %d", cr, static_cast<int>(etat_));
+  Trace::ecrire(TRACE_CHARGEMENT, "Table::chargerTable: cr = 0x%04X, etat = %d", cr,
+                int{cr == NOX_CR_OK ? ETAT_CHARGEE : ETAT_NON_CHARGEE});
   return cr;
 }
 
@@ -155,17 +152,15 @@ CodeRetour Table::chargerLignes(Referentiel* referentiel, std::FILE* fichier) {
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR : la table n'est plus telle que son entete l'annoncait");
     return NOX_CR_LECTURE_REFERENCE;
   }
-  etat_ = ETAT_CHARGEE;
+  etat_ = ETAT_EN_CHARGEMENT;
   creerLignesTable(nombreAnnonce_);
   return etat_ == ETAT_ERREUR_ALLOCATION ? static_cast<CodeRetour>(NOX_CR_MEMOIRE)
                                          : lireDonnees(lecteur, taille);
 }
 
-void Table::dechargerTable(std::uint32_t nombreLignes, std::int32_t position) {
-  etat_ = ETAT_NON_CHARGEE;
+void Table::dechargerTable() {
   lignes_->vider();
-  nombreAnnonce_ = nombreLignes;
-  position_ = position;
+  etat_ = ETAT_NON_CHARGEE;
 }
 
 bool Table::controlerLignes(const Referentiel& referentiel) const {
@@ -182,7 +177,7 @@ void Table::dump(unsigned short module) const {
   Trace::ecrire(module, "Identifiant : \"%.3s\"", static_cast<const char*>(identifiant_));
   Trace::ecrire(module, "Nombre de lignes  : %lu", static_cast<unsigned long>(lireNombreLignes()));
   Trace::ecrire(module, "");
-  const std::uint32_t nombre = lignes_->nombre();
+  const std::uint32_t nombre = etatTable() == ETAT_CHARGEE ? lignes_->nombre() : 0;
   for (std::uint32_t i = 0; i < nombre; ++i) {
     Trace::ecrire(module, "LIGNE D'INDICE %lu", static_cast<unsigned long>(i));
     lignes_->dump(i, module);

@@ -2,6 +2,7 @@
 #ifndef NOXLUX_TABLES_TABLE_H
 #define NOXLUX_TABLES_TABLE_H
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -23,7 +24,8 @@ enum EtatTable : unsigned char {
   ETAT_CHARGEE = 0,
   ETAT_NON_CHARGEE = 1,        // deferred: number of lines and position kept, no lines
   ETAT_ERREUR_ALLOCATION = 2,  // lines not created: the table is to be discarded
-  ETAT_INCONNUE = 3            // identifier not expected in this file
+  ETAT_INCONNUE = 3,           // identifier not expected in this file
+  ETAT_EN_CHARGEMENT = 4       // deferred, its lines being read: not yet for others
 };
 
 // The lines of a table, whatever their class.
@@ -61,12 +63,12 @@ class Table {
   Table(const Table&) = delete;
   Table& operator=(const Table&) = delete;
 
-  EtatTable etatTable() const { return etat_; }
+  EtatTable etatTable() const { return etat_.load(std::memory_order_acquire); }
   unsigned lireNumero() const { return numero_; }
   const char* lireIdentifiant() const { return identifiant_; }
   // Also for a deferred table: the lines it will have.
   std::uint32_t lireNombreLignes() const {
-    return etat_ == ETAT_NON_CHARGEE ? nombreAnnonce_ : lignes_->nombre();
+    return etatTable() == ETAT_CHARGEE ? lignes_->nombre() : nombreAnnonce_;
   }
   std::int32_t lirePosition() const { return position_; }
 
@@ -81,10 +83,12 @@ class Table {
   // The same, for lines that must take just that size: what follows is read from there.
   CodeRetour lireDonnees(Lecteur& lecteur, std::uint32_t taille);
   CodeRetour ecrireTable(Ecrivain& ecrivain) const;
-  // Loads a deferred table from the open tablebin.nox; a failure leaves it as it was. REQUIRES: not loaded.
+  // Loads a deferred table from the open tablebin.nox; a failure leaves it as it was. Others see it loaded
+  // once it is published. REQUIRES: not loaded, nobody else loads it
   CodeRetour chargerTable(Referentiel* referentiel, std::FILE* fichier);
-  // Puts a deferred table back to not loaded.
-  void dechargerTable(std::uint32_t nombreLignes, std::int32_t position);
+  void publier() { etat_.store(ETAT_CHARGEE, std::memory_order_release); }
+  // Puts it back to not loaded instead.
+  void dechargerTable();
   bool controlerLignes(const Referentiel& referentiel) const;
   void dump(unsigned short module) const;
 
@@ -99,9 +103,9 @@ class Table {
 
   char identifiant_[4] = {};
   unsigned numero_ = 0;
-  EtatTable etat_ = ETAT_CHARGEE;
-  std::uint32_t nombreAnnonce_ = 0;  // while not loaded
-  std::int32_t position_ = 0;        // while not loaded
+  std::atomic<EtatTable> etat_ = ETAT_CHARGEE;
+  std::uint32_t nombreAnnonce_ = 0;  // of a deferred table
+  std::int32_t position_ = 0;        // of a deferred table
   std::unique_ptr<LignesTable> lignes_;
 };
 

@@ -119,15 +119,15 @@ bool Date::estValide(const byte* champ, std::size_t longueur) {
   return extraire(champ, longueur).estValide();
 }
 
-const char* Date::lireValeur() const {
-  static char texte[16];
+std::string Date::lireValeur() const {
+  char texte[16];
   std::snprintf(texte, sizeof texte, "%02u/%02u/%04u", brute_.jour, brute_.mois, brute_.annee);
   return texte;
 }
 
 Date Date::ramener() const { return estRenseigne() ? Date(normaliser(brute_)) : Date(); }
 
-void Date::afficher(std::FILE* sortie) const { std::fputs(lireValeur(), sortie); }
+void Date::afficher(std::FILE* sortie) const { std::fputs(lireValeur().c_str(), sortie); }
 
 void Date::dump(unsigned short module) const {
   Trace::ecrire(module, "  date = %02u/%02u/%04u", brute_.jour, brute_.mois, brute_.annee);

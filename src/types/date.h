@@ -79,8 +79,8 @@ class Date final : public TypeSimple {
   // Whether the bytes give a day of the calendar.
   static bool estValide(const byte* champ, std::size_t longueur);
 
-  // "%02u/%02u/%04u", in one buffer that the next call overwrites.
-  const char* lireValeur() const;
+  // "%02u/%02u/%04u"
+  std::string lireValeur() const;
   const DateBrute& lireBrute() const { return brute_; }
   // The day of the calendar that the date stands for: the nearest in its month for a day that the month
   // lacks, 1 January of its year for a month that no year has.

@@ -317,7 +317,8 @@ TEST_F(Chargement, dump) {
   EXPECT_TRUE(
       ecoute.contient("\n*********************\nDONNEES DE TYPE ACTE:\n*********************\n"
                       "Aucune donnee de type acte en memoire\n\nFIN DUMP\n"));
-  referentiel_->actes[1].acte = std::make_unique<NiveauActe>(reference_.actes[1]);
+  ASSERT_TRUE(referentiel_->actes[1].reserver());
+  referentiel_->actes[1].remplir(std::make_unique<NiveauActe>(reference_.actes[1]));
   referentiel_->dump(2);
   EXPECT_TRUE(
       ecoute.contient("\n\n-----------------\nACTE D'INDICE 1:\n-----------------\nCode structure : \"ZZQX"));

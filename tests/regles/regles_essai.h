@@ -114,12 +114,12 @@ class ReglesEssai : public ::testing::Test, protected MagasinEssai {
 
   NiveauActe& acte(const char* code) {
     for (CaseActe& place : referentiel.actes) {
-      if (place.acte->codeStructure == CodeActe(code)) {
-        return *place.acte;
+      if (place.acte()->codeStructure == CodeActe(code)) {
+        return *place.acte();
       }
     }
     ADD_FAILURE() << "acte " << code << " absent";
-    return *referentiel.actes.front().acte;
+    return *referentiel.actes.front().acte();
   }
   NiveauActivite& activite(const char* code) { return acte(code).activites.front(); }
   NiveauPhase& phase(const char* code) { return activite(code).phases.front(); }
@@ -186,7 +186,7 @@ class ReglesEssai : public ::testing::Test, protected MagasinEssai {
       phase_.codePhase = '0';
       phase_.historiques = {{jour(20050301), 100.0, 12.0, {1.5, 1.25, 1.1, 1.2}}};
       referentiel.lignes<Index>().push_back({CodeActe(code), 0});
-      referentiel.actes.push_back({std::move(pose), false});
+      referentiel.actes.emplace_back(std::move(pose));
     }
     activite("AAAA001").historiques[0].associations =
         compacte<Association>({{CodeActe("BBBB001"), '2'}, {CodeActe("ZZZZ001"), '1'}});

@@ -38,7 +38,7 @@ TEST(Date, extraitLesFormesAdmises) {
   EXPECT_FALSE(Date(std::string_view("2024x229")).estRenseigne());
   EXPECT_EQ(Date(2024, 2, 9).lireBytes(), "202402090000");
   EXPECT_EQ(Date().lireBytes(), "");
-  EXPECT_STREQ(Date(2024, 2, 9).lireValeur(), "09/02/2024");
+  EXPECT_EQ(Date(2024, 2, 9).lireValeur(), "09/02/2024");
 }
 
 TEST(Date, reculeDUnNombreDeJours) {
