@@ -18,7 +18,7 @@
  * it, which live as long as it does.
  *   - Erreur, thrown for every code that is not an answer, with the code, its name and what it means in
  * French. Memory: a request takes one block for its bytes, an answer none beside the library's own. As the
- * library itself: one Reference a process, one thread at a time.
+ * library itself: one Reference a process, threads as the C header tells.
  */
 #ifndef NOXLUX_NOXLUX_HPP
 #define NOXLUX_NOXLUX_HPP

@@ -136,8 +136,17 @@ class VerificationNomenclature {
     }
   }
 
+  // Act records count in 16 bits.
+  void verifierNombre(Lieu lieu, std::size_t nombre, const char* nom) {
+    if (nombre > ListeCompacte<char>::MAX_VALEURS) {
+      refuser(lieu, nom, " : ", std::to_string(nombre), " éléments dans la liste, plus de ",
+              std::to_string(ListeCompacte<char>::MAX_VALEURS));
+    }
+  }
+
   template <class T>
   void verifierSansDoublon(Lieu lieu, const std::vector<T>& codes, const char* nom) {
+    verifierNombre(lieu, codes.size(), nom);
     std::set<T> vus;
     for (const T& code : codes) {
       if (!vus.insert(code).second) {
@@ -211,6 +220,8 @@ class VerificationNomenclature {
   // Histories of an act, an activity or a phase.
   template <class E>
   void verifierEffets(const std::vector<E>& historiques) {
+    verifierNombre(historiques.empty() ? Lieu{} : historiques.front().lieu, historiques.size(),
+                   "l'historique");
     std::set<DateBrute> effets;
     for (const E& historique : historiques) {
       if (!effets.insert(historique.effet).second) {
@@ -301,6 +312,7 @@ class VerificationNomenclature {
     }
     verifierConnus(lieu, historique.modificateurs, modificateurs_, "le modificateur");
     verifierConnus(lieu, historique.classesSpecialite, classes_, "la classe de spécialité");
+    verifierNombre(lieu, historique.associations.size(), "l'acte associé");
     std::set<CodeActe> associes;
     for (const AssociationActe& association : historique.associations) {
       if (!associes.insert(association.acte).second) {

@@ -14,7 +14,6 @@ namespace noxlux {
 class Groupe {
  public:
   Groupe(std::uint16_t identifiant, std::uint16_t maxChamps);
-  virtual ~Groupe() = default;
   Groupe(const Groupe&) = delete;
   Groupe& operator=(const Groupe&) = delete;
 

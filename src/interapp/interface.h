@@ -19,7 +19,7 @@ class LectureDonnees;
 class Interface {
  public:
   Interface() = default;
-  virtual ~Interface();
+  ~Interface();
   Interface(const Interface&) = delete;
   Interface& operator=(const Interface&) = delete;
 

@@ -34,13 +34,6 @@ inline CodeRetour refuserChangement(CodeRetour cr, FormatVerifie<> message) {
 inline constexpr FormatVerifie<> MEMOIRE_HISTORIQUE =
     "probleme d'allocation memoire lors de la creation du nouvel historique";
 
-// Room for one more element: adding it cannot fail afterwards.
-template <class T>
-void reserverElement(std::vector<T>& elements) {
-  static_assert(std::is_nothrow_move_constructible_v<T> && std::is_nothrow_move_assignable_v<T>);
-  elements.reserve(elements.size() + 1);
-}
-
 // Room for one more line in the table that records a change, when it is to be recorded.
 template <class M>
 CodeRetour reserverModification(std::vector<M>* modifications) {

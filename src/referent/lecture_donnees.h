@@ -26,7 +26,6 @@ class LectureDonnees {
  public:
   // `referentiel` is not owned. REQUIRES: an access to it is held while questions are asked.
   explicit LectureDonnees(Referentiel* referentiel) : referentiel_(referentiel) {}
-  virtual ~LectureDonnees() = default;
 
   // Starts or stops counting the values read that a local modification covers; the count goes back to 0.
   void activerVerificationModification(bool activer);

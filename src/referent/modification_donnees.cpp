@@ -41,11 +41,11 @@ CodeRetour ajouterHistorique(ChaineHistoriques<H>& chaine, const Date& dateEffet
     return refuserChangement(NOX_CR_MEMOIRE, "chaine d'historiques pleine");
   }
   try {
-    reserverElement(chaine);
+    chaine.reserverRecent();
     H nouveau = chaine.front();
     nouveau.dateEffet = dateEffet.lireBrute();
     changer(nouveau);
-    chaine.insert(chaine.begin(), std::move(nouveau));
+    chaine.ajouterRecent(std::move(nouveau));
   } catch (const std::bad_alloc&) {
     return refuserChangement(NOX_CR_MEMOIRE, MEMOIRE_HISTORIQUE);
   }

@@ -106,10 +106,10 @@ CodeRetour lireChamp(const ListeNiveau<N, T>& liste, N& niveau, Lecteur& lecteur
 }
 
 // Reads as many records as the file announces. The vector takes just the room they need.
-template <class S>
-CodeRetour lireNiveaux(std::vector<S>& niveaux, const std::optional<RefusNiveau>& absents, Lecteur& lecteur) {
+template <class V>
+CodeRetour lireNiveaux(V& niveaux, const std::optional<RefusNiveau>& absents, Lecteur& lecteur) {
   std::uint16_t nombre = 0;
-  CodeRetour cr = lireNombre(lecteur, tailleMinimaleNiveau<S>(), nombre);
+  CodeRetour cr = lireNombre(lecteur, tailleMinimaleNiveau<typename V::value_type>(), nombre);
   if (cr == NOX_CR_OK && nombre == 0 && absents) {
     cr = refuser(*absents, lecteur.positionChamp());
   }

@@ -3,7 +3,11 @@
 #define NOXLUX_TABLES_NIVEAUX_ACTE_H
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <iterator>
+#include <utility>
 #include <vector>
 
 #include "basics/codes_retour.h"
@@ -65,9 +69,41 @@ struct HistoriqueNiveauPhase {
   void dump(unsigned short module) const;
 };
 
-// The histories of a level, newest first.
+// The histories of a level, newest first. They lie in memory the other way round: a newer one is added
+// without moving those there, however many they are.
 template <class H>
-using ChaineHistoriques = std::vector<H>;
+class ChaineHistoriques {
+ public:
+  using value_type = H;
+
+  ChaineHistoriques() = default;
+  ChaineHistoriques(std::initializer_list<H> historiques)
+      : duPlusAncien_(std::rbegin(historiques), std::rend(historiques)) {}
+
+  auto begin() { return duPlusAncien_.rbegin(); }
+  auto end() { return duPlusAncien_.rend(); }
+  auto begin() const { return duPlusAncien_.rbegin(); }
+  auto end() const { return duPlusAncien_.rend(); }
+  H& operator[](std::size_t i) { return *(begin() + static_cast<std::ptrdiff_t>(i)); }
+  const H& operator[](std::size_t i) const { return *(begin() + static_cast<std::ptrdiff_t>(i)); }
+  const H& front() const { return duPlusAncien_.back(); }
+  std::size_t size() const { return duPlusAncien_.size(); }
+  bool empty() const { return duPlusAncien_.empty(); }
+  void clear() { duPlusAncien_.clear(); }
+  // Histories to be filled in. REQUIRES: empty
+  void resize(std::size_t n) { duPlusAncien_.resize(n); }
+  // An older one than those there.
+  H& emplace_back(H&& historique = {}) {
+    return *duPlusAncien_.insert(duPlusAncien_.begin(), std::move(historique));
+  }
+  void push_back(H historique) { emplace_back(std::move(historique)); }
+  // A newer one, in room taken beforehand.
+  void reserverRecent() { reserverElement(duPlusAncien_); }
+  void ajouterRecent(H&& historique) noexcept { duPlusAncien_.push_back(std::move(historique)); }
+
+ private:
+  std::vector<H> duPlusAncien_;
+};
 
 // In each level, what every look-up goes through comes first: it fits in one cache line.
 struct NiveauPhase {

@@ -13,6 +13,7 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "basics/assertion.h"
 #include "types/date.h"
@@ -108,12 +109,24 @@ struct Plage {
 template <unsigned CIBLE>
 using PlageLongue = Plage<CIBLE, std::uint32_t>;
 
+// Room for one more element: adding it cannot fail afterwards. It grows by halves, so that many additions
+// cost little more than their number.
+template <class T>
+void reserverElement(std::vector<T>& elements) {
+  static_assert(std::is_nothrow_move_constructible_v<T> && std::is_nothrow_move_assignable_v<T>);
+  if (elements.size() == elements.capacity()) {
+    elements.reserve(elements.size() + elements.size() / 2 + 1);
+  }
+}
+
 // A short owned list of plain values, 16 bytes wide: up to 14 bytes of values need no further block.
 template <class T>
 class ListeCompacte {
   static_assert(std::is_trivially_copyable_v<T>);
 
  public:
+  static constexpr std::size_t MAX_VALEURS = 65535;
+
   ListeCompacte() = default;
   explicit ListeCompacte(std::span<const T> valeurs) { affecter(valeurs); }
   ListeCompacte(const ListeCompacte& autre) { affecter(autre.vue()); }
@@ -135,6 +148,7 @@ class ListeCompacte {
 
   // REQUIRES: valeurs.size() <= 65535
   void affecter(std::span<const T> valeurs) {
+    exiger(valeurs.size() <= MAX_VALEURS, "valeurs.size() <= MAX_VALEURS");
     const std::span<T> places = redimensionner(static_cast<std::uint16_t>(valeurs.size()));
     if (!valeurs.empty()) {
       std::memcpy(places.data(), valeurs.data(), valeurs.size_bytes());

@@ -34,7 +34,8 @@ class TypeListe : public TypeComplexe {
         elements_(new T[capacite_]) {
     std::copy(autre.begin(), autre.end(), elements_.get());
   }
-  TypeListe(TypeListe&& autre) : TypeListe() { echanger(autre); }
+  // What is left behind is empty, without room.
+  TypeListe(TypeListe&& autre) noexcept : capacite_(0), reserve_(0), nombreElements_(0) { echanger(autre); }
   TypeListe& operator=(const TypeListe& autre) {
     TypeListe copie(autre);
     echanger(copie);
@@ -44,7 +45,6 @@ class TypeListe : public TypeComplexe {
     echanger(autre);
     return *this;
   }
-  virtual ~TypeListe() = default;
 
   T& operator[](unsigned short position) {
     exiger(position < nombreElements_, "position < nombreElements");
@@ -98,7 +98,7 @@ class TypeListe : public TypeComplexe {
     Trace::fin(module, "");
   }
   bool estRenseigne() const override { return !estVide(); }
-  bool ok() const override { return elements_ != nullptr && nombreElements_ <= reserve_; }
+  bool ok() const override { return (elements_ != nullptr || reserve_ == 0) && nombreElements_ <= reserve_; }
 
  private:
   void echanger(TypeListe& autre) noexcept {
@@ -109,7 +109,7 @@ class TypeListe : public TypeComplexe {
   }
 
   CodeRetour agrandir() {
-    const unsigned voulue = static_cast<unsigned>(capacite_) * 2;
+    const unsigned voulue = capacite_ == 0 ? CAPACITE_INITIALE : static_cast<unsigned>(capacite_) * 2;
     const unsigned nouvelle = std::min(voulue, 65535U);
     std::unique_ptr<T[]> agrandis;
     if (nouvelle > nombreElements_) {
@@ -119,7 +119,7 @@ class TypeListe : public TypeComplexe {
       }
     }
     if (agrandis == nullptr) {
-      Trace::erreur(1, "ERREUR: allocation d'un tableau de %u éléments impossible", voulue);
+      Trace::erreur(TRACE_CONSULTATION, "ERREUR: allocation d'un tableau de %u éléments impossible", voulue);
       // The capacity told after a failure is the doubled one less 5; the room really there is reserve_.
       capacite_ = static_cast<unsigned short>(voulue - CAPACITE_INITIALE);
       return NOX_CR_MEMOIRE;

@@ -170,6 +170,19 @@ TEST(Fautes, DuSocle) {
   }
 }
 
+TEST(Fautes, DUneListeQuUnActeNePeutTenir) {
+  Modele modele;
+  Rapport rapport;
+  Bilan bilan;
+  const Repertoire sortie;
+  lireTexteToml(NOMENCLATURE, "essai.toml", modele, rapport);
+  modele.actes.at(0).historiques.at(0).incompatibles.resize(65540);
+  EXPECT_FALSE(compiler(modele, sortie.chemin().string(), SANS_AVANCEMENT, rapport, bilan));
+  const auto fautes = rapport.lignes();
+  EXPECT_TRUE(
+      std::ranges::any_of(fautes, [](const auto& f) { return f.find("65540 ") != std::string::npos; }));
+}
+
 TEST(Fautes, SontToutesDitesEnUneFois) {
   std::string texte = remplacer(NOMENCLATURE, "prix = 48", "prix = \"48\"");
   texte = remplacer(texte, "revision = 7", "revision = -7");

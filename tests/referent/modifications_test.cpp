@@ -1,5 +1,7 @@
 // Changes of values whose lines stand in tables that others share, their cancellation, and their
 // re-application: what a change leaves alone, and states given back exactly.
+#include <ctime>
+
 #include "magasin_essai.h"
 #include "referent/fabrique_reference.h"
 #include "referent/modification_donnees.h"
@@ -79,7 +81,7 @@ class Modifications : public testing::Test, protected MagasinEssai {
     nouveau->activites.push_back(std::move(activite));
     NiveauActe& pose = *nouveau;
     referentiel.lignes<Index>().push_back({CodeActe(code), 0});
-    referentiel.actes.push_back({std::move(nouveau), false});
+    referentiel.actes.emplace_back(std::move(nouveau));
     return pose;
   }
 
@@ -181,6 +183,25 @@ TEST_F(Modifications, LignesCommunesADeuxCodes) {
     EXPECT_EQ(modification.annulerModificationsCoefficientAssociationNonPrevue(Code("2")),
               modifie ? NOX_CR_OK : NOX_CR_NON_MODIFIE);
   }
+}
+
+TEST_F(Modifications, BeaucoupDeChangementsDUnePhase) {
+  // The processor time of n changes of a phase, and of their re-application to the act read again.
+  const auto duree = [this](unsigned n, const char* code) {
+    NiveauActe& change = poserActe(code);
+    NiveauActe relu = change;
+    const std::clock_t debut = std::clock();
+    for (unsigned i = 0; i < n; ++i) {
+      EXPECT_EQ(modification.modifierPrixUnitaire(Code(code), UN, ZERO, date(20220101), Montant(i)),
+                NOX_CR_OK);
+    }
+    EXPECT_EQ(modification.appliquerModificationsHistoriquePhase(Code(code), relu), NOX_CR_OK);
+    EXPECT_EQ(relu.activites[0].phases[0].historiques.size(), n + 3);
+    EXPECT_EQ(change.activites[0].phases[0].historiques[0].prixUnitaire, n - 1);
+    return static_cast<double>(std::clock() - debut);
+  };
+  const double simple = duree(8000, "JAAA001");
+  EXPECT_LT(duree(64000, "JAAA002"), simple * 24) << "eight times the changes, eight times the time";
 }
 
 TEST_F(Modifications, TablePleine) {
