@@ -45,6 +45,19 @@ std::vector<std::string> BilanImport::lignes(const Rapport& rapport, bool verbeu
   };
   decrire(ajustes_, "ajustés, ");
   decrire(ecartes_, "écartés, ");
+  decrire(avis_, "à savoir, ");
+  resultat.insert(resultat.end(), phrases_.begin(), phrases_.end());
+  constexpr std::array<const char*, NOMBRE_ORIGINES> ORIGINES = {" importés", " du complément", " par défaut",
+                                                                 " absents"};
+  for (const auto& [sujet, nombres] : fondements_) {
+    std::string detail;
+    for (std::size_t i = 0; i < ORIGINES.size(); ++i) {
+      if (nombres[i] != 0) {
+        detail += phrase(detail.empty() ? "" : ", ", std::to_string(nombres[i]), ORIGINES[i]);
+      }
+    }
+    resultat.push_back(phrase("fondement, ", sujet, " : ", detail));
+  }
   return resultat;
 }
 

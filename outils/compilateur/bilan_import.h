@@ -2,6 +2,7 @@
 #ifndef NOXLUX_COMPILATEUR_BILAN_IMPORT_H
 #define NOXLUX_COMPILATEUR_BILAN_IMPORT_H
 
+#include <array>
 #include <cstddef>
 #include <map>
 #include <string>
@@ -11,6 +12,9 @@
 #include "compilateur/rapport.h"
 
 namespace noxlux::compilateur {
+
+// Where a fact of a reference comes from.
+enum Origine : std::size_t { DE_L_IMPORT, DU_COMPLEMENT, PAR_DEFAUT, ABSENT, NOMBRE_ORIGINES };
 
 class BilanImport {
  public:
@@ -23,6 +27,17 @@ class BilanImport {
   // A value kept, not quite as it was written.
   void ajuster(std::string_view raison, Lieu lieu, std::string detail = {}) {
     noter(ajustes_, raison, lieu, std::move(detail));
+  }
+
+  // What a person ought to know: nothing is lost, something is assumed, absent or without effect.
+  void prevenir(std::string_view raison, Lieu lieu, std::string detail = {}) {
+    noter(avis_, raison, lieu, std::move(detail));
+  }
+  // A sentence of its own.
+  void dire(std::string ligne) { phrases_.push_back(std::move(ligne)); }
+  // A fact of a subject, and where it comes from.
+  void fonder(std::string_view sujet, Origine origine, std::size_t nombre = 1) {
+    fondements_[std::string(sujet)][origine] += nombre;
   }
 
   std::size_t nombreEcartes() const;
@@ -47,6 +62,9 @@ class BilanImport {
   std::vector<Compte> comptes_;  // in the order they were first met
   Genres ecartes_;
   Genres ajustes_;
+  Genres avis_;
+  std::vector<std::string> phrases_;
+  std::map<std::string, std::array<std::size_t, NOMBRE_ORIGINES>> fondements_;
 };
 
 }  // namespace noxlux::compilateur

@@ -128,10 +128,11 @@ template <>
 inline constexpr auto CLES<ModificateurActe> =
     std::tuple{requis("code", &ModificateurActe::code),
                requis("libelle", &ModificateurActe::libelle),
+               option("activites", &ModificateurActe::activites),
                option("ages", &ModificateurActe::ages),
                option("compatibles", &ModificateurActe::compatibles),
                option("coherences", &ModificateurActe::coherences),
-               requis("valeurs", &ModificateurActe::valeurs),
+               option("valeurs", &ModificateurActe::valeurs),
                option("oc", &ModificateurActe::oc)};
 
 template <>
@@ -140,7 +141,7 @@ inline constexpr auto CLES<ClasseDate> = dates(requis("classe", &ClasseDate::cla
 template <>
 inline constexpr auto CLES<SpecialitePS> =
     std::tuple{requis("code", &SpecialitePS::code), option("libelle", &SpecialitePS::libelle),
-               requis("historiques", &SpecialitePS::historiques)};
+               option("profil", &SpecialitePS::profil), option("historiques", &SpecialitePS::historiques)};
 
 template <>
 inline constexpr auto CLES<CoefficientDate> = dates(requis("coefficient", &CoefficientDate::coefficient));
@@ -162,7 +163,7 @@ inline constexpr auto CLES<JourFerie> = dates(requis("jour", &JourFerie::jour),
 
 template <>
 inline constexpr auto CLES<Caisse> = std::tuple{
-    requis("code", &Caisse::code), option("libelle", &Caisse::libelle), requis("jours", &Caisse::jours)};
+    requis("code", &Caisse::code), option("libelle", &Caisse::libelle), option("jours", &Caisse::jours)};
 
 template <>
 inline constexpr auto CLES<Regroupement> = dates(requis("code", &Regroupement::code),
@@ -256,6 +257,60 @@ inline constexpr auto CLES<FonctionZone> =
                option("note", &FonctionZone::note),       option("fils", &FonctionZone::fils),
                option("reponse", &FonctionZone::reponse)};
 
+template <>
+inline constexpr auto CLES<JourDeCaisses> = dates(requis("jour", &JourDeCaisses::jour),
+                                                  requis("caisses", &JourDeCaisses::caisses),
+                                                  option("nom", &JourDeCaisses::nom));
+
+template <>
+inline constexpr auto CLES<CompatibilitesDeModificateur> = dates(
+    requis("code", &CompatibilitesDeModificateur::code), requis("avec", &CompatibilitesDeModificateur::avec));
+
+template <>
+inline constexpr auto CLES<ValeurDeModificateur> =
+    std::tuple{requis("code", &ValeurDeModificateur::code),
+               option("grilles", &ValeurDeModificateur::grilles),
+               option("debut", &ValeurDeModificateur::debut),
+               option("fin", &ValeurDeModificateur::fin),
+               option("forfait", &ValeurDeModificateur::forfait),
+               option("coefficient", &ValeurDeModificateur::coefficient),
+               option("condition", &ValeurDeModificateur::condition)};
+
+template <>
+inline constexpr auto CLES<GrilleTarifaire> =
+    std::tuple{requis("numero", &GrilleTarifaire::numero), option("libelle", &GrilleTarifaire::libelle),
+               requis("colonne", &GrilleTarifaire::colonne), option("profil", &GrilleTarifaire::profil)};
+
+template <>
+inline constexpr auto CLES<ComplementActe> =
+    std::tuple{requis("acte", &ComplementActe::cle),
+               option("activite", &ComplementActe::activite),
+               option("phase", &ComplementActe::phase),
+               option("type", &ComplementActe::type),
+               option("sexe", &ComplementActe::sexe),
+               option("creation", &ComplementActe::creation),
+               option("frais_deplacement", &ComplementActe::fraisDeplacement),
+               option("natures_assurance", &ComplementActe::naturesAssurance),
+               option("procedures", &ComplementActe::procedures),
+               option("incompatibles", &ComplementActe::incompatibles),
+               option("classes_specialite", &ComplementActe::classesSpecialite),
+               option("categorie_medicale", &ComplementActe::categorieMedicale),
+               option("nombre_dents", &ComplementActe::nombreDents),
+               option("dents_permises", &ComplementActe::dentsPermises),
+               option("age_minimum", &ComplementActe::ageMinimum),
+               option("age_maximum", &ComplementActe::ageMaximum),
+               option("dom", &ComplementActe::dom),
+               option("supplement", &ComplementActe::supplement)};
+
+template <>
+inline constexpr auto CLES<Denture> = std::tuple{requis("codes", &Denture::codes)};
+
+template <>
+inline constexpr auto CLES<Correctif> =
+    std::tuple{requis("acte", &Correctif::acte), requis("colonne", &Correctif::colonne),
+               requis("imprime", &Correctif::imprime), option("voulu", &Correctif::voulu),
+               requis("raison", &Correctif::raison)};
+
 // The tables of a file.
 template <>
 inline constexpr auto CLES<Modele> =
@@ -276,6 +331,13 @@ inline constexpr auto CLES<Modele> =
                option("obligation_codage", &Modele::obligations),
                option("recherche", &Modele::recherches),
                option("synonyme", &Modele::synonymes),
+               option("complement_acte", &Modele::complementsActes),
+               option("correctif", &Modele::correctifs),
+               option("valeur_modificateur", &Modele::valeursModificateurs),
+               option("compatibilite_modificateurs", &Modele::compatibilites),
+               option("jour_ferie", &Modele::joursFeries),
+               option("grille", &Modele::grilles),
+               option("denture", &Modele::dentures),
                option("table_codes", &Modele::tablesDeCodes),
                option("concept", &Modele::concepts),
                option("regle", &Modele::regles),

@@ -1,10 +1,12 @@
 #include "compilateur/comparaison.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <map>
 #include <set>
 
 #include "compilateur/ecriture_valeurs.h"
+#include "compilateur/rapport.h"
 
 namespace noxlux::compilateur {
 
@@ -249,6 +251,60 @@ JsonOrdonne comparerValeurs(const ValeursModificateurs& avant, const ValeursModi
   return liste;
 }
 
+// What a table holds, as a person names each line.
+template <class L, class F>
+CodeRetour nommer(const FichierReference& fichier, F&& nom, std::set<std::string>& noms) {
+  std::vector<L> lignes;
+  const CodeRetour cr = lire(fichier, lignes);
+  for (const L& ligne : lignes) {
+    noms.insert(nom(ligne));
+  }
+  return cr;
+}
+
+std::string decrire(const Seuil& seuil) {
+  std::string texte = phrase("du ", jour(seuil.dateDebut),
+                             seuil.dateFin.estNulle() ? "" : phrase(" au ", jour(seuil.dateFin)), " :");
+  for (const double montant : {seuil.metropole, seuil.antilles, seuil.reunion, seuil.guyane}) {
+    char nombre[32];
+    std::snprintf(nombre, sizeof nombre, " %.2f", montant);
+    texte += nombre;
+  }
+  return texte;
+}
+
+// The lines that one of the references alone holds.
+template <class L, class F>
+CodeRetour comparerNoms(const FichierReference& avant, const FichierReference& apres, const char* table,
+                        F&& nom, JsonOrdonne& liste) {
+  std::set<std::string> anciens;
+  std::set<std::string> nouveaux;
+  CodeRetour cr = nommer<L>(avant, nom, anciens);
+  cr = cr == NOX_CR_OK ? nommer<L>(apres, nom, nouveaux) : cr;
+  const auto ajouter = [&](const std::set<std::string>& ici, const std::set<std::string>& ailleurs,
+                           const char* changement) {
+    for (const std::string& code : ici) {
+      if (!ailleurs.contains(code)) {
+        liste.push_back({{"table", table}, {"code", code}, {"changement", changement}});
+      }
+    }
+  };
+  ajouter(nouveaux, anciens, "nouveau");
+  ajouter(anciens, nouveaux, "disparu");
+  return cr;
+}
+
+CodeRetour comparerTables(const FichierReference& avant, const FichierReference& apres, JsonOrdonne& liste) {
+  const auto code = [](const auto& ligne) { return enTexte(ligne.code); };
+  liste = JsonOrdonne::array();
+  CodeRetour cr = comparerNoms<Modificateur>(avant, apres, "modificateurs", code, liste);
+  cr = cr == NOX_CR_OK ? comparerNoms<CodeRegroupement>(avant, apres, "codes de regroupement", code, liste)
+                       : cr;
+  cr = cr == NOX_CR_OK ? comparerNoms<Specialite>(avant, apres, "spécialités", code, liste) : cr;
+  const auto seuil = [](const Seuil& ligne) { return decrire(ligne); };
+  return cr == NOX_CR_OK ? comparerNoms<Seuil>(avant, apres, "seuils", seuil, liste) : cr;
+}
+
 JsonOrdonne identite(const FichierReference& fichier) {
   const EnteteFichier& entete = fichier.entete();
   return {{"version du référentiel", versUtf8(entete.version)},
@@ -273,6 +329,7 @@ JsonOrdonne comparer(const FichierReference& avant, const FichierReference& apre
     resultat = {{"avant", identite(avant)}, {"après", identite(apres)}};
     resultat.update(Comparaison(actesAvant, actesApres).comparer());
     resultat["valeurs de modificateurs"] = comparerValeurs(valeursAvant, valeursApres);
+    cr = comparerTables(avant, apres, resultat["tables"]);
   }
   return resultat;
 }

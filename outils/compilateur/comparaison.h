@@ -8,9 +8,10 @@
 namespace noxlux::compilateur {
 
 // {"avant", "apres": {version, date}, "actes ajoutés", "actes clos", "prix", "modificateurs", "libellés",
-// "autres", "valeurs de modificateurs"}: the last seven are lists of objects. A change of a dated value tells
-// from when ("depuis") the second reference answers something else than the first. The code of a file that
-// cannot be read comes back in `cr`.
+// "autres", "valeurs de modificateurs", "tables"}: the last eight are lists of objects; "tables" tells the
+// modifiers, grouping codes, specialities and thresholds that one of the two alone holds. A change of a dated
+// value tells from when ("depuis") the second reference answers something else than the first. The code of a
+// file that cannot be read comes back in `cr`.
 JsonOrdonne comparer(const FichierReference& avant, const FichierReference& apres, CodeRetour& cr);
 
 }  // namespace noxlux::compilateur

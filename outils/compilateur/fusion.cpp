@@ -11,23 +11,25 @@ namespace noxlux::compilateur {
 
 namespace {
 
-// The histories of the sources before a date, then the listing's one, completed by the sources' current one.
+// The histories of the sources before the listing's, then these, completed by what the sources told then.
 template <class H, class F>
 void succeder(std::vector<H>& historiques, std::vector<H>& sources, F&& completer) {
-  H nouveau = std::move(historiques.front());
-  const H* courant = nullptr;
+  std::vector<H> nouveaux = std::move(historiques);
   historiques.clear();
-  for (const H& ancien : sources) {
-    if (ancien.effet <= nouveau.effet && (courant == nullptr || courant->effet < ancien.effet)) {
-      courant = &ancien;
+  for (H& nouveau : nouveaux) {
+    const H* courant = nullptr;
+    for (const H& ancien : sources) {
+      if (ancien.effet <= nouveau.effet && (courant == nullptr || courant->effet < ancien.effet)) {
+        courant = &ancien;
+      }
+    }
+    if (courant != nullptr) {
+      completer(nouveau, *courant);
     }
   }
-  if (courant != nullptr) {
-    completer(nouveau, *courant);
-  }
   std::copy_if(sources.begin(), sources.end(), std::back_inserter(historiques),
-               [&](const H& ancien) { return ancien.effet < nouveau.effet; });
-  historiques.push_back(std::move(nouveau));
+               [&](const H& ancien) { return ancien.effet < nouveaux.front().effet; });
+  std::move(nouveaux.begin(), nouveaux.end(), std::back_inserter(historiques));
 }
 
 template <class E>
@@ -109,43 +111,6 @@ void fusionnerActes(std::vector<Acte>& liste, std::vector<Acte>& actes, F&& comp
   actes = std::move(liste);
 }
 
-// The listing's value from its date on, unless it is the one that holds already.
-void completerValeurs(std::vector<ForfaitEtTaux>& valeurs, const ForfaitEtTaux& nouvelle) {
-  ForfaitEtTaux aInserer = nouvelle;
-  for (auto valeur = valeurs.begin(); valeur != valeurs.end();) {
-    const bool encore = valeur->fin.estNulle() || valeur->fin >= nouvelle.debut;
-    if (encore && valeur->debut <= nouvelle.debut && valeur->forfait == nouvelle.forfait &&
-        valeur->coefficient == nouvelle.coefficient) {
-      return;
-    }
-    if (valeur->debut == nouvelle.debut) {
-      aInserer.fin = valeur->fin;
-      valeur = valeurs.erase(valeur);
-      continue;
-    }
-    if (encore && valeur->debut < nouvelle.debut) {
-      aInserer.fin = valeur->fin;
-      valeur->fin = veille(nouvelle.debut);
-    } else if (valeur->debut > nouvelle.debut && (aInserer.fin.estNulle() || aInserer.fin >= valeur->debut)) {
-      aInserer.fin = veille(valeur->debut);
-    }
-    ++valeur;
-  }
-  valeurs.push_back(aInserer);
-}
-
-void fusionnerModificateurs(std::vector<ModificateurActe>& liste,
-                            std::vector<ModificateurActe>& modificateurs) {
-  for (ModificateurActe& nouveau : liste) {
-    if (ModificateurActe* const source = trouver(modificateurs, nouveau.code)) {
-      source->libelle = std::move(nouveau.libelle);
-      completerValeurs(source->valeurs, nouveau.valeurs.front());
-    } else {
-      modificateurs.push_back(std::move(nouveau));
-    }
-  }
-}
-
 void fusionnerRegroupements(std::vector<Regroupement>& liste, std::vector<Regroupement>& regroupements) {
   const std::size_t deSources = regroupements.size();
   for (Regroupement& nouveau : liste) {
@@ -168,6 +133,9 @@ void fusionnerEntete(const Modele& importe, Modele& modele) {
   Entete& entete = modele.entetes.front();
   if (!nouveau.versionBaseCCAM.vue().empty()) {
     entete.versionBaseCCAM = nouveau.versionBaseCCAM;
+  }
+  if (!nouveau.version.vue().empty()) {
+    entete.version = nouveau.version;
   }
   entete.date = nouveau.date;
   entete.variante = nouveau.variante;
@@ -241,7 +209,6 @@ void fusionnerListing(Modele&& liste, Modele& modele) {
   fusionnerEntete(liste, modele);
   modele.menus = std::move(liste.menus);
   fusionnerActes(liste.actes, modele.actes, completerActe);
-  fusionnerModificateurs(liste.modificateurs, modele.modificateurs);
   fusionnerRegroupements(liste.regroupements, modele.regroupements);
 }
 

@@ -9,9 +9,10 @@
 
 namespace noxlux::compilateur {
 
-// Adds a listing to the model of the sources. The menu tree is the listing's. Acts, modifiers and grouping
-// codes that both hold get the listing's values from its date on, and keep the rest of the sources': earlier
-// histories, ages, teeth, specialities.
+// Adds a listing to the model of the sources, with what they tell of its acts. The menu tree is the
+// listing's. Acts that both hold get the listing's values from its date on, and keep the rest of the
+// sources': earlier histories, ages, teeth, specialities. Of modifiers and grouping codes, the sources
+// prevail. `grille`: the tariff grid that modifiers take their values from.
 void fusionnerListing(Modele&& liste, Modele& modele);
 
 // Puts a historised nomenclature in the place of what it holds itself of the sources: whole subjects, but

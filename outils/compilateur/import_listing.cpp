@@ -5,6 +5,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 
 #include "compilateur/csv.h"
 #include "compilateur/ecriture_valeurs.h"
@@ -30,6 +31,13 @@ enum Colonne : std::size_t {
   NOMBRE_COLONNES
 };
 
+// The columns as corrections name them.
+constexpr std::array<std::string_view, NOMBRE_COLONNES> NOMS_COLONNES = {
+    "code",          "",       "texte",       "activite",    "phase", "prix", "prix_hors_secteur",
+    "remboursement", "accord", "exoneration", "regroupement"};
+// Not a column: the whole record, found by its text.
+constexpr std::string_view LIGNE_ENTIERE = "ligne";
+
 // What the title of each column holds.
 constexpr std::array<std::string_view, NOMBRE_COLONNES> TITRES = {"Code",
                                                                   "",
@@ -46,21 +54,10 @@ constexpr std::array<std::string_view, NOMBRE_COLONNES> TITRES = {"Code",
 constexpr std::string_view CHAPITRE_MODIFICATEURS = "19.03";
 constexpr std::uint32_t NIVEAU_1 = 1000000;  // from a chapter of the first level to the next
 constexpr std::size_t USAGES_D_UN_MODIFICATEUR = 10;
-constexpr char ACTE_ISOLE = '1';
-constexpr char GESTE_COMPLEMENTAIRE = '3';
-
-// Chapters whose acts come with others: anaesthesia and complementary gestures, supplements.
-bool estChapitreDeComplements(std::uint32_t menu) {
-  return menu / NIVEAU_1 == 18 || menu / (NIVEAU_1 / 100) == 1902;
-}
-
-// The medical category that a grouping code belongs to, where it has but one.
-struct CategorieDeRegroupement {
-  std::string_view regroupement;
-  std::string_view categorie;
-};
-constexpr CategorieDeRegroupement CATEGORIES[] = {{"ATM", "01"}, {"ADC", "02"}, {"ACO", "03"},
-                                                  {"ADA", "04"}, {"ADI", "05"}, {"ADE", "06"}};
+constexpr unsigned PREMIERE_VERSION = 200;
+// What an act is that nothing more is told of.
+constexpr char ACTE_ISOLE = '0';
+constexpr char TOUS_FRAIS = 'A';
 
 // Whether the bytes can be the listing at all; what is wrong otherwise.
 std::string controlerOctets(std::string_view texte) {
@@ -79,6 +76,13 @@ std::string controlerOctets(std::string_view texte) {
                   std::to_string(ligne), ") : l'enregistrer en CSV UTF-8");
   }
   return {};
+}
+
+// French spreadsheets separate by semicolons: the title, alone on its line, tells.
+char separateurDe(std::string_view texte) {
+  const std::string_view titre = texte.substr(0, texte.find('\n'));
+  return std::count(titre.begin(), titre.end(), ';') > std::count(titre.begin(), titre.end(), ',') ? ';'
+                                                                                                   : ',';
 }
 
 std::string nomColonne(std::size_t colonne) { return std::string(1, static_cast<char>('A' + colonne)); }
@@ -118,17 +122,19 @@ void ajouterUneFois(std::vector<T>& liste, const T& valeur) {
 
 class LectureListing {
  public:
-  LectureListing(std::uint32_t source, ColonnePrix colonne, char reglePleine, Modele& liste,
+  LectureListing(std::uint32_t source, const OptionsListing& options, char separateur, Modele& liste,
                  BilanImport& bilan, Rapport& rapport)
-      : colonne_(colonne == ColonnePrix::SECTEUR_1 ? COL_PRIX : COL_PRIX_HORS_SECTEUR),
-        reglePleine_(reglePleine),
+      : colonne_(options.colonne == ColonnePrix::SECTEUR_1 ? COL_PRIX : COL_PRIX_HORS_SECTEUR),
+        reglePleine_(options.reglePleine),
+        separateur_(separateur),
+        correctifs_(options.correctifs),
         liste_(liste),
         bilan_(bilan),
         rapport_(rapport),
         lieu_{source, 0} {}
 
   bool lire(std::string_view texte) {
-    LecteurCsv lecteur(texte);
+    LecteurCsv lecteur(texte, separateur_);
     EnregistrementCsv enregistrement;
     if (!lireEntete(lecteur)) {
       return false;
@@ -145,9 +151,11 @@ class LectureListing {
         quitter();
         continue;
       }
+      corriger(enregistrement.champs);
       interpreter(enregistrement.champs);
     }
     finirActe();
+    direCorrectifsSansObjet();
     return controlerFin();
   }
 
@@ -168,9 +176,6 @@ class LectureListing {
       return refuser("le fichier est tronqué : les titres de colonnes manquent");
     }
     bilan_.lire("enregistrements", 2);
-    if (titre.champs.size() == 1 && titre.champs[0].find(';') != std::string::npos) {
-      return refuser("les champs sont séparés par des points-virgules : l'enregistrer en CSV à virgules");
-    }
     const std::optional<TitreListe> lu = lireTitre(titre.champs[0]);
     if (!lu) {
       return refuser(
@@ -187,6 +192,9 @@ class LectureListing {
     entete.lieu = {lieu_.source, 1};
     const std::string version = std::to_string(lu->version);
     entete.versionBaseCCAM = CodeFixe<5>(std::string(5 - version.size(), '0') + version);
+    // Above the first version that the library reads, and rising with the published one.
+    const std::string propre = std::to_string(lu->version + PREMIERE_VERSION);
+    entete.version = CodeFixe<4>(std::string(4 - std::min<std::size_t>(propre.size(), 4), '0') + propre);
     entete.date = date_;
     entete.variante = CodeFixe<10>("LISTE" + std::string(5 - version.size(), '0') + version);
     entete.commentaire = convertir(titre.champs[0]);
@@ -255,6 +263,57 @@ class LectureListing {
     std::erase_if(latin1.texte,
                   [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; });
     return std::move(latin1.texte);
+  }
+
+  // Mends the misprints of the act that the record is of.
+  void corriger(std::vector<std::string>& champs) {
+    const std::string_view code = rogner(champs[COL_CODE]);
+    if (estCodeActe(code)) {
+      acteLu_ = CodeActe(code);
+    } else if (estNumeroChapitre(code)) {
+      acteLu_ = CodeActe();
+    }
+    for (const Correctif& correctif : correctifs_) {
+      if (correctif.acte == acteLu_ && corriger(correctif, champs)) {
+        corriges_.insert(&correctif);
+      }
+    }
+  }
+
+  // A text is mended where the misprint stands in it, any other cell when it is the misprint; `ligne` takes
+  // the record out.
+  bool corriger(const Correctif& correctif, std::vector<std::string>& champs) {
+    const std::string imprime = versUtf8(correctif.imprime);
+    if (correctif.colonne == LIGNE_ENTIERE) {
+      const bool visee = rogner(champs[COL_TEXTE]) == imprime;
+      if (visee) {
+        std::fill(champs.begin(), champs.end(), std::string());
+        bilan_.ajuster("ligne retirée par un correctif", lieu_, versUtf8(correctif.raison));
+      }
+      return visee;
+    }
+    const auto nom = std::find(NOMS_COLONNES.begin(), NOMS_COLONNES.end(), correctif.colonne);
+    if (nom == NOMS_COLONNES.end()) {
+      return false;
+    }
+    std::string& champ = champs[static_cast<std::size_t>(nom - NOMS_COLONNES.begin())];
+    const std::size_t place = champ.find(imprime);
+    if (imprime.empty() || place == std::string::npos ||
+        (nom != NOMS_COLONNES.begin() + COL_TEXTE && rogner(champ) != imprime)) {
+      return false;
+    }
+    champ.replace(place, imprime.size(), versUtf8(correctif.voulu));
+    bilan_.ajuster("coquille corrigée", lieu_, versUtf8(correctif.raison));
+    return true;
+  }
+
+  void direCorrectifsSansObjet() {
+    for (const Correctif& correctif : correctifs_) {
+      if (!corriges_.contains(&correctif)) {
+        bilan_.prevenir("correctif sans objet : la liste ne porte pas ce qu'il corrige", correctif.lieu,
+                        phrase(enTexte(correctif.acte), " : ", versUtf8(correctif.imprime)));
+      }
+    }
   }
 
   Acte* acte() { return dansActe_ ? &liste_.actes.back() : nullptr; }
@@ -349,18 +408,16 @@ class LectureListing {
     nouveau.libelleLong = convertir(libelle);
     nouveau.libelleCourt = abreger(nouveau.libelleLong);
     nouveau.menu = liste_.menus.back().code;
-    nouveau.type = estChapitreDeComplements(nouveau.menu) ? GESTE_COMPLEMENTAIRE : ACTE_ISOLE;
     nouveau.creation = date_;
-    nouveau.fraisDeplacement = '0';
+    nouveau.type = ACTE_ISOLE;
+    nouveau.fraisDeplacement = TOUS_FRAIS;
     HistoriqueActe& historique = nouveau.historiques.emplace_back();
     historique.lieu = lieu_;
     historique.effet = date_;
     sousConditions_ = false;
-    prisEnCharge_ = false;
+    nonPrisEnCharge_ = false;
     modificateurs_.clear();
-    modificateursActivite_.clear();
     associations_.clear();
-    activite_ = ' ';
   }
 
   // Completes the act that ends here with what its records told of it as a whole.
@@ -378,12 +435,11 @@ class LectureListing {
       return;
     }
     bilan_.garder("actes");
-    fini.historiques.front().admission = !prisEnCharge_ ? '2' : sousConditions_ ? '3' : '1';
+    fini.historiques.front().admission = nonPrisEnCharge_ ? '2' : sousConditions_ ? '3' : '1';
     for (Activite& activite : fini.activites) {
       // The listing tells modifiers and associated acts once for all the activities of an act.
-      const auto propres = modificateursActivite_.find(activite.code);
       HistoriqueActivite& historique = activite.historiques.front();
-      historique.modificateurs = propres == modificateursActivite_.end() ? modificateurs_ : propres->second;
+      historique.modificateurs = modificateurs_;
       historique.associations = associations_;
     }
   }
@@ -400,9 +456,6 @@ class LectureListing {
     }
     for (const char code : *codes) {
       ajouterUneFois(modificateurs_, code);
-      if (activite_ != ' ') {
-        ajouterUneFois(modificateursActivite_[activite_], code);
-      }
     }
   }
 
@@ -475,8 +528,7 @@ class LectureListing {
       return;
     }
     bilan_.garder("prix");
-    activite_ = codeActivite;
-    prisEnCharge_ = prisEnCharge_ || prix.prisEnCharge;
+    nonPrisEnCharge_ = nonPrisEnCharge_ || !prix.prisEnCharge;
     Phase& phase = activite.phases.emplace_back();
     phase.lieu = lieu_;
     phase.code = codePhase;
@@ -518,11 +570,6 @@ class LectureListing {
       return;
     }
     historique.regroupement = lu;
-    for (const CategorieDeRegroupement& categorie : CATEGORIES) {
-      if (categorie.regroupement == code) {
-        historique.categorieMedicale = CodeFixe<2>(categorie.categorie);
-      }
-    }
     if (regroupements_.emplace(std::string(code), lieu_.ligne).second) {
       Regroupement& regroupement = liste_.regroupements.emplace_back();
       regroupement.lieu = lieu_;
@@ -534,8 +581,7 @@ class LectureListing {
   // A note, a list of associated acts, or one more value of a modifier.
   void lireTexteSeul(const std::vector<std::string>& champs, std::string_view texte) {
     if (modificateur_ != ' ' && !rogner(champs[colonne_]).empty()) {
-      bilan_.ecarter("autre valeur d'un modificateur, seule la première étant gardée", lieu_,
-                     phrase(std::string(1, modificateur_), " : ", rogner(champs[colonne_])));
+      ajouterValeur(modificateur_, rogner(champs[colonne_]), texte);
     }
     if (modificateur_ != ' ') {
       const std::string valeur(rogner(champs[colonne_]));
@@ -573,16 +619,13 @@ class LectureListing {
     bilan_.lire("modificateurs");
     modificateur_ = code;
     const std::string_view ecrit = rogner(champs[colonne_]);
-    const std::optional<ValeurListe> valeur = lireValeurModificateur(ecrit);
     const bool permis = (code >= '0' && code <= '9') || (code >= 'A' && code <= 'Z');
     if (!permis || !definis_.emplace(code, lieu_.ligne).second) {
       bilan_.ecarter(permis ? "modificateur en double" : "code de modificateur incompréhensible", lieu_,
                      std::string(1, code));
       return;
     }
-    if (!valeur) {
-      bilan_.ecarter("valeur de modificateur incompréhensible", lieu_,
-                     phrase(std::string(1, code), " : ", ecrit));
+    if (!ajouterValeur(code, ecrit, libelle)) {
       return;
     }
     bilan_.garder("modificateurs");
@@ -590,15 +633,38 @@ class LectureListing {
     modificateur.lieu = lieu_;
     modificateur.code = code;
     modificateur.libelle = convertir(libelle);
+    const ValeurDeModificateur& premiere = liste_.valeursModificateurs.back();
     ForfaitEtTaux& tarif = modificateur.valeurs.emplace_back();
     tarif.lieu = lieu_;
     tarif.debut = date_;
-    tarif.forfait = valeur->forfait;
-    tarif.coefficient = valeur->coefficient;
+    tarif.forfait = premiere.forfait;
+    tarif.coefficient = premiere.coefficient;
+  }
+
+  // What a modifier is worth for those that the text names.
+  bool ajouterValeur(char code, std::string_view ecrit, std::string_view condition) {
+    const std::optional<ValeurListe> lue = lireValeurModificateur(ecrit);
+    if (!lue) {
+      bilan_.ecarter("valeur de modificateur incompréhensible", lieu_,
+                     phrase(std::string(1, code), " : ", ecrit));
+      return false;
+    }
+    ValeurDeModificateur& valeur = liste_.valeursModificateurs.emplace_back();
+    valeur.lieu = lieu_;
+    valeur.code = code;
+    valeur.debut = date_;
+    valeur.forfait = lue->forfait;
+    valeur.coefficient = lue->coefficient;
+    valeur.condition = convertir(condition);
+    return true;
   }
 
   std::size_t colonne_;
   char reglePleine_;
+  char separateur_;
+  std::span<const Correctif> correctifs_;
+  std::set<const Correctif*> corriges_;
+  CodeActe acteLu_;  // the act that the record is of
   Modele& liste_;
   BilanImport& bilan_;
   Rapport& rapport_;
@@ -615,18 +681,16 @@ class LectureListing {
   bool perdu_ = false;       // what is above has been dropped
   // The act being read.
   bool dansActe_ = false;
-  char activite_ = ' ';
   bool sousConditions_ = false;
-  bool prisEnCharge_ = false;
+  bool nonPrisEnCharge_ = false;
   std::vector<char> modificateurs_;
-  std::map<char, std::vector<char>> modificateursActivite_;
   std::vector<AssociationActe> associations_;
 };
 
 }  // namespace
 
-bool lireListing(std::string_view texte, std::string nom, ColonnePrix colonne, char reglePleine,
-                 Modele& liste, BilanImport& bilan, Rapport& rapport) {
+bool lireListing(std::string_view texte, std::string nom, const OptionsListing& options, Modele& liste,
+                 BilanImport& bilan, Rapport& rapport) {
   const std::uint32_t source = rapport.declarerSource(std::move(nom));
   const std::string faute = controlerOctets(texte);
   if (!faute.empty()) {
@@ -637,10 +701,10 @@ bool lireListing(std::string_view texte, std::string nom, ColonnePrix colonne, c
   if (texte.starts_with(MARQUE_UTF8)) {
     texte.remove_prefix(MARQUE_UTF8.size());
   }
-  return LectureListing(source, colonne, reglePleine, liste, bilan, rapport).lire(texte);
+  return LectureListing(source, options, separateurDe(texte), liste, bilan, rapport).lire(texte);
 }
 
-bool importerListing(const std::string& chemin, ColonnePrix colonne, char reglePleine, Modele& liste,
+bool importerListing(const std::string& chemin, const OptionsListing& options, Modele& liste,
                      BilanImport& bilan, Rapport& rapport) {
   std::ifstream flux(chemin, std::ios::binary);
   const std::string texte{std::istreambuf_iterator<char>(flux), std::istreambuf_iterator<char>()};
@@ -648,7 +712,7 @@ bool importerListing(const std::string& chemin, ColonnePrix colonne, char regleP
     rapport.signaler({rapport.declarerSource(chemin), 0}, "le fichier ne peut pas être lu");
     return false;
   }
-  return lireListing(texte, chemin, colonne, reglePleine, liste, bilan, rapport);
+  return lireListing(texte, chemin, options, liste, bilan, rapport);
 }
 
 }  // namespace noxlux::compilateur

@@ -6,6 +6,7 @@
 #ifndef NOXLUX_COMPILATEUR_IMPORT_LISTING_H
 #define NOXLUX_COMPILATEUR_IMPORT_LISTING_H
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,13 +18,20 @@ namespace noxlux::compilateur {
 
 enum class ColonnePrix { SECTEUR_1, HORS_SECTEUR_1 };
 
-// Fills `liste` with the header, menus, acts, modifiers and grouping codes of a listing; everything takes
-// effect at its applicable date. `reglePleine` is the tariff rule of the associated acts. False, and one
-// fault told, when the text is not a whole listing.
-bool lireListing(std::string_view texte, std::string nom, ColonnePrix colonne, char reglePleine,
-                 Modele& liste, BilanImport& bilan, Rapport& rapport);
+// What the sources say of the listings that they complete.
+struct OptionsListing {
+  ColonnePrix colonne = ColonnePrix::SECTEUR_1;
+  char reglePleine = ' ';  // the tariff rule of the associated acts
+  // Misprints, mended before anything is read of them.
+  std::span<const Correctif> correctifs;
+};
 
-bool importerListing(const std::string& chemin, ColonnePrix colonne, char reglePleine, Modele& liste,
+// Fills `liste` with the header, menus, acts, modifiers and grouping codes of a listing; everything takes
+// effect at its applicable date. False, and one fault told, when the text is not a whole listing.
+bool lireListing(std::string_view texte, std::string nom, const OptionsListing& options, Modele& liste,
+                 BilanImport& bilan, Rapport& rapport);
+
+bool importerListing(const std::string& chemin, const OptionsListing& options, Modele& liste,
                      BilanImport& bilan, Rapport& rapport);
 
 }  // namespace noxlux::compilateur

@@ -13,6 +13,8 @@
 #include <toml++/toml.h>
 
 #include "compilateur/cles_toml.h"
+#include "compilateur/lecteur_tableau.h"
+#include "compilateur/plafonds.h"
 #include "compilateur/transcodage.h"
 #include "referent/lecteur.h"
 
@@ -22,8 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr double PLAFOND_DECIMAL = 1000000.0;
-constexpr std::size_t PLAFOND_LISTE = 65535;
+constexpr std::string_view EXTENSION_TABLEAU = ".csv";
 
 // What is being read: the source, and the path of keys down to the current node.
 struct Contexte {
@@ -377,6 +378,10 @@ void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rap
     rapport.signaler({source, static_cast<std::uint32_t>(lignes + 1)}, "le fichier n'est pas en UTF-8");
     return;
   }
+  if (rapport.nomSource(source).ends_with(EXTENSION_TABLEAU)) {
+    lireTableau(texte, source, modele, rapport);
+    return;
+  }
   const toml::parse_result resultat = toml::parse(texte);
   if (!resultat) {
     rapport.signaler({source, resultat.error().source().begin.line},
@@ -412,7 +417,7 @@ std::vector<fs::path> fichiersDe(const fs::path& chemin, Rapport& rapport) {
     fichiers.push_back(chemin);
   } else {
     for (fs::directory_iterator it(chemin, erreur), fin; !erreur && it != fin; it.increment(erreur)) {
-      if (it->path().extension() == ".toml") {
+      if (it->path().extension() == ".toml" || it->path().extension() == EXTENSION_TABLEAU) {
         fichiers.push_back(it->path());
       }
     }
@@ -420,7 +425,7 @@ std::vector<fs::path> fichiersDe(const fs::path& chemin, Rapport& rapport) {
     if (erreur) {
       refuser("le répertoire ne peut pas être lu");
     } else if (fichiers.empty()) {
-      refuser("le répertoire ne contient aucun fichier .toml");
+      refuser("le répertoire ne contient aucun fichier .toml ni .csv");
     }
   }
   return fichiers;

@@ -1,4 +1,4 @@
-// Fills a model from TOML sources. Every fault is reported with its file and line, and reading goes on.
+// Fills a model from sources: TOML, and the tables of lecteur_tableau.h. Every fault is reported with its file and line, and reading goes on.
 #ifndef NOXLUX_COMPILATEUR_LECTEUR_TOML_H
 #define NOXLUX_COMPILATEUR_LECTEUR_TOML_H
 
@@ -14,7 +14,7 @@ namespace noxlux::compilateur {
 // Adds what a text in TOML holds; `nom` is what faults call it.
 void lireTexteToml(std::string_view texte, std::string nom, Modele& modele, Rapport& rapport);
 
-// Adds what files hold; a directory stands for its *.toml files in the order of their names. A file met twice
+// Adds what files hold; a directory stands for its *.toml and *.csv files in the order of their names. A file met twice
 // is read once.
 void lireSourcesToml(const std::vector<std::string>& chemins, Modele& modele, Rapport& rapport);
 

@@ -136,11 +136,76 @@ struct ForfaitEtTaux : ElementDate {
 struct ModificateurActe : Element {
   char code = ' ';
   std::string libelle;
+  std::vector<char> activites;  // those whose acts may bear it; empty: all of them
   std::vector<AgeModificateur> ages;
   std::vector<CodeModificateurDate> compatibles;
   std::vector<CoherenceModificateur> coherences;
   std::vector<ForfaitEtTaux> valeurs;
   std::vector<CodeModificateurDate> oc;
+};
+
+// Which modifiers may stand beside one.
+struct CompatibilitesDeModificateur : ElementDate {
+  char code = ' ';
+  std::vector<char> avec;
+};
+
+// What a modifier is worth in some tariff grids; no grid: in all of them. Without a start: from the
+// beginning.
+struct ValeurDeModificateur : Element {
+  char code = ' ';
+  std::vector<std::uint16_t> grilles;
+  DateBrute debut;
+  DateBrute fin;
+  double forfait = 0.0;
+  double coefficient = 1.0;
+  std::string condition;
+};
+
+// A public tariff grid: the column of the listing that it takes its prices from, and the profile of
+// professionals whose ordinary grid it is.
+struct GrilleTarifaire : Element {
+  std::uint16_t numero = 0;
+  std::string libelle;
+  std::uint16_t colonne = 1;
+  std::string profil;
+};
+
+// What a listing does not tell of its acts. `cle` is an act, a chapter, a grouping code, or "*" for all acts;
+// what is told of fewer acts prevails. Blank members tell nothing.
+struct ComplementActe : Element {
+  std::string cle;
+  char activite = ' ';
+  char phase = ' ';
+  char type = ' ';
+  char sexe = ' ';
+  DateBrute creation;
+  char fraisDeplacement = ' ';
+  std::vector<CodeFixe<2>> naturesAssurance;
+  std::vector<CodeActe> procedures;
+  std::vector<CodeActe> incompatibles;
+  std::vector<CodeFixe<2>> classesSpecialite;
+  CodeFixe<2> categorieMedicale;
+  CodeFixe<2> nombreDents;
+  std::vector<CodeFixe<2>> dentsPermises;  // among those of [[denture]]; the others are incompatible
+  std::uint16_t ageMinimum = 0;
+  std::uint16_t ageMaximum = 0;
+  std::array<double, 4> dom{};
+  double supplement = 0.0;
+};
+
+// The places in a mouth that an act without a list of its own may be done at.
+struct Denture : Element {
+  std::vector<CodeFixe<2>> codes;
+};
+
+// A misprint of a listing.
+struct Correctif : Element {
+  CodeActe acte;
+  std::string colonne;  // as the heading names it: texte, activite, phase, prix...
+  std::string imprime;
+  std::string voulu;
+  std::string raison;
 };
 
 // The other subjects.
@@ -151,6 +216,7 @@ struct ClasseDate : ElementDate {
 struct SpecialitePS : Element {
   CodeFixe<2> code;
   std::string libelle;
+  std::string profil;  // which values of modifiers its members are paid; empty: none of its own
   std::vector<ClasseDate> historiques;
 };
 
@@ -181,6 +247,13 @@ struct Caisse : Element {
   CodeFixe<3> code;
   std::string libelle;
   std::vector<JourFerie> jours;
+};
+
+// The same day for several funds; the library wants it fund by fund.
+struct JourDeCaisses : ElementDate {
+  DateBrute jour;
+  std::vector<CodeFixe<3>> caisses;
+  std::string nom;
 };
 
 struct Regroupement : ElementDate {
@@ -329,6 +402,15 @@ struct Modele {
   std::vector<Obligation> obligations;
   std::vector<Recherche> recherches;  // at most one
   std::vector<SynonymesDeMot> synonymes;
+
+  // What completes an import; nothing of it is compiled as it stands.
+  std::vector<ComplementActe> complementsActes;
+  std::vector<Correctif> correctifs;
+  std::vector<ValeurDeModificateur> valeursModificateurs;
+  std::vector<CompatibilitesDeModificateur> compatibilites;
+  std::vector<JourDeCaisses> joursFeries;
+  std::vector<GrilleTarifaire> grilles;
+  std::vector<Denture> dentures;
 
   std::vector<TableDeCodes> tablesDeCodes;
   std::vector<Concept> concepts;

@@ -114,6 +114,15 @@ std::uint32_t codeMenu(std::string_view numero) {
   return code;
 }
 
+std::string numeroChapitre(std::uint32_t menu) {
+  std::string numero;
+  for (std::uint32_t rang = 1000000; rang != 0 && menu / rang % 100 != 0; rang /= 100) {
+    const std::uint32_t niveau = menu / rang % 100;
+    numero += phrase(numero.empty() ? "" : ".", niveau < 10 ? "0" : "", std::to_string(niveau));
+  }
+  return numero;
+}
+
 std::optional<PrixListe> lirePrix(std::string_view texte) {
   PrixListe prix;
   if (texte == NON_PRIS_EN_CHARGE) {

@@ -18,6 +18,7 @@ bool estCodeActe(std::string_view texte);        // "AHQB027"
 bool estNumeroChapitre(std::string_view texte);  // "1", "01.02", "01.02.03.04"
 // "01.02.03" gives 1020300. REQUIRES: estNumeroChapitre
 std::uint32_t codeMenu(std::string_view numero);
+std::string numeroChapitre(std::uint32_t menu);  // the way back
 
 struct PrixListe {
   double montant = 0.0;

@@ -11,12 +11,15 @@
 
 #include "compilateur/bilan_import.h"
 #include "compilateur/compilation.h"
+#include "compilateur/complement.h"
+#include "compilateur/fondements.h"
 #include "compilateur/fusion.h"
 #include "compilateur/import_dbf.h"
-#include "compilateur/import_listing.h"
 #include "compilateur/lecteur_toml.h"
+#include "compilateur/listings.h"
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
+#include "noxlux/profils.h"
 #include "noxlux/progression.h"
 
 namespace noxlux::commande {
@@ -31,13 +34,17 @@ struct OptionsCompiler {
   std::vector<std::string> complement;
   std::string socle;
   std::string sortie;
-  std::string listing;
+  std::vector<std::string> listings;
+  std::vector<std::string> historiques;
   std::string baseDbf;
   std::optional<unsigned> grille;  // nothing: the source's own default
+  std::string profil;
+  bool tousProfils = false;
+  bool sansAnteriorite = false;
   bool strict = false;
   bool verbeux = false;
 
-  bool importe() const { return !listing.empty() || !baseDbf.empty(); }
+  bool importe() const { return !listings.empty() || !baseDbf.empty(); }
 };
 
 // A directory of sources installed beside the command, or in the tree it was built in.
@@ -60,27 +67,13 @@ fs::path sourcesLivrees(const std::string& nom) {
                     (nom == "socle" ? "socle" : "complement"));
 }
 
-// What the example reference tells besides its acts.
-std::vector<std::string> complementParDefaut() {
-  std::vector<std::string> fichiers;
-  for (const fs::directory_entry& entree : fs::directory_iterator(sourcesLivrees("exemple"))) {
-    const std::string nom = entree.path().filename().string();
-    if (entree.path().extension() == ".toml" && !nom.starts_with("actes")) {
-      fichiers.push_back(entree.path().string());
-    }
-  }
-  std::sort(fichiers.begin(), fichiers.end());
-  return fichiers;
-}
-
-// The socle, then the sources; what completes an import comes by default from the example reference.
+// The socle, then the sources; what completes an import is by default the public complement.
 std::vector<std::string> cheminsToml(const OptionsCompiler& options) {
   std::vector<std::string> chemins{options.socle.empty() ? sourcesLivrees("socle").string() : options.socle};
   std::vector<std::string> autres = options.sources;
   autres.insert(autres.end(), options.complement.begin(), options.complement.end());
   if (options.importe() && options.complement.empty()) {
-    const std::vector<std::string> livres = complementParDefaut();
-    chemins.insert(chemins.end(), livres.begin(), livres.end());
+    chemins.push_back(sourcesLivrees("public").string());
   }
   chemins.insert(chemins.end(), autres.begin(), autres.end());
   return chemins;
@@ -98,22 +91,40 @@ char reglePleine(const Modele& modele) {
   throw ErreurUsage("aucune règle tarifaire du complément n'a aujourd'hui 1 pour coefficient");
 }
 
+// The tariff grid asked for: by number, or as the ordinary one of a profile.
+std::optional<unsigned> grilleDemandee(const OptionsCompiler& options, const Modele& modele) {
+  if (options.profil.empty()) {
+    return options.grille;
+  }
+  const auto trouvee = std::find_if(modele.grilles.begin(), modele.grilles.end(),
+                                    [&](const GrilleTarifaire& g) { return g.profil == options.profil; });
+  if (trouvee == modele.grilles.end()) {
+    throw ErreurUsage("le profil « " + options.profil +
+                      " » n'existe pas ; ceux du complément : " + enumererProfils(modele));
+  }
+  return trouvee->numero;
+}
+
 void importer(const OptionsCompiler& options, const Avancement& avancement, Modele& modele,
               BilanImport& bilan, Rapport& rapport) {
   const std::uint32_t premiereSource = rapport.nombreSources();
-  Modele importe;
+  const std::optional<unsigned> grille = grilleDemandee(options, modele);
   if (!options.baseDbf.empty()) {
-    if (!importerBaseDbf(options.baseDbf, options.grille, avancement, importe, bilan, rapport)) {
+    Modele importe;
+    if (!importerBaseDbf(options.baseDbf, grille, avancement, importe, bilan, rapport)) {
       return;
     }
     fusionnerBase(std::move(importe), modele, bilan);
   } else {
-    const ColonnePrix colonne = options.grille == 2U ? ColonnePrix::HORS_SECTEUR_1 : ColonnePrix::SECTEUR_1;
-    if (!importerListing(options.listing, colonne, reglePleine(modele), importe, bilan, rapport)) {
+    const DemandeListings demande{options.listings, options.historiques, grille.value_or(1),
+                                  !options.sansAnteriorite};
+    verifierGrillePublique(demande.grille, modele);
+    if (!importerListings(demande, reglePleine(modele), modele, bilan, rapport)) {
       return;
     }
-    fusionnerListing(std::move(importe), modele);
+    nommerGrille(demande.grille, modele);
   }
+  direFondements(modele, bilan);
   avancement("contrôle de ce qui a été lu", 0, 1);
   epurer(modele, premiereSource, rapport, bilan);
 }
@@ -150,6 +161,8 @@ int compilerReference(const OptionsCompiler& options) {
     };
     avancement("lecture des sources", 0, 1);
     lireSourcesToml(cheminsToml(options), modele, rapport);
+    rassembler(modele, bilanImport);
+    direFins(modele, aujourdhui(), bilanImport);
     if (options.importe() && rapport.estVide()) {
       importer(options, avancement, modele, bilanImport, rapport);
       if (options.strict && bilanImport.nombreEcartes() != 0) {
@@ -175,6 +188,30 @@ int compilerReference(const OptionsCompiler& options) {
   return STATUT_REPONDU;
 }
 
+// One reference a profile, each in a directory of its own, and the table that tells who takes which.
+int compilerProfils(OptionsCompiler options) {
+  Modele complement;
+  Rapport rapport;
+  lireSourcesToml(cheminsToml(options), complement, rapport);
+  if (!rapport.estVide()) {
+    return refuser(rapport);
+  }
+  const std::string racine = options.sortie;
+  int statut = STATUT_REPONDU;
+  for (const GrilleTarifaire& grille : complement.grilles) {
+    if (!grille.profil.empty() && statut == STATUT_REPONDU) {
+      options.profil = grille.profil;
+      options.sortie = (fs::path(racine) / grille.profil).string();
+      std::cout << "Profil " << grille.profil << '\n';
+      statut = compilerReference(options);
+    }
+  }
+  if (statut == STATUT_REPONDU) {
+    ecrireProfils(racine, complement);
+  }
+  return statut;
+}
+
 }  // namespace
 
 void enregistrerCompiler(CLI::App& application, int& statut) {
@@ -185,21 +222,43 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
       commande->add_option("sources", options->sources, "Fichiers .toml, ou répertoires qui en contiennent")
           ->type_name("SOURCES");
   CLI::Option* const listing =
-      commande->add_option("--listing", options->listing, "La liste publique de la CCAM, en CSV")
+      commande
+          ->add_option("--listing", options->listings,
+                       "La liste publique de la CCAM, en CSV ; plusieurs fois pour des listes successives")
           ->type_name("FICHIER");
+  commande
+      ->add_option("--historique", options->historiques,
+                   "Prix datés qui complètent la liste : acte;activite;phase;effet;prix")
+      ->type_name("FICHIER")
+      ->needs(listing);
+  commande->add_flag("--sans-anteriorite", options->sansAnteriorite,
+                     "Ne tient pas la première liste pour vraie avant sa date");
   commande->add_option("--base-dbf", options->baseDbf, "Les tables dBASE de la base publique de la CCAM")
       ->type_name("REPERTOIRE")
       ->excludes(listing);
   commande
-      ->add_option(
-          "--complement", options->complement,
-          "Sources .toml de ce que l'import ne dit pas (par défaut celles de l'exemple, sans ses actes)")
+      ->add_option("--complement", options->complement,
+                   "Sources de ce que l'import ne dit pas (par défaut le complément public livré)")
       ->type_name("SOURCES");
+  CLI::Option* const grille =
+      commande
+          ->add_option(
+              "--grille", options->grille,
+              "Grille tarifaire publique : 1 secteur 1 et OPTAM (par défaut) et 2 les autres sont les "
+              "colonnes de la liste ; de la base, son prix de base par défaut")
+          ->type_name("N");
+  CLI::Option* const profil =
+      commande
+          ->add_option("--profil", options->profil,
+                       "Grille du secteur 1 d'un profil : chirurgien, anesthesiste, generaliste, pediatre, "
+                       "sage-femme, chirurgien-dentiste, autre-medecin")
+          ->type_name("PROFIL")
+          ->excludes(grille);
   commande
-      ->add_option("--grille", options->grille,
-                   "Prix : colonne de la liste, 1 secteur 1 et OPTAM (par défaut) ou 2 les autres ; grille "
-                   "tarifaire de la base (par défaut son prix de base)")
-      ->type_name("N");
+      ->add_flag("--tous-profils", options->tousProfils,
+                 "Compile une référence par profil, dans un répertoire de son nom")
+      ->excludes(grille)
+      ->excludes(profil);
   commande->add_flag("--strict", options->strict,
                      "Refuse de compiler quand l'import écarte quoi que ce soit");
   commande->add_flag("--verbeux", options->verbeux, "Dit chaque enregistrement écarté ou ajusté");
@@ -212,13 +271,11 @@ void enregistrerCompiler(CLI::App& application, int& statut) {
     if (!options->importe() && sources->empty()) {
       throw ErreurUsage("il faut des sources .toml, --listing ou --base-dbf");
     }
-    if (options->grille && !options->importe()) {
-      throw ErreurUsage("--grille choisit les prix de --listing ou de --base-dbf");
+    if ((options->grille || options->tousProfils || !options->profil.empty()) && !options->importe()) {
+      throw ErreurUsage(
+          "--grille, --profil et --tous-profils choisissent les prix de --listing ou de --base-dbf");
     }
-    if (options->grille && !options->listing.empty() && *options->grille != 1 && *options->grille != 2) {
-      throw ErreurUsage("une liste a deux colonnes de prix : --grille 1 ou --grille 2");
-    }
-    statut = compilerReference(*options);
+    statut = options->tousProfils ? compilerProfils(*options) : compilerReference(*options);
   });
 }
 

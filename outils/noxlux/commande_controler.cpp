@@ -7,6 +7,7 @@
 
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
+#include "noxlux/controle_par_profils.h"
 #include "noxlux/facture_json.h"
 #include "noxlux/requete.h"
 #include "noxlux/tableau.h"
@@ -95,7 +96,12 @@ int controlerUne(const OptionsControler& options) {
   const auto entree = ouvrir(nom);
   const Json facture = lireFacture({std::istreambuf_iterator<char>(*entree), {}}, nom);
   const std::string zone = zoneDeFacture(facture);
-  const Bibliotheque bibliotheque(options.reference);
+  OptionsReference reference = options.reference;
+  const Profils profils(reference.reference);
+  if (profils.existent()) {
+    reference.reference = profils.referencePour(facture);
+  }
+  const Bibliotheque bibliotheque(reference);
   Json resultat = controlerFacture(zone);
   resultat["lignes"] = detaillerLignes(facture);
   if (options.json) {
@@ -140,6 +146,12 @@ int controlerLot(const OptionsControler& options) {
   }
   std::ios::sync_with_stdio(false);
   std::cin.tie(nullptr);
+  const Profils profils(options.reference.reference);
+  if (profils.existent()) {
+    return controlerParProfils(
+        profils, fichiers,
+        options.detail ? std::vector<std::string>{"--detail"} : std::vector<std::string>());
+  }
   const Bibliotheque bibliotheque(options.reference);
   Compte compte;
   const auto debut = std::chrono::steady_clock::now();
@@ -152,6 +164,9 @@ int controlerLot(const OptionsControler& options) {
       ++compte.factures;
       std::cout << repondre(ligne, options, compte).dump(-1, ' ', false, Json::error_handler_t::replace)
                 << '\n';
+      if (entree->rdbuf()->in_avail() <= 0) {
+        std::cout.flush();  // who writes one invoice at a time waits for its answer
+      }
     }
   }
   if (!std::cout.flush()) {

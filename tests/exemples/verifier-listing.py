@@ -17,6 +17,7 @@ import subprocess
 import sys
 import tempfile
 import time
+import tomllib
 import unicodedata
 
 sys.dont_write_bytecode = True
@@ -24,6 +25,7 @@ from aides.commande import Compte  # noqa: E402
 
 COMMANDE = pathlib.Path(sys.argv[1]).resolve()
 SOURCES = pathlib.Path(sys.argv[3]).resolve()
+COMPLEMENT = SOURCES / "reference/public"
 PETIT = SOURCES / "fuzz/graines/listing/petit.csv"
 PUBLIC = pathlib.Path(os.environ.get("NOXLUX_LISTING", "/absent"))
 BIBLIOTHEQUE = COMMANDE.parent / "libnoxlux.so"
@@ -53,9 +55,15 @@ def lire(listing, colonne):
     prix, regroupements, modificateurs, exonerations, mentions, libelles = {}, {}, {}, {}, {}, {}
     chapitres = set()
     acte = activite = None
+    correctifs = tomllib.loads((COMPLEMENT / "correctifs.toml").read_text())["correctif"]
     with open(listing, encoding="utf-8", newline="") as fichier:
         for code, _, texte, *valeurs in csv.reader(fichier):
             code = code.strip()
+            for c in correctifs:
+                if c["acte"] == (code or acte) and c["colonne"] == "activite" and valeurs[0] == c["imprime"]:
+                    valeurs[0] = c["voulu"]
+                if c["acte"] == (code or acte) and c["colonne"] == "ligne" and texte == c["imprime"]:
+                    valeurs = [""] * len(valeurs)
             if re.fullmatch(r"[A-Z]{4}\d{3}", code):
                 acte, activite = code, None
                 libelles[acte], exonerations[acte], mentions[acte] = texte, set(), set()
@@ -65,7 +73,7 @@ def lire(listing, colonne):
             if acte is None:
                 continue
             if code.startswith("["):
-                modificateurs[acte, activite] = sorted(re.findall(r"\w", code))
+                modificateurs.setdefault(acte, set()).update(re.findall(r"\w", code))
             exonerations[acte] |= set(re.findall(r"\d", valeurs[6]))
             mentions[acte] |= {valeurs[4], valeurs[5]} - {""}
             if valeurs[0].strip():
@@ -107,7 +115,7 @@ class Reference:
 
 
 def compiler(listing, sortie, *options):
-    return subprocess.run([COMMANDE, "compiler", "--listing", listing, "--socle", SOURCES / "reference/socle", "-o", sortie,
+    return subprocess.run([COMMANDE, "compiler", "--listing", listing, "--socle", SOURCES / "reference/socle", "--complement", COMPLEMENT, "-o", sortie,
                            *options], capture_output=True, text=True, timeout=120)
 
 
@@ -126,16 +134,18 @@ def verifier_contenu(compte, listing, actes, dossier):
     compte.verifier("price of AHQB027", lus["AHQB027", "1", "0"], 5184)
     lus = {(a, b): ("".join(reference.codes(b"CCAM_42", 3011, a, b))) for a, b in regroupements}
     compte.verifier("grouping codes", ecarts(lus, regroupements), [])
-    # A list that stands above all activities is that of each.
-    lus = {(a, b): reference.codes(b"CCAM_6", 3011, a, b or "1") for a, b in modificateurs}
-    compte.verifier("modifiers", ecarts(lus, modificateurs), [])
-    porteurs = {a for a, _ in modificateurs}
-    sans = [a for a in libelles if a not in porteurs]
-    compte.verifier("acts without modifiers", [a for a in sans if reference.codes(b"CCAM_6", 3011, a, "1")], [])
+    # The listing prints one list for all the activities of an act; each activity bears those of its kind.
+    kinds = tomllib.loads((COMPLEMENT / "modificateurs.toml").read_text())["modificateur"]
+    permises = {m["code"]: m.get("activites", "12345") for m in kinds}
+    attendus = {(a, b): sorted(c for c in modificateurs.get(a, ()) if b in permises[c]) for a, b in regroupements}
+    lus = {(a, b): reference.codes(b"CCAM_6", 3011, a, b) for a, b in regroupements}
+    compte.verifier("modifiers", ecarts(lus, attendus), [])
+    if listing == PUBLIC:
+        verifier_faits(compte, reference, regroupements, lus)
     lus = {a: set(reference.codes(b"CCAM_25", 3010, a)) for a in exonerations}
     compte.verifier("exemption codes", ecarts(lus, exonerations), [])
     lus = {a: "".join(reference.codes(b"CCAM_22", 3010, a)) for a in libelles}
-    attendus = {a: "2" if "pris" not in m else "3" if "RC" in m else "1" for a, m in mentions.items()}
+    attendus = {a: "2" if "non pris" in m else "3" if "RC" in m else "1" for a, m in mentions.items()}
     compte.verifier("admission to reimbursement", ecarts(lus, attendus), [])
     lus = {a: reference.champs(b"CCAM_24", 3010, a)[0][0] for a in libelles}
     compte.verifier("prior agreement", ecarts(lus, {a: "O" if "AP" in m else "N" for a, m in mentions.items()}), [])
@@ -149,6 +159,38 @@ def verifier_contenu(compte, listing, actes, dossier):
     compte.verifier("chapters, and the root above them", len(json.loads(table.stdout)), len(chapitres) + 1)
 
 
+def faits(nom):
+    """The rows of a table of public facts; none where it is not at hand."""
+    chemin = PUBLIC.parent / "public" / nom
+    if not chemin.is_file():
+        print(f"{chemin.name} is not at hand: what it tells is not compared")
+        return []
+    with open(chemin, encoding="utf-8", newline="") as fichier:
+        return list(csv.DictReader(fichier, delimiter=";"))
+
+
+def verifier_faits(compte, reference, regroupements, modificateurs):
+    """What the complement adds, against the facts that it was made from."""
+    attendus = {(f["acte"], f["activite"]): sorted(f["modificateurs"].split()) for f in faits("modificateurs_par_activite.csv")}
+    compte.verifier("modifiers by activity", ecarts({c: modificateurs.get(c) for c in attendus}, attendus), [])
+    actes = {a for a, _ in regroupements}
+    attendus = {f["acte"]: f["type"] for f in faits("actes_base_v37.csv") if f["acte"] in actes}
+    lus = {a: "".join(reference.codes(b"CCAM_9", 3010, a)) for a in attendus}
+    compte.verifier("types of act", ecarts(lus, attendus), [])
+    categories = {f["regroupement"]: f["categorie_projet"] for f in faits("regroupement_categorie.csv")}
+    attendus = {cle: categories[code] for cle, code in regroupements.items() if code in categories}
+    lus = {cle: "".join(reference.codes(b"CCAM_12", 3011, *cle)) for cle in attendus}
+    compte.verifier("medical categories", ecarts(lus, attendus), [])
+    attendus = {(f["acte"], "1", f["phase"]): int(f["nombre_dents"]) for f in faits("dentaire.csv") if f["surete"] == "verifie"}
+    lus = {cle: [int(c) for champs in reference.champs(b"CCAM_43a", 3012, *cle) for c in champs if c.strip().isdigit()]
+           for cle in attendus}
+    compte.verifier("numbers of teeth", [(c, n, lus[c]) for c, n in attendus.items() if n and n not in lus[c]][:5], [])
+    attendus = {f["code"]: f["libelle"] for f in faits("prestations.csv") if f["regroupement_ccam"] == "oui"}
+    exemples = {code: cle for cle, code in regroupements.items() if code in attendus}
+    lus = {code: reference.champs(b"CCAM_42", 3011, *cle)[0][1] for code, cle in exemples.items()}
+    compte.verifier("labels of grouping codes", ecarts(lus, {c: attendus[c] for c in lus}), [])
+
+
 def enregistrements(texte, changer):
     """The listing written anew, each record changed."""
     sortie = io.StringIO()
@@ -156,12 +198,17 @@ def enregistrements(texte, changer):
     return sortie.getvalue()
 
 
+def points_virgules(octets):
+    """As French spreadsheets save it."""
+    lignes = io.StringIO()
+    csv.writer(lignes, delimiter=";").writerows(csv.reader(io.StringIO(octets.decode(), newline="")))
+    return lignes.getvalue().encode()
+
+
 def mauvais_fichiers(octets):
     """(what was done, bytes, passage of the sentence)"""
     texte = octets.decode()
     coupe = octets.index(b"\n19.03,")
-    lignes = io.StringIO()
-    csv.writer(lignes, delimiter=";").writerows(csv.reader(io.StringIO(texte, newline="")))
     return [
         ("empty", b"", "vide"),
         ("blank", b"\n\n \n", "vide"),
@@ -174,7 +221,6 @@ def mauvais_fichiers(octets):
         ("Windows-1252", texte.encode("cp1252", "replace"), "UTF-8"),
         ("UTF-16 with its mark", texte.encode("utf-16"), "UTF-16"),
         ("UTF-16 without mark", texte.encode("utf-16-le"), "UTF-16"),
-        ("semicolons", lignes.getvalue().encode(), "points-virgules"),
         ("columns swapped", enregistrements(texte, lambda r: [*r[:3], r[4], r[3], *r[5:]]).encode(), "colonne D"),
         ("prices swapped", enregistrements(texte, lambda r: [*r[:5], r[6], r[5], *r[7:]]).encode(), "colonne F"),
         ("column missing", enregistrements(texte, lambda r: r[:-1]).encode(), "colonne K"),
@@ -217,11 +263,15 @@ def verifier_listing(compte, listing, actes, dossier):
     prix = {cle: int(100 * float(m) + 0.5) for cle, m in listes(dossier / "hors", "AHQB024").items()}
     compte.verifier("a price of the other column", prix["AHQB024", "1", "0"], autres["AHQB024", "1", "0"])
 
-    strict = compiler(listing, dossier / "strict", "--strict")
-    compte.verifier("dropped records are a failure when one wants", (strict.returncode, (dossier / "strict").exists()),
-                    (2, False))
     octets = listing.read_bytes()
     essai = dossier / "essai.csv"
+    essai.write_bytes(octets.replace(b"\nAHQB027,", b"\nAHQB0277,", 1))
+    strict = compiler(essai, dossier / "strict", "--strict")
+    compte.verifier("dropped records are a failure when one wants", (strict.returncode, (dossier / "strict").exists()),
+                    (2, False))
+    essai.write_bytes(points_virgules(octets))
+    fini = compiler(essai, dossier / "points-virgules")
+    compte.verifier("semicolons", (fini.returncode, f": {actes} actes" in fini.stdout), (0, True))
     for quoi, mauvais, passage in mauvais_fichiers(octets):
         essai.write_bytes(mauvais)
         fini = compiler(essai, dossier / "mauvais")
