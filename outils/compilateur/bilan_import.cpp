@@ -4,6 +4,13 @@
 
 namespace noxlux::compilateur {
 
+namespace {
+
+// Advice is told case by case up to here, even to who did not ask for each.
+constexpr std::size_t AVIS_DITS_UN_A_UN = 20;
+
+}  // namespace
+
 BilanImport::Compte& BilanImport::compte(std::string_view quoi) {
   const auto trouve =
       std::find_if(comptes_.begin(), comptes_.end(), [&](const Compte& c) { return c.quoi == quoi; });
@@ -33,19 +40,19 @@ std::vector<std::string> BilanImport::lignes(const Rapport& rapport, bool verbeu
         phrase(compte.quoi, " : ", std::to_string(compte.lus), " lus",
                compte.gardes == 0 ? "" : phrase(", ", std::to_string(compte.gardes), " gardés")));
   }
-  const auto decrire = [&](const Genres& genres, const char* titre) {
+  const auto decrire = [&](const Genres& genres, const char* titre, std::size_t sansDemander) {
     for (const auto& [raison, cas] : genres) {
       resultat.push_back(phrase(titre, std::to_string(cas.size()), " : ", raison));
-      for (const Cas& un : verbeux ? cas : std::vector<Cas>()) {
+      for (const Cas& un : verbeux || cas.size() <= sansDemander ? cas : std::vector<Cas>()) {
         const std::string ligne = un.lieu.ligne == 0 ? "" : phrase(":", std::to_string(un.lieu.ligne));
         resultat.push_back(phrase("    ", rapport.nomSource(un.lieu.source), ligne,
                                   un.detail.empty() ? "" : phrase(": ", un.detail)));
       }
     }
   };
-  decrire(ajustes_, "ajustés, ");
-  decrire(ecartes_, "écartés, ");
-  decrire(avis_, "à savoir, ");
+  decrire(ajustes_, "ajustés, ", 0);
+  decrire(ecartes_, "écartés, ", 0);
+  decrire(avis_, "à savoir, ", AVIS_DITS_UN_A_UN);
   resultat.insert(resultat.end(), phrases_.begin(), phrases_.end());
   constexpr std::array<const char*, NOMBRE_ORIGINES> ORIGINES = {" importés", " du complément", " par défaut",
                                                                  " absents"};

@@ -24,7 +24,7 @@ DOM = {"971": 0, "972": 1, "973": 2, "974": 3}
 CAISSES = ["751", "751", "975", *DOM]
 DATES = ["2007-05-10", "2008-12-31", "2009-01-01", "2015-06-10", "2017-06-14", "2019-12-31", "2020-01-01", "2025-02-03",
          "2026-01-15"]
-COMPLEMENTAIRE = "3"
+COMPLEMENTAIRE = "2"
 TARIFS = {"R850", "R880", "R880A"}
 # Findings after which a price or a base is not checked any more: the generator avoids what raises them.
 BLOQUANTES = {"R500", "R510", "R530", "R540", "R136A", "R137", "R590A", "R590B", "R600", "R648", "R649", "R650", "R653"}

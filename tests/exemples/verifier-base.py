@@ -167,7 +167,7 @@ QUESTIONS = [
     ("TB15_1", ("K",), [("2026-01-01", [["7"]])]),
     ("TB19_1", (), [("2016-12-31", [2]), ("2017-01-01", [4])]),
     # The base holds no number of modifiers passed on: the complement's.
-    ("TB15_2", (), [("2026-01-01", [2])]),
+    ("TB15_2", (), [("2026-01-01", [4])]),
 ]
 GRILLES = [
     ((), [("CCAM_37", (A, "1", "0"), "2026-01-01", [130]), ("TB11_2", ("K",), "2026-01-01", [1.2])]),
@@ -375,8 +375,8 @@ def verifier_complement(compte, base):
     compte.verifier("tables that are not there", (fini.returncode, "ajustés, 5 : table absente" in fini.stdout,
                                                   "la table R_TB19" in fini.stdout), (0, True, True))
     for identifiant, champs, attendu in [
-            ("TB09_1", ("K", "A"), [True]), ("TB10_2", ("A",), [True]), ("TB19_1", (), [3]), ("TB07_1", ("972",), [138]),
-            ("CCAM_9", (A,), ["1", "Acte isolé"]),
+            ("TB09_1", ("K", "A"), [False]), ("TB10_2", ("A",), [True]), ("TB19_1", (), [4]), ("TB07_1", ("972",), [120]),
+            ("CCAM_9", (A,), ["1", "Procédure"]),
             # What it does hold stays.
             ("TB06_2", ("A",), ["4A0J"]), ("TB11_2", ("K",), [1.2]), ("TB15_1", ("K",), [["7"]])]:
         compte.verifier(f"complement: {identifiant}", base.consulter(identifiant, champs, "2026-01-01"), attendu)
