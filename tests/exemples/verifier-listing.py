@@ -5,8 +5,6 @@ that files get spoiled. One is small, laid out as the public one with its traps;
 Usage: verifier-listing.py COMMAND COMPILED_REFERENCE SOURCES
 """
 import csv
-import ctypes
-import importlib.util
 import io
 import json
 import os
@@ -21,6 +19,8 @@ import tomllib
 import unicodedata
 
 sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(sys.argv[3]).resolve() / "python"))
+import noxlux  # noqa: E402
 from aides.commande import Compte  # noqa: E402
 
 COMMANDE = pathlib.Path(sys.argv[1]).resolve()
@@ -29,7 +29,7 @@ COMPLEMENT = SOURCES / "reference/public"
 PETIT = SOURCES / "fuzz/graines/listing/petit.csv"
 PUBLIC = pathlib.Path(os.environ.get("NOXLUX_LISTING", "/absent"))
 BIBLIOTHEQUE = COMMANDE.parent / "libnoxlux.so"
-DATE = b"20260201"
+DATE = "2026-02-01"
 CADRE_LIBELLE_LONG = 2
 MOTS = ["appendice", "côlon", "cataracte", "prothèse", "hanche", "scanographie", "arthroscopie", "œil", "fémur",
         "vésicule", "thyroïde", "grossesse", "dent", "angioplastie", "biopsie", "cœlioscopie", "fœtus", "ECHOGRAPHIE",
@@ -88,30 +88,24 @@ def lire(listing, colonne):
     return prix, regroupements, modificateurs, exonerations, mentions, libelles, chapitres
 
 
-class Reference:
-    """The library on a compiled reference, by the example host program."""
+class Reference(noxlux.Reference):
+    """The library on a compiled reference."""
 
-    def __init__(self, tables):
-        modele = importlib.util.spec_from_file_location("hote", SOURCES / "examples/hote.py")
-        self.hote = importlib.util.module_from_spec(modele)
-        modele.loader.exec_module(self.hote)
-        (tables / "orvan.ini").write_text(f"[NOX]\nrepertoiretable={tables}/\n[COMMUN]\nrepertoiretravail={tables}\n")
-        self.noxlux = self.hote.Noxlux(str(BIBLIOTHEQUE), str(tables))
-
-    def champs(self, identifiant, groupe, *champs):
+    def champs(self, identifiant, *cle):
         """The groups' fields that the library answers; none when it has nothing to tell."""
-        entree = self.hote.groupe(groupe, *champs)
-        code, groupes = self.noxlux.demander(self.noxlux.lib.NOX_ConsulterDonnee, identifiant, DATE, entree, len(entree),
-                                             permis=(0xD002, 0xD003))
-        return [g[1] for g in groupes] if code == 0 else []
+        try:
+            return [list(g.values()) for g in self.consulter(identifiant, DATE, **dict(zip(("acte", "activite", "phase"), cle)))]
+        except noxlux.ErreurBibliotheque:
+            return []
 
     def codes(self, *demande):
         return sorted(champs[0].strip() for champs in self.champs(*demande))
 
     def chercher(self, mot):
-        _, groupes = self.noxlux.demander(self.noxlux.lib.NOX_RechercherParMotCle, mot.encode("latin-1"),
-                                          ctypes.c_ulong(CADRE_LIBELLE_LONG), permis=(0xD001, 0xD002))
-        return {code.strip() for code in groupes[0][1][1:]} if groupes else set()
+        try:
+            return set(self.rechercher(mot, cadre=CADRE_LIBELLE_LONG))
+        except noxlux.ErreurBibliotheque:
+            return set()
 
 
 def compiler(listing, sortie, *options):
@@ -128,33 +122,33 @@ def ecarts(obtenus, attendus):
 def verifier_contenu(compte, listing, actes, dossier):
     prix, regroupements, modificateurs, exonerations, mentions, libelles, chapitres = lire(listing, 5)
     compte.verifier("the independent reading sees all acts", len(libelles), actes)
-    reference = Reference(dossier)
-    lus = {cle: int(reference.champs(b"CCAM_37", 3012, *cle)[0][0]) for cle in prix}
+    reference = Reference(dossier, bibliotheque=BIBLIOTHEQUE)
+    lus = {cle: round(100 * reference.champs("CCAM_37", *cle)[0][0]) for cle in prix}
     compte.verifier("prices", ecarts(lus, prix), [])
     compte.verifier("price of AHQB027", lus["AHQB027", "1", "0"], 5184)
-    lus = {(a, b): ("".join(reference.codes(b"CCAM_42", 3011, a, b))) for a, b in regroupements}
+    lus = {(a, b): ("".join(reference.codes("CCAM_42", a, b))) for a, b in regroupements}
     compte.verifier("grouping codes", ecarts(lus, regroupements), [])
     # The listing prints one list for all the activities of an act; each activity bears those of its kind.
     kinds = tomllib.loads((COMPLEMENT / "modificateurs.toml").read_text())["modificateur"]
     permises = {m["code"]: m.get("activites", "12345") for m in kinds}
     attendus = {(a, b): sorted(c for c in modificateurs.get(a, ()) if b in permises[c]) for a, b in regroupements}
-    lus = {(a, b): reference.codes(b"CCAM_6", 3011, a, b) for a, b in regroupements}
+    lus = {(a, b): reference.codes("CCAM_6", a, b) for a, b in regroupements}
     compte.verifier("modifiers", ecarts(lus, attendus), [])
     if listing == PUBLIC:
         verifier_faits(compte, reference, regroupements, lus)
-    lus = {a: set(reference.codes(b"CCAM_25", 3010, a)) for a in exonerations}
+    lus = {a: set(reference.codes("CCAM_25", a)) for a in exonerations}
     compte.verifier("exemption codes", ecarts(lus, exonerations), [])
-    lus = {a: "".join(reference.codes(b"CCAM_22", 3010, a)) for a in libelles}
+    lus = {a: "".join(reference.codes("CCAM_22", a)) for a in libelles}
     attendus = {a: "2" if "non pris" in m else "3" if "RC" in m else "1" for a, m in mentions.items()}
     compte.verifier("admission to reimbursement", ecarts(lus, attendus), [])
-    lus = {a: reference.champs(b"CCAM_24", 3010, a)[0][0] for a in libelles}
-    compte.verifier("prior agreement", ecarts(lus, {a: "O" if "AP" in m else "N" for a, m in mentions.items()}), [])
+    lus = {a: reference.champs("CCAM_24", a)[0][0] for a in libelles}
+    compte.verifier("prior agreement", ecarts(lus, {a: "AP" in m for a, m in mentions.items()}), [])
     for mot in MOTS:
         cherche = mots(mot).pop()
         attendus = {a for a, libelle in libelles.items() if cherche in mots(libelle)}
         compte.verifier(f"search for {mot}", sorted(reference.chercher(mot.replace("œ", "oe")) ^ attendus), [])
         compte.verifier(f"{mot} stands in some label", bool(attendus), True)
-    reference.noxlux.exiger(reference.noxlux.lib.NOX_TermLIB())
+    reference.close()
     table = subprocess.run([COMMANDE, "lister", dossier, "Arborescence", "--json"], capture_output=True, text=True, check=True)
     compte.verifier("chapters, and the root above them", len(json.loads(table.stdout)), len(chapitres) + 1)
 
@@ -175,19 +169,19 @@ def verifier_faits(compte, reference, regroupements, modificateurs):
     compte.verifier("modifiers by activity", ecarts({c: modificateurs.get(c) for c in attendus}, attendus), [])
     actes = {a for a, _ in regroupements}
     attendus = {f["acte"]: f["type"] for f in faits("actes_base_v37.csv") if f["acte"] in actes}
-    lus = {a: "".join(reference.codes(b"CCAM_9", 3010, a)) for a in attendus}
+    lus = {a: "".join(reference.codes("CCAM_9", a)) for a in attendus}
     compte.verifier("types of act", ecarts(lus, attendus), [])
     categories = {f["regroupement"]: f["categorie_projet"] for f in faits("regroupement_categorie.csv")}
     attendus = {cle: categories[code] for cle, code in regroupements.items() if code in categories}
-    lus = {cle: "".join(reference.codes(b"CCAM_12", 3011, *cle)) for cle in attendus}
+    lus = {cle: "".join(reference.codes("CCAM_12", *cle)) for cle in attendus}
     compte.verifier("medical categories", ecarts(lus, attendus), [])
     attendus = {(f["acte"], "1", f["phase"]): int(f["nombre_dents"]) for f in faits("dentaire.csv") if f["surete"] == "verifie"}
-    lus = {cle: [int(c) for champs in reference.champs(b"CCAM_43a", 3012, *cle) for c in champs if c.strip().isdigit()]
+    lus = {cle: [c for champs in reference.champs("CCAM_43a", *cle) for c in champs if not isinstance(c, bool)]
            for cle in attendus}
     compte.verifier("numbers of teeth", [(c, n, lus[c]) for c, n in attendus.items() if n and n not in lus[c]][:5], [])
     attendus = {f["code"]: f["libelle"] for f in faits("prestations.csv") if f["regroupement_ccam"] == "oui"}
     exemples = {code: cle for cle, code in regroupements.items() if code in attendus}
-    lus = {code: reference.champs(b"CCAM_42", 3011, *cle)[0][1] for code, cle in exemples.items()}
+    lus = {code: reference.champs("CCAM_42", *cle)[0][1] for code, cle in exemples.items()}
     compte.verifier("labels of grouping codes", ecarts(lus, {c: attendus[c] for c in lus}), [])
 
 
