@@ -60,9 +60,11 @@ def lire(listing, colonne):
         for code, _, texte, *valeurs in csv.reader(fichier):
             code = code.strip()
             for c in correctifs:
-                if c["acte"] == (code or acte) and c["colonne"] == "activite" and valeurs[0] == c["imprime"]:
+                if c["acte"] != (code if re.fullmatch(r"[A-Z]{4}\d{3}", code) else acte):
+                    continue
+                if c["colonne"] == "activite" and valeurs[0] == c["imprime"]:
                     valeurs[0] = c["voulu"]
-                if c["acte"] == (code or acte) and c["colonne"] == "ligne" and texte == c["imprime"]:
+                if c["colonne"] == "ligne" and texte == c["imprime"]:
                     valeurs = [""] * len(valeurs)
             if re.fullmatch(r"[A-Z]{4}\d{3}", code):
                 acte, activite = code, None
