@@ -168,7 +168,8 @@ def faits(nom):
 def verifier_faits(compte, reference, regroupements, modificateurs):
     """What the complement adds, against the facts that it was made from."""
     attendus = {(f["acte"], f["activite"]): sorted(f["modificateurs"].split()) for f in faits("modificateurs_par_activite.csv")}
-    compte.verifier("modifiers by activity", ecarts({c: modificateurs.get(c) for c in attendus}, attendus), [])
+    compte.verifier("modifiers by activity", ecarts({c: modificateurs[c] for c in attendus if c in modificateurs},
+                                                   {c: a for c, a in attendus.items() if c in modificateurs}), [])
     actes = {a for a, _ in regroupements}
     attendus = {f["acte"]: f["type"] for f in faits("actes_base_v37.csv") if f["acte"] in actes}
     lus = {a: "".join(reference.codes("CCAM_9", a)) for a in attendus}
