@@ -11,13 +11,11 @@ namespace noxlux::compilateur {
 void verifierNomenclature(const Modele& modele, const Etiquettes& etiquettes, Rapport& rapport);
 void verifierRegles(const Modele& modele, Rapport& rapport);
 void verifierZones(const Modele& modele, Rapport& rapport);
-void verifierTailles(const Modele& modele, Rapport& rapport);
 
 inline void verifier(const Modele& modele, const Etiquettes& etiquettes, Rapport& rapport) {
   verifierNomenclature(modele, etiquettes, rapport);
   verifierRegles(modele, rapport);
   verifierZones(modele, rapport);
-  verifierTailles(modele, rapport);
 }
 
 }  // namespace noxlux::compilateur
