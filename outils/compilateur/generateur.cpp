@@ -160,9 +160,10 @@ class Generateur {
         classes[historique.classe].push_back({historique, specialite->code});
       }
     }
-    for (const auto& [code, membres] : classes) {
+    for (const auto& classe : classes) {
+      const std::vector<Membre>& membres = classe.second;
       ClasseSpecialite ligne;
-      ligne.code = code;
+      ligne.code = classe.first;
       remplir(ligne.historiques, membres.front().lieu, [&](auto& cible) {
         for (const ElementDate& intervalle : intervalles(membres)) {
           HistoriqueClasseSpecialite h;

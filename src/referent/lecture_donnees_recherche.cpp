@@ -104,7 +104,8 @@ CodeRetour LectureDonnees::rechercherCodesActes(ListeCodes& actes, const char* f
     // The codes that begin with the filter are together: the index is sorted.
     const std::vector<Index>& index = donnees().lignes<Index>();
     const auto prefixe = [&](const Index& ligne) { return ligne.acte.entier().substr(0, debut.size()); };
-    const auto trouves = std::ranges::equal_range(index, debut, {}, prefixe);
+    const std::span<const Index> trouves(std::ranges::lower_bound(index, debut, {}, prefixe),
+                                         std::ranges::upper_bound(index, debut, {}, prefixe));
     if (trouves.size() > actes.lireCapacite()) {
       actes = ListeCodes(static_cast<unsigned short>(std::min<std::size_t>(trouves.size(), UINT16_MAX)));
     }

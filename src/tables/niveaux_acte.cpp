@@ -143,7 +143,7 @@ CodeRetour lireChamp(const SousNiveaux<N, S>& champ, N& niveau, Lecteur& lecteur
 template <class N, class F>
 CodeRetour parcourir(F&& f) {
   CodeRetour cr = NOX_CR_OK;
-  std::apply([&](const auto&... champ) { (((cr = f(champ)) == NOX_CR_OK) && ...); },
+  std::apply([&](const auto&... champ) { static_cast<void>((((cr = f(champ)) == NOX_CR_OK) && ...)); },
              ChampsDuNiveau<N>::liste());
   return cr;
 }

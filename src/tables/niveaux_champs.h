@@ -14,6 +14,7 @@ namespace noxlux {
 // The message of a refused value; it takes the position of the field.
 using RefusNiveau = FormatVerifie<unsigned long>;
 
+// Each says how its class follows from its member, which not every compiler finds by itself.
 template <class N, class T>
 struct ValeurNiveau {
   T N::*membre;
@@ -21,6 +22,8 @@ struct ValeurNiveau {
   Controle controle = Controle::Libre;
   std::optional<RefusNiveau> refus = std::nullopt;
 };
+template <class N, class T, class... R>
+ValeurNiveau(T N::*, const char*, R...) -> ValeurNiveau<N, T>;
 
 // A count, then that many codes.
 template <class N, class T>
@@ -31,6 +34,8 @@ struct ListeNiveau {
   RefusNiveau incorrect;
   std::optional<RefusNiveau> obligatoire = std::nullopt;  // of a blank code, where none may be
 };
+template <class N, class T, class... R>
+ListeNiveau(ListeCompacte<T> N::*, const char*, const char*, R...) -> ListeNiveau<N, T>;
 
 // A count, then that many histories, newest first; never none.
 template <class N, class H>
@@ -39,6 +44,8 @@ struct HistoriquesNiveau {
   const char* titre;
   RefusNiveau absents;
 };
+template <class N, class H, class... R>
+HistoriquesNiveau(ChaineHistoriques<H> N::*, const char*, R...) -> HistoriquesNiveau<N, H>;
 
 // A count, then that many records of the level below.
 template <class N, class S>
@@ -48,6 +55,8 @@ struct SousNiveaux {
   FormatVerifie<unsigned> titre;
   std::optional<RefusNiveau> absents = std::nullopt;
 };
+template <class N, class S, class... R>
+SousNiveaux(std::vector<S> N::*, R...) -> SousNiveaux<N, S>;
 
 template <class N>
 struct ChampsDuNiveau;
