@@ -27,8 +27,8 @@ bool doitEchouer() {
 }  // namespace
 
 #if defined(__SANITIZE_ADDRESS__)
-// The sanitizer keeps malloc for itself: only what goes through new fails. Every form is replaced, so that none
-// mixes with those of the sanitizer.
+// The sanitizer keeps malloc for itself: only what goes through new fails. Every form is replaced, so that
+// none mixes with those of the sanitizer.
 void* operator new(std::size_t taille, const std::nothrow_t& /*sans exception*/) noexcept {
   return doitEchouer() ? nullptr : std::malloc(taille == 0 ? 1 : taille);
 }
@@ -40,7 +40,9 @@ void* operator new(std::size_t taille) {
   return bloc;
 }
 void* operator new[](std::size_t taille) { return operator new(taille); }
-void* operator new[](std::size_t taille, const std::nothrow_t& sans) noexcept { return operator new(taille, sans); }
+void* operator new[](std::size_t taille, const std::nothrow_t& sans) noexcept {
+  return operator new(taille, sans);
+}
 void operator delete(void* bloc) noexcept { std::free(bloc); }
 void operator delete[](void* bloc) noexcept { std::free(bloc); }
 void operator delete(void* bloc, std::size_t /*taille*/) noexcept { std::free(bloc); }

@@ -43,14 +43,6 @@ TEST_F(Actes, ceQuiEstEcritSeRelit) {
   EXPECT_EQ(relu.activites[0].phases[0].historiques[0].majorationsDOM[3], 1.3);
 }
 
-TEST_F(Actes, coupureATouteLongueur) {
-  const Octets octets = ecrire(acte_);
-  for (std::size_t n = 0; n < octets.size(); ++n) {
-    NiveauActe relu;
-    ASSERT_EQ(lire({octets.begin(), octets.begin() + static_cast<std::ptrdiff_t>(n)}, relu), 0xD640) << n;
-  }
-}
-
 TEST_F(Actes, valeursRefusees) {
   using Defaut = void (*)(NiveauActe&);
   const struct {

@@ -50,11 +50,6 @@ class Modifications : public testing::Test, protected MagasinEssai {
     lecture.rechercherForfaitModificateur(Code(code), date(d), montant);
     return montant.lireValeur();
   }
-  double seuil(unsigned short position, unsigned d) {
-    Montant montant(-1);
-    lecture.rechercherSeuilExoTM(position, date(d), montant);
-    return montant.lireValeur();
-  }
   std::string libelle(unsigned short table, const char* code) {
     Texte texte("?");
     lecture.rechercherLibelleCode(table, Code(code), texte);
@@ -102,64 +97,6 @@ class Modifications : public testing::Test, protected MagasinEssai {
   ModificationDonnees modification{&referentiel};
   NiveauActe* acte;
 };
-
-TEST_F(Modifications, SeuilsEtLeurAnnulation) {
-  const std::string avant = contenu();
-  EXPECT_EQ(modification.modifierSeuil(date(20191231), 1, Montant(1)), NOX_CR_DATE_EFFET);
-  EXPECT_EQ(modification.modifierSeuil(date(20300101), 1, Montant(1)), NOX_CR_DATE_EFFET);
-  EXPECT_EQ(modification.modifierSeuil(date(20200101), 1, Montant(130)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierSeuil(date(20220101), 2, Montant(131)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierSeuil(date(20230101), 1, Montant(140)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierSeuil(date(20291231), 1, Montant(150)), NOX_CR_OK) << "last day of validity";
-  const auto seuils = [&](std::initializer_list<unsigned> dates) {
-    std::vector<double> valeurs;
-    for (const unsigned d : dates) {
-      valeurs.push_back(seuil(1, d));
-      valeurs.push_back(seuil(2, d));
-    }
-    return valeurs;
-  };
-  const auto tous = {20191231U, 20200101U, 20211231U, 20220101U, 20230101U, 20291231U, 20300101U};
-  EXPECT_EQ(seuils(tous),
-            (std::vector<double>{91, 92, 130, 121, 130, 121, 130, 131, 140, 131, 150, 131, -1, -1}));
-  // One position is given back; the changes of the other one hold.
-  EXPECT_EQ(modification.annulerModificationsSeuilExoTM(1), NOX_CR_OK);
-  EXPECT_EQ(seuils(tous),
-            (std::vector<double>{91, 92, 120, 121, 120, 121, 120, 131, 120, 131, 120, 131, -1, -1}));
-  EXPECT_EQ(referentiel.lignes<ModificationSeuil>().size(), 1U);
-  EXPECT_EQ(modification.annulerModificationsSeuilExoTM(1), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(modification.annulerModificationsSeuilExoTM(2), NOX_CR_OK);
-  EXPECT_EQ(contenu(), avant);
-}
-
-TEST_F(Modifications, HistoriquesDUneTablePartagee) {
-  const std::string avant = contenu();
-  EXPECT_EQ(modification.modifierForfaitModificateur(Code("J"), date(20220101), Montant(20)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierTauxModificateur(Code("J"), date(20220101), Coefficient(2.5)), NOX_CR_OK);
-  EXPECT_EQ(modification.modifierForfaitModificateur(Code("U"), date(20220101), Montant(40)), NOX_CR_OK);
-  const struct {
-    const char* code;
-    std::vector<double> forfaits;  // 20141231, 20150101, 20211231, 20220101, 20291231, 20300101
-  } cas[] = {{"A", {1, 1, 1, 1, 1, 1}}, {"J", {3, 2, 2, 20, 20, -1}}, {"U", {4, 4, 4, 40, 40, 40}}};
-  for (const auto& c : cas) {
-    std::vector<double> lus;
-    for (const unsigned d : {20141231U, 20150101U, 20211231U, 20220101U, 20291231U, 20300101U}) {
-      lus.push_back(forfait(c.code, d));
-    }
-    EXPECT_EQ(lus, c.forfaits) << c.code;
-  }
-  Coefficient taux;
-  lecture.rechercherTauxModificateur(Code("J"), date(20220101), taux);
-  EXPECT_EQ(taux.lireValeur(), 2.5);
-  const ModificationModificateur& deuxieme = referentiel.lignes<ModificationModificateur>()[1];
-  EXPECT_EQ(deuxieme.forfait, 20) << "both values are recorded";
-  EXPECT_EQ(deuxieme.taux, 2.5);
-  EXPECT_EQ(modification.annulerModificationsValeurModificateur(Code("J")), NOX_CR_OK);
-  EXPECT_EQ(forfait("J", 20291231), 2);
-  EXPECT_EQ(forfait("U", 20220101), 40);
-  EXPECT_EQ(modification.annulerModificationsValeurModificateur(Code("U")), NOX_CR_OK);
-  EXPECT_EQ(contenu(), avant);
-}
 
 TEST_F(Modifications, LignesCommunesADeuxCodes) {
   // A compact reference may let two codes share their histories: a change of one leaves the other alone.

@@ -1,4 +1,4 @@
-// Services of the function families, parameter checks, and the descriptors built from the reference tables.
+// Services of the function families, and the descriptors built from the reference tables.
 #include "interapp/fonctions.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "interapp/controleur_parametres.h"
 #include "interapp/interface.h"
 #include "magasin_essai.h"
 #include "octets_essai.h"
@@ -189,38 +188,6 @@ TEST(Fonctions, ecriventLaZoneDeSortie) {
   EXPECT_EQ(contenu(*zone), essai::ecrire({{3114, {"1500", "6500", "", "971"}}}));
   Fonctions::ajouterChampVide(cr, zone);
   EXPECT_EQ(cr, NOX_CR_ZONE_PLEINE);
-}
-
-// --- Parameters ---
-
-TEST(ControleurParametres, refuseCeQueLAppelantNeDoitPasDonner) {
-  using Controle = ControleurParametres;
-  EXPECT_EQ(Controle::verifierChaine(nullptr, false), 0xF802);
-  EXPECT_EQ(Controle::verifierChaine("", true), 0xF802);
-  EXPECT_EQ(Controle::verifierChaine("", false), 0);
-  Date date;
-  EXPECT_EQ(Controle::verifierDate(nullptr, date), 0xF802);
-  EXPECT_EQ(Controle::verifierDate("20230229", date), 0xF802);
-  EXPECT_EQ(Controle::verifierDate("202402290000", date), 0);
-  EXPECT_TRUE(date == Date(2024, 2, 29));
-
-  char octet = 'x';
-  std::optional<Zone> zone;
-  EXPECT_EQ(Controle::verifierZoneIn(&octet, 1, zone), 0);
-  EXPECT_TRUE(zone.has_value() && zone->lireTailleDonnees() == 1);
-  EXPECT_EQ(Controle::verifierZoneIn(&octet, 0, zone), 0xF803);
-  EXPECT_EQ(Controle::verifierZoneIn(nullptr, 1, zone), 0xF803);
-  EXPECT_FALSE(zone.has_value());
-
-  bool vrai = false;
-  EXPECT_EQ(Controle::verifierBooleen('O', vrai), 0);
-  EXPECT_TRUE(vrai);
-  EXPECT_EQ(Controle::verifierBooleen('N', vrai), 0);
-  EXPECT_FALSE(vrai);
-  EXPECT_EQ(Controle::verifierBooleen('o', vrai), 0xF802);
-  EXPECT_EQ(Controle::verifierPointeur(nullptr, true), 0xF802);
-  EXPECT_EQ(Controle::verifierPointeur(nullptr, false), 0xF800);
-  EXPECT_EQ(Controle::verifierPointeur(&octet, false), 0);
 }
 
 // --- Descriptors of a reference ---
