@@ -69,7 +69,7 @@ test-fils fils: test-release
 	@cmake --build build/tsan -j $(TACHES) --target test_fils
 	@cd build/tsan && NOXLUX_DUREE=$(DUREE) ctest --output-on-failure
 
-# Every byte of the reference files damaged in turn, under the sanitizers: hours.
+# Every byte of the reference files damaged in turn, under the sanitizers: under an hour on two cores.
 corruption: paquets
 	@$(call CONFIGURER,debug)
 	@cmake --build build/debug -j $(TACHES)
@@ -80,6 +80,23 @@ endurance: paquets
 	@$(call CONFIGURER,release) -DNOXLUX_TESTS=ON
 	@cmake --build build/release -j $(TACHES) --target corpus --target reference_exemple
 	@build/release/corpus $(CURDIR)/build/release/exemple/ 1000000
+
+.PHONY: couverture fuzz
+# Lines and branches that the tests reach, by directory, then what they do not reach.
+couverture: paquets
+	@packaging/installer-paquets gcovr
+	@$(call CONFIGURER,couverture)
+	@cmake --build build/couverture -j $(TACHES)
+	@find build/couverture -name '*.gcda' -delete
+	@cd build/couverture && ctest --output-on-failure -j $(TACHES)
+	@tests/couverture build/couverture
+
+# Inputs that the library or the command do not stand, each target for DUREE seconds (60).
+fuzz: paquets
+	@packaging/installer-paquets libclang-rt-14-dev
+	@$(call CONFIGURER,fuzz)
+	@cmake --build build/fuzz -j $(TACHES)
+	@fuzz/lancer build/fuzz
 
 # A hundred changes of the code, one at a time: prints those that no test sees. Hours.
 mutations: release

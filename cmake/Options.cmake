@@ -20,6 +20,13 @@ if(NOXLUX_FILS)
   add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -O0 -g1)
   add_link_options(-fsanitize=thread)
 endif()
+if(NOXLUX_COUVERTURE)
+  add_compile_options(--coverage -fprofile-update=atomic -O0)
+  add_link_options(--coverage)
+endif()
+if(NOXLUX_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link -O1)
+endif()
 
 # What a fault of the code could be turned into is kept small: guarded stacks, copies checked against the size of
 # their target (which takes the optimizer), addresses of functions that nothing can write once they are bound.

@@ -1,0 +1,19 @@
+// modifref.nox beside a sound reference, retouched; its checksum is made right again.
+#include "atelier.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* octets, std::size_t taille) {
+  static const std::vector<fuzz::Fichier> BASE = [] {
+    fuzz::configurer();
+    for (const fuzz::Fichier& fichier : fuzz::base("reference")) {
+      fuzz::ecrire(fichier.nom, fichier.octets);
+    }
+    return fuzz::base("modifications");
+  }();
+  std::vector<fuzz::Fichier> fichiers = BASE;
+  fuzz::Source source(octets, taille);
+  fuzz::retoucher(fichiers, source);
+  fuzz::refaireCrc(fichiers[0].octets);
+  fuzz::ecrire(fichiers[0].nom, fichiers[0].octets);
+  fuzz::interroger();
+  return 0;
+}
