@@ -9,7 +9,7 @@ namespace {
 
 using Cycle = SansReference;
 
-TEST_F(Cycle, LoadedTwiceThenUnloadedThenLoadedAgain) {
+TEST_F(Cycle, chargeeDeuxFoisLibereePuisChargeeEncore) {
   EXPECT_EQ(NOX_TermLIB(), NOX_CR_NON_CHARGE);
   EXPECT_EQ(NOX_InitLIB(), NOX_CR_OK);
   EXPECT_EQ(NOX_InitLIB(), NOX_CR_DEJA_CHARGE);
@@ -20,7 +20,7 @@ TEST_F(Cycle, LoadedTwiceThenUnloadedThenLoadedAgain) {
   EXPECT_EQ(lireVersion().code, NOX_CR_OK);
 }
 
-TEST_F(Cycle, VersionFilesTellSoftwareAndReference) {
+TEST_F(Cycle, lesFichiersDeSuiviDisentLesVersions) {
   ecrireFichier(dossier_.fichier("victime"), "intacte");
   std::filesystem::create_symlink("victime", dossier_.fichier("20.adm"));
   ASSERT_EQ(NOX_InitLIB(), NOX_CR_OK);
@@ -29,7 +29,7 @@ TEST_F(Cycle, VersionFilesTellSoftwareAndReference) {
   EXPECT_EQ(lireFichier(dossier_.fichier("21.adm")), "E0121");
 }
 
-TEST_F(Cycle, WorksWithoutVersionFollowUp) {
+TEST_F(Cycle, marcheSansSuiviDesVersions) {
   ecrireIni(referenceExemple(), false);
   EXPECT_EQ(NOX_InitLIB(), NOX_CR_SUIVI_REPERTOIRE);
   EXPECT_EQ(lireVersion().code, NOX_CR_OK);
@@ -41,7 +41,7 @@ TEST_F(Cycle, WorksWithoutVersionFollowUp) {
   EXPECT_EQ(lireVersion().code, NOX_CR_OK);
 }
 
-TEST_F(Cycle, FailedStartsLeaveTheLibraryUnloaded) {
+TEST_F(Cycle, unDemarrageManqueLaisseLaBibliothequeNonChargee) {
   const std::string autre = dossier_.fichier("reference/");
   std::filesystem::create_directory(autre);
   const std::string bonne = lireFichier(referenceExemple() + "tablebin.nox");
@@ -76,7 +76,7 @@ TEST_F(Cycle, FailedStartsLeaveTheLibraryUnloaded) {
   EXPECT_EQ(NOX_InitLIB(), NOX_CR_CONFIGURATION);
 }
 
-TEST_F(Cycle, ModificationsAreKeptBesideTheTablesByDefault) {
+TEST_F(Cycle, modificationsACoteDesTablesParDefaut) {
   std::filesystem::copy(referenceExemple() + "tablebin.nox", dossier_.chemin());
   ecrireFichier(dossier_.fichier("orvan.ini"), "[NOX]\nrepertoiretable = " + dossier_.chemin() +
                                                    "\n[COMMUN]\nrepertoiretravail = " + dossier_.chemin() +
@@ -86,7 +86,7 @@ TEST_F(Cycle, ModificationsAreKeptBesideTheTablesByDefault) {
   EXPECT_TRUE(std::filesystem::exists(dossier_.fichier("modifref.nox")));
 }
 
-TEST_F(Cycle, EveryRequestAnswersNotLoaded) {
+TEST_F(Cycle, touteDemandeRepondNonCharge) {
   const Zone acte = {{3010, {"HBFD008"}}};
   Bloc bloc(acte);
   char resultat = '?';
@@ -103,7 +103,7 @@ TEST_F(Cycle, EveryRequestAnswersNotLoaded) {
   EXPECT_EQ(NOX_SauvegarderReferentiel(nullptr), NOX_CR_NON_CHARGE);
 }
 
-TEST_F(Cycle, MemoryAndTraceNeedNoReference) {
+TEST_F(Cycle, memoireEtTraceSansReference) {
   void* zone = this;
   EXPECT_EQ(NOX_AllouerZoneMem(nullptr, 10), NOX_CR_PARAMETRE_SORTIE);
   EXPECT_EQ(NOX_AllouerZoneMem(&zone, 0), NOX_CR_PARAMETRE_ENTREE);

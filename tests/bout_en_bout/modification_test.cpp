@@ -72,7 +72,7 @@ void attendreApres(const Valeur& valeur) {
             (Reponse{NOX_CR_OK, {valeur.apres, DATE_EFFET}, true}));
 }
 
-TEST_F(Modification, ChangedSavedLoadedAgainAndCancelled) {
+TEST_F(Modification, changeSauveRelueEtAnnulee) {
   for (const Valeur& valeur : valeurs()) {
     SCOPED_TRACE(valeur.identifiant);
     attendreAvant(valeur, EFFET);
@@ -110,14 +110,14 @@ TEST_F(Modification, ChangedSavedLoadedAgainAndCancelled) {
       << "a save without comment keeps the last one";
 }
 
-TEST_F(Modification, UnsavedChangesAreLost) {
+TEST_F(Modification, ceQuiNEstPasSauveEstPerdu) {
   const Valeur& valeur = valeurs().front();
   ASSERT_EQ(modifier(valeur.identifiant, EFFET, valeur.changement), NOX_CR_OK);
   ASSERT_EQ(recharger(), NOX_CR_OK);
   attendreAvant(valeur, EFFET);
 }
 
-TEST_F(Modification, SeveralChangesOfOneValue) {
+TEST_F(Modification, plusieursChangementsDUneValeur) {
   const auto prix = [](const char* date) {
     return consulter("CCAM_37", date, {{3012, {"HBFD008", "1", "0"}}}).zone;
   };
@@ -135,7 +135,7 @@ TEST_F(Modification, SeveralChangesOfOneValue) {
   EXPECT_EQ(prix("20260301"), (Zone{{3117, {"10400"}}}));
 }
 
-TEST_F(Modification, NewGroupingCode) {
+TEST_F(Modification, nouveauCodeDeRegroupement) {
   const Zone nouveau = {{3210, {"ZZ9", "Actes du cabinet"}}};
   const auto regroupements = [] { return consulter("TB13_1", EFFET).zone; };
   const Zone avant = regroupements();
@@ -160,7 +160,7 @@ TEST_F(Modification, NewGroupingCode) {
   EXPECT_EQ(annuler("TB13_1"), NOX_CR_NON_MODIFIE);
 }
 
-TEST_F(Modification, RefusedChangesLeaveEverythingAsItWas) {
+TEST_F(Modification, unRefusNeChangeRien) {
   const struct {
     const char* identifiant;
     const char* date;
@@ -198,7 +198,7 @@ TEST_F(Modification, RefusedChangesLeaveEverythingAsItWas) {
   EXPECT_EQ(modifier("CCAM_37", "20190331", {{3201, {"HBLD036", "1", "0", "100"}}}), NOX_CR_OK);
 }
 
-TEST_F(Modification, Saving) {
+TEST_F(Modification, sauvegarde) {
   const auto existe = [this](const char* nom) { return std::filesystem::exists(dossier_.fichier(nom)); };
   EXPECT_EQ(NOX_SauvegarderReferentiel(nullptr), NOX_CR_OK);
   EXPECT_EQ(NOX_SauvegarderReferentiel(""), NOX_CR_OK);
@@ -230,7 +230,7 @@ TEST_F(Modification, Saving) {
 }
 
 // The full check forces the lines whose prices were changed locally, and only while they are.
-TEST_F(Modification, LocalPricesMarkTheInvoice) {
+TEST_F(Modification, lesPrixLocauxMarquentLaFacture) {
   const Reponse refusee = controlerComplet(factureDentaire("11050"));
   EXPECT_EQ(refusee.code, unsigned{NOX_CR_CONTROLE_NIVEAU_1});
   EXPECT_TRUE(refusee.remise);

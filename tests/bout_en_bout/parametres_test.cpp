@@ -11,7 +11,7 @@ using Parametres = AvecReference;
 
 const Zone ACTE = {{3010, {"HBFD008"}}};
 
-TEST_F(Parametres, RefusedInputs) {
+TEST_F(Parametres, entreesRefusees) {
   Bloc bloc(ACTE);
   void* const in = bloc.adresse();
   const unsigned n = bloc.taille();
@@ -113,7 +113,7 @@ TEST_F(Parametres, RefusedInputs) {
   EXPECT_EQ(resultat, '?');
 }
 
-TEST_F(Parametres, OutputAddresses) {
+TEST_F(Parametres, adressesDeSortie) {
   Bloc bloc(ACTE);
   const std::function<unsigned(void**, unsigned*)> appels[] = {
       [&](void** z, unsigned* t) {
@@ -141,7 +141,7 @@ TEST_F(Parametres, OutputAddresses) {
 }
 
 // The zone that an act function expects, spoilt in every way.
-TEST_F(Parametres, MalformedZones) {
+TEST_F(Parametres, zonesMalFormees) {
   const struct {
     const char* cas;
     std::string octets;
@@ -180,7 +180,7 @@ TEST_F(Parametres, MalformedZones) {
 }
 
 // Faults at places that do not fit in their family of codes: the last code of the family stands for them all.
-TEST_F(Parametres, PlacesBeyondTheirFamily) {
+TEST_F(Parametres, placesAuDelaDeLeurFamille) {
   const Zone prix = {{3400, {"1", "974"}}, {3410, {"1", DATE, "HBFD008", "1", "0"}}};
   Zone facture = factureDentaire("10400");
   facture.pop_back();
@@ -232,7 +232,7 @@ TEST_F(Parametres, PlacesBeyondTheirFamily) {
 }
 
 // Every cut and every changed byte of real requests: an answer or a code, never a byte read outside.
-TEST_F(Parametres, CutAndChangedZones) {
+TEST_F(Parametres, zonesCoupeesEtChangees) {
   const std::string facture = ecrire(factureDentaire("10400"));
   const std::string base = ecrire(
       {{3400, {"1", "974"}},

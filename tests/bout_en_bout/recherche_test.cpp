@@ -30,7 +30,7 @@ std::vector<std::string> codes(const Reponse& reponse) {
   return resultat;
 }
 
-TEST_F(Recherche, FilterIsAPrefixOfTheCode) {
+TEST_F(Recherche, leFiltreEstUnDebutDeCode) {
   const std::vector<std::string> tous = codes(rechercherFiltre(""));
   EXPECT_GT(tous.size(), 50U);
   EXPECT_TRUE(std::is_sorted(tous.begin(), tous.end()));
@@ -44,7 +44,7 @@ TEST_F(Recherche, FilterIsAPrefixOfTheCode) {
   EXPECT_EQ(rechercherFiltre("XYZ"), (Reponse{NOX_CR_RECHERCHE_VIDE, {}, false}));
 }
 
-TEST_F(Recherche, KeywordInItsFrames) {
+TEST_F(Recherche, motCleDansSesCadres) {
   const std::vector<std::string> partout = codes(rechercherMotCle("molaire"));
   EXPECT_NE(std::find(partout.begin(), partout.end(), "HBFD008"), partout.end());
   EXPECT_EQ(codes(rechercherMotCle("molaire", 0xFFFFFFFF)), partout);
@@ -68,7 +68,7 @@ TEST_F(Recherche, KeywordInItsFrames) {
   EXPECT_EQ(codes(rechercherMotCle("D\xC9VITALISATION")), codes(rechercherMotCle("devitalisation")));
 }
 
-TEST_F(Recherche, Messages) {
+TEST_F(Recherche, messages) {
   const TraceEssai trace({1, 6});
   rechercherMotCle("molaire", 32);
   rechercherFiltre("XYZ");
@@ -86,12 +86,12 @@ TEST_F(Recherche, Messages) {
   }
 }
 
-TEST_F(Recherche, Version) {
+TEST_F(Recherche, version) {
   EXPECT_EQ(lireVersion().zone,
             (Zone{{3600, {"0121", "00081", "", "EXEMPLE001", "Nomenclature d'exemple", "00001", "0113"}}}));
 }
 
-TEST_F(Recherche, DumpGoesToTheTraceAlone) {
+TEST_F(Recherche, leDumpVaDansLaTraceSeule) {
   EXPECT_EQ(consulter("CCAM_7", "20260115", {{3010, {"HBFD008"}}}).code, NOX_CR_OK);
   const TraceEssai trace({1});
   EXPECT_EQ(consulter("dUMP", "20260115", {{1, {"ignored"}}}), (Reponse{NOX_CR_OK, {}, false}));

@@ -60,7 +60,7 @@ class Sessions : public AvecReference {
   }
 };
 
-TEST_F(Sessions, AnswersAreThoseOfThePlainFunctions) {
+TEST_F(Sessions, lesReponsesSontCellesDesFonctionsSimples) {
   EXPECT_EQ(NOX_RechercherParMotCle_S("dent", 0, 7), NOX_CR_OK);
   EXPECT_EQ(sortie(7), rechercherMotCle("dent").zone);
   EXPECT_EQ(NOX_RechercherParFiltre_S("HB", 8), NOX_CR_OK);
@@ -84,7 +84,7 @@ TEST_F(Sessions, AnswersAreThoseOfThePlainFunctions) {
   EXPECT_EQ(gestionnaire.ecritures, ecritures) << "functions without answer zone must not hand one over";
 }
 
-TEST_F(Sessions, TheFirstCodeThatIsNotZeroIsAnswered) {
+TEST_F(Sessions, lePremierCodeNonNulEstRepondu) {
   // The manager has nothing to read.
   gestionnaire.codeLecture = 0x1234;
   EXPECT_EQ(NOX_ConsulterDonnee_S("CCAM_37", DATE, 1), 0x1234);
@@ -105,7 +105,7 @@ TEST_F(Sessions, TheFirstCodeThatIsNotZeroIsAnswered) {
   EXPECT_EQ(gestionnaire.ecritures, 2);
 }
 
-TEST_F(Sessions, FullCheckPassesItsAnswerOnWithTheErrorsFound) {
+TEST_F(Sessions, leControleCompletRemetSaReponseAvecLesErreurs) {
   gestionnaire.entrees[5] = ecrire(factureDentaire("11050"));
   EXPECT_EQ(NOX_ControleComplet_S(5), NOX_CR_CONTROLE_NIVEAU_1);
   EXPECT_EQ(sortie(5), controlerComplet(factureDentaire("11050")).zone);
@@ -119,7 +119,7 @@ TEST_F(Sessions, FullCheckPassesItsAnswerOnWithTheErrorsFound) {
   EXPECT_EQ(gestionnaire.ecritures, 1);
 }
 
-TEST_F(Sessions, TracesBothServices) {
+TEST_F(Sessions, traceLesDeuxServices) {
   const TraceEssai trace({1});
   NOX_ConsulterDonnee_S("CCAM_37", DATE, 1);
   EXPECT_TRUE(trace.contient("NOX_ConsulterDonnee_S : numeroSession = 1\n"));

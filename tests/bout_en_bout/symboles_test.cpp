@@ -28,7 +28,7 @@ std::string bibliotheque() {
   return chemin == nullptr ? "" : chemin;
 }
 
-TEST(Symboles, OnlyTheInterfaceIsExported) {
+TEST(Symboles, seuleLInterfaceEstExportee) {
   ASSERT_FALSE(bibliotheque().empty()) << "NOXLUX_BIBLIOTHEQUE must name the built library";
   std::set<std::string> definis;
   std::set<std::string> faibles;
@@ -75,11 +75,11 @@ TEST(Symboles, OnlyTheInterfaceIsExported) {
   EXPECT_EQ(faibles, (std::set<std::string>{"KEP_EcrireZoneOut", "KEP_LireZoneIn"}));
 }
 
-TEST(Symboles, SonameIsVersioned) {
+TEST(Symboles, sonameVersionne) {
   EXPECT_NE(executer("readelf -d '" + bibliotheque() + "'").find("soname: [libnoxlux.so.1]"),
             std::string::npos);
 }
 
-TEST(Entete, ServesACProgram) { EXPECT_EQ(noxlux_entete_en_c(), 0); }
+TEST(Entete, sertUnProgrammeC) { EXPECT_EQ(noxlux_entete_en_c(), 0); }
 
 }  // namespace

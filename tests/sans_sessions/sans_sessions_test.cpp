@@ -12,7 +12,7 @@
 
 namespace {
 
-TEST(SansSessions, LoadsWithImmediateBinding) {
+TEST(SansSessions, seChargeToutesLiaisonsFaites) {
   const char* chemin = std::getenv("NOXLUX_BIBLIOTHEQUE");
   ASSERT_NE(chemin, nullptr) << "NOXLUX_BIBLIOTHEQUE must name the built library";
   void* bibliotheque = dlopen(chemin, RTLD_NOW | RTLD_LOCAL);
@@ -21,7 +21,7 @@ TEST(SansSessions, LoadsWithImmediateBinding) {
   dlclose(bibliotheque);
 }
 
-TEST(SansSessions, VariantsAnswerAnInconsistency) {
+TEST(SansSessions, lesVariantesRepondentUneIncoherence) {
   const std::filesystem::path trace = std::filesystem::temp_directory_path() / "noxlux_sans_sessions.txt";
   ASSERT_EQ(NOX_InitTrace(trace.c_str(), "w", 2, 1), NOX_CR_OK);
   char resultat = '?';
