@@ -1,8 +1,14 @@
 # Compiler options shared by every target, the tests' own framework included.
 
+# Messages reach the host as ISO-8859-1, whatever compiles them.
+set(CLANG_LATIN1 ${CMAKE_SOURCE_DIR}/cmake/clang-latin1)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  # Messages reach the host as ISO-8859-1.
   add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-fexec-charset=ISO-8859-1>)
+elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  list(PREPEND CMAKE_CXX_COMPILER_LAUNCHER ${CLANG_LATIN1})
+else()
+  message(FATAL_ERROR "noxlux is compiled by GCC or clang: its texts must become ISO-8859-1, and how ${CMAKE_CXX_COMPILER_ID} "
+    "would do that is not known here.")
 endif()
 # No fused arithmetic: every build computes the same cents.
 add_compile_options(-ffp-contract=off)
