@@ -60,14 +60,13 @@ CodeRetour AssociationCCAM::controlerReglementation(Reglementation& reglementati
   return cr;
 }
 
-CodeRetour AssociationCCAM::rechercherActePu(Tarification& tarification) {
+CodeRetour AssociationCCAM::rechercherActePu(Tarification& tarification, ListeErreurs& erreurs) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Association::rechercheActePu");
-  bool verifiable = false;
-  cr = tarification.estVerifiable(Code(Tarification::PROD656A), *this, verifiable);
-  if (cr == NOX_CR_OK && verifiable) {
-    cr = tarification.appliquerProd656A(*this);
-  }
+  Deroulement<Tarification> deroulement(tarification, erreurs);
+  deroulement.calcul(Tarification::PROD656A, *this, Portee::ASSOCIATION,
+                     [&] { return tarification.appliquerProd656A(*this); });
+  cr = deroulement.code();
   return cr;
 }
 

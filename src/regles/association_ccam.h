@@ -24,7 +24,7 @@ struct AssociationCCAM {
 
   CodeRetour controlerReglementation(Reglementation& reglementation, ListeErreurs& erreurs);
   // Finds the act with the highest unit price (PROD656A).
-  CodeRetour rechercherActePu(Tarification& tarification);
+  CodeRetour rechercherActePu(Tarification& tarification, ListeErreurs& erreurs);
   // Files the error of an association rule on all the lines, then empties it.
   CodeRetour traiterErreur(ListeErreurs& erreurs, Erreur& erreur, Regles& regles);
   void dump() const;

@@ -104,6 +104,17 @@ class Deroulement {
     return true;
   }
 
+  // What may not be checked on the association of the act that a travel line follows may not be checked on
+  // the travel line either.
+  CodeRetour estVerifiable(const Code& regle, const LigneActe& ligne, Portee portee, bool& verifiable) {
+    const LigneCCAM* const acte = enLigneCCAM(ligne.rattachement);
+    CodeRetour cr = NOX_CR_OK;
+    verifiable = true;
+    if (portee == Portee::ASSOCIATION && acte != nullptr && acte->association != nullptr) {
+      cr = estVerifiable(regle, *acte, portee, verifiable);
+    }
+    return cr == NOX_CR_OK && verifiable ? regles_.estVerifiable(regle, ligne, verifiable) : cr;
+  }
   CodeRetour estVerifiable(const Code& regle, const LigneCCAM& ligne, Portee portee, bool& verifiable) {
     switch (portee) {
       case Portee::SEANCE:

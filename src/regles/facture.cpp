@@ -103,8 +103,9 @@ CodeRetour Facture::controler(Reglementation& reglementation, Tarification& tari
     return association.controlerReglementation(reglementation, erreurs);
   });
   pourChaque(lignes, [&](auto& ligne) { return ligne->controlerPU(tarification, erreurs); });
-  pourChaque(associations,
-             [&](AssociationCCAM& association) { return association.rechercherActePu(tarification); });
+  pourChaque(associations, [&](AssociationCCAM& association) {
+    return association.rechercherActePu(tarification, erreurs);
+  });
   pourChaque(lignes, [&](auto& ligne) { return ligne->controlerBaseActe(tarification, erreurs); });
   const std::string_view nature = codeOuVide(natureAssurance).vue();
   if (cr == NOX_CR_OK && nature != MATERNITE && nature != ACCIDENT_TRAVAIL) {
@@ -148,7 +149,7 @@ CodeRetour Facture::controlerExoFacture(Tarification& tarification, ListeErreurs
     if (cr != NOX_CR_OK || factureExoneree->vue() == EXONEREE) {
       break;
     }
-    cr = seance.controlerExoFacture(tarification, *factureExoneree);
+    cr = seance.controlerExoFacture(tarification, erreurs, *factureExoneree);
   }
   if (cr != NOX_CR_OK) {
     return cr;

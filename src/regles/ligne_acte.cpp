@@ -17,7 +17,8 @@ constexpr Regle<Reglementation, LigneActe> REGLES_PRESTATION[] = {
     {"PROD211", &Reglementation::appliquerProd211},
 };
 constexpr Regle<Reglementation, LigneActe> DEPLACEMENT_ADMIS{"PROD690A", &Reglementation::appliquerProd690A};
-constexpr Regle<Tarification, LigneActe> DEPLACEMENT_EXONERE{"PROD792B", &Tarification::appliquerProd792B};
+constexpr Regle<Tarification, LigneActe> DEPLACEMENT_EXONERE{"PROD792B", &Tarification::appliquerProd792B,
+                                                             Portee::ASSOCIATION};
 
 }  // namespace
 
@@ -111,23 +112,12 @@ CodeRetour LigneActe::controlerExoActe(Tarification& tarification, ListeErreurs&
   return compterModifications(tarification, FORCAGE_EXONERATION, [] { return NOX_CR_OK; });
 }
 
-// A travel line follows the exemption of the CCAM line it is attached to: what may no longer be checked on
-// that line's association may not be checked on it either.
+// A travel line follows the exemption of the CCAM line it is attached to.
 CodeRetour LigneActe::controlerExoFactureExoneree(Tarification& tarification, ListeErreurs& erreurs) {
-  const LigneCCAM* const ligneCCAM = enLigneCCAM(rattachement);
-  if (!estDeplacement() || ligneCCAM == nullptr) {
-    return NOX_CR_OK;
-  }
-  bool verifiable = true;
-  if (ligneCCAM->association != nullptr) {
-    const CodeRetour cr = tarification.estVerifiable(Code(DEPLACEMENT_EXONERE.identifiant),
-                                                     *ligneCCAM->association, verifiable);
-    if (cr != NOX_CR_OK || !verifiable) {
-      return cr;
-    }
-  }
   Deroulement<Tarification> deroulement(tarification, erreurs);
-  deroulement.regle(DEPLACEMENT_EXONERE, *this);
+  if (estDeplacement() && enLigneCCAM(rattachement) != nullptr) {
+    deroulement.regle(DEPLACEMENT_EXONERE, *this);
+  }
   return deroulement.code();
 }
 

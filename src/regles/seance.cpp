@@ -1,6 +1,7 @@
 #include "regles/seance.h"
 
 #include "basics/trace.h"
+#include "regles/deroulement.h"
 #include "regles/facture.h"
 #include "regles/tarification.h"
 #include "regles/trace_regles.h"
@@ -19,19 +20,17 @@ void Seance::ajouterLigne(LigneCCAM* ligne) {
   topDebrayage = topDebrayage || ligne->topDebrayage;
 }
 
-CodeRetour Seance::controlerExoFacture(Tarification& tarification, Code& factureExoneree) {
-  bool verifiable = false;
+CodeRetour Seance::controlerExoFacture(Tarification& tarification, ListeErreurs& erreurs,
+                                       Code& factureExoneree) {
   CodeRetour cr = NOX_CR_OK;
   const BlocTrace bloc(TRACE_CONTROLE, cr, "Seance::controlerExoFacture");
-  cr = tarification.estVerifiable(Code(Tarification::PROD790B), *this, verifiable);
-  if (cr != NOX_CR_OK) {
-    return cr;
-  }
-  seuilVerifie = verifiable;
-  if (verifiable) {
-    cr = tarification.appliquerProd790B(*this, codeOuVide(lignes.front()->factureParent->caissePS),
-                                        factureExoneree);
-  } else if (factureExoneree.vue() != Facture::EXONEREE) {
+  Deroulement<Tarification> deroulement(tarification, erreurs);
+  const Code& caisse = codeOuVide(lignes.front()->factureParent->caissePS);
+  seuilVerifie = deroulement.calcul(Tarification::PROD790B, *this, Portee::SEANCE, [&] {
+    return tarification.appliquerProd790B(*this, caisse, factureExoneree);
+  });
+  cr = deroulement.code();
+  if (cr == NOX_CR_OK && !seuilVerifie && factureExoneree.vue() != Facture::EXONEREE) {
     factureExoneree = Code(Facture::NON_VERIFIABLE);
   }
   return cr;

@@ -18,7 +18,7 @@ struct Seance {
   void ajouterLigne(LigneCCAM* ligne);
   // Exemption by the threshold. `factureExoneree` becomes "2" when the séance reaches it, "4" when that may
   // not be checked, which seuilVerifie keeps.
-  CodeRetour controlerExoFacture(Tarification& tarification, Code& factureExoneree);
+  CodeRetour controlerExoFacture(Tarification& tarification, ListeErreurs& erreurs, Code& factureExoneree);
   void dump() const;
 
   Nombre numero;
