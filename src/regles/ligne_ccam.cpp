@@ -125,6 +125,7 @@ CodeRetour LigneCCAM::controlerPU(Tarification& tarification, ListeErreurs& erre
   const BlocTrace bloc(TRACE_CONTROLE, cr, "LigneCCAM::controlerPU");
   cr = compterModifications(tarification, FORCAGE_PRIX, [&] {
     Deroulement<T> deroulement(tarification, erreurs);
+    prixCalcule.reset();
     Montant prix;
     if (deroulement.calcul(T::PROD840, *this, Portee::LIGNE, [&] {
           return tarification.appliquerProd840(acte, activite, phase, date,
@@ -141,6 +142,7 @@ CodeRetour LigneCCAM::controlerPU(Tarification& tarification, ListeErreurs& erre
 CodeRetour LigneCCAM::controlerBaseActe(Tarification& tarification, ListeErreurs& erreurs) {
   exiger(association != nullptr, "association != __null");
   CodeRetour cr = NOX_CR_OK;
+  baseCalculee.reset();
   baseHorsForfait = Montant();
   const BlocParticulier bloc(
       [&] {
