@@ -16,4 +16,8 @@ if(NOXLUX_MANUELS)
 endif()
 install(FILES packaging/noxlux.bash-completion DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
   RENAME noxlux)
+install(FILES packaging/noxlux.zsh-completion DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions
+  RENAME _noxlux)
+install(FILES packaging/noxlux.fish-completion DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+  RENAME noxlux.fish)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN "*.md")

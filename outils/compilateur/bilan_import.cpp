@@ -17,18 +17,22 @@ BilanImport::Compte& BilanImport::compte(std::string_view quoi) {
   return trouve != comptes_.end() ? *trouve : comptes_.emplace_back(Compte{std::string(quoi)});
 }
 
-void BilanImport::noter(Genres& genres, std::string_view raison, Lieu lieu, std::string detail) {
+void BilanImport::noter(Genres& genres, std::string_view raison, Lieu lieu, std::string detail,
+                        std::size_t nombre) {
   auto genre = genres.find(raison);
   if (genre == genres.end()) {
-    genre = genres.emplace(raison, std::vector<Cas>()).first;
+    genre = genres.emplace(raison, Genre()).first;
   }
-  genre->second.push_back({lieu, std::move(detail)});
+  genre->second.nombre += nombre;
+  if (genre->second.cas.size() < Genre::CAS_GARDES) {
+    genre->second.cas.push_back({lieu, std::move(detail)});
+  }
 }
 
 std::size_t BilanImport::nombreEcartes() const {
   std::size_t nombre = 0;
-  for (const auto& [raison, cas] : ecartes_) {
-    nombre += cas.size();
+  for (const auto& [raison, genre] : ecartes_) {
+    nombre += genre.nombre;
   }
   return nombre;
 }
@@ -41,12 +45,15 @@ std::vector<std::string> BilanImport::lignes(const Rapport& rapport, bool verbeu
                compte.gardes == 0 ? "" : phrase(", ", std::to_string(compte.gardes), " gardés")));
   }
   const auto decrire = [&](const Genres& genres, const char* titre, std::size_t sansDemander) {
-    for (const auto& [raison, cas] : genres) {
-      resultat.push_back(phrase(titre, std::to_string(cas.size()), " : ", raison));
-      for (const Cas& un : verbeux || cas.size() <= sansDemander ? cas : std::vector<Cas>()) {
+    for (const auto& [raison, genre] : genres) {
+      resultat.push_back(phrase(titre, std::to_string(genre.nombre), " : ", raison));
+      for (const Cas& un : verbeux || genre.nombre <= sansDemander ? genre.cas : std::vector<Cas>()) {
         const std::string ligne = un.lieu.ligne == 0 ? "" : phrase(":", std::to_string(un.lieu.ligne));
         resultat.push_back(phrase("    ", rapport.nomSource(un.lieu.source), ligne,
                                   un.detail.empty() ? "" : phrase(": ", un.detail)));
+      }
+      if (verbeux && genre.cas.size() == Genre::CAS_GARDES) {
+        resultat.push_back("    ... (la suite n'est pas montrée)");
       }
     }
   };

@@ -25,8 +25,8 @@ class BilanImport {
     noter(ecartes_, raison, lieu, std::move(detail));
   }
   // A value kept, not quite as it was written.
-  void ajuster(std::string_view raison, Lieu lieu, std::string detail = {}) {
-    noter(ajustes_, raison, lieu, std::move(detail));
+  void ajuster(std::string_view raison, Lieu lieu, std::string detail = {}, std::size_t nombre = 1) {
+    noter(ajustes_, raison, lieu, std::move(detail), nombre);
   }
 
   // What a person ought to know: nothing is lost, something is assumed, absent or without effect.
@@ -54,10 +54,17 @@ class BilanImport {
     Lieu lieu;
     std::string detail;
   };
-  using Genres = std::map<std::string, std::vector<Cas>, std::less<>>;
+  // One kind: how many cases, and the first of them.
+  struct Genre {
+    static constexpr std::size_t CAS_GARDES = 20000;
+    std::size_t nombre = 0;
+    std::vector<Cas> cas;
+  };
+  using Genres = std::map<std::string, Genre, std::less<>>;
 
   Compte& compte(std::string_view quoi);
-  static void noter(Genres& genres, std::string_view raison, Lieu lieu, std::string detail);
+  static void noter(Genres& genres, std::string_view raison, Lieu lieu, std::string detail,
+                    std::size_t nombre = 1);
 
   std::vector<Compte> comptes_;  // in the order they were first met
   Genres ecartes_;

@@ -6,8 +6,7 @@ bool LecteurCsv::finDeChamp() const {
   return fini() || texte_[position_] == separateur_ || texte_[position_] == '\n' || texte_[position_] == '\r';
 }
 
-void LecteurCsv::lireChampEntreGuillemets(EnregistrementCsv& enregistrement) {
-  std::string& champ = enregistrement.champs.back();
+void LecteurCsv::lireChampEntreGuillemets(EnregistrementCsv& enregistrement, std::string& champ) {
   ++position_;
   while (!fini()) {
     const char c = texte_[position_++];
@@ -26,12 +25,15 @@ void LecteurCsv::lireChampEntreGuillemets(EnregistrementCsv& enregistrement) {
 }
 
 void LecteurCsv::lireChamp(EnregistrementCsv& enregistrement) {
-  enregistrement.champs.emplace_back();
+  std::string champ;
   if (!fini() && texte_[position_] == '"') {
-    lireChampEntreGuillemets(enregistrement);
+    lireChampEntreGuillemets(enregistrement, champ);
   }
   while (!finDeChamp()) {
-    enregistrement.champs.back() += texte_[position_++];
+    champ += texte_[position_++];
+  }
+  if (++enregistrement.nombre <= EnregistrementCsv::CHAMPS_GARDES) {
+    enregistrement.champs.push_back(std::move(champ));
   }
 }
 

@@ -10,7 +10,11 @@
 namespace noxlux::compilateur {
 
 struct EnregistrementCsv {
+  // More than any record has: what follows is counted and not kept.
+  static constexpr std::size_t CHAMPS_GARDES = 256;
+
   std::vector<std::string> champs;
+  std::size_t nombre = 0;   // of all its fields
   std::uint32_t ligne = 0;  // where it begins, from 1
   bool malForme = false;    // text between a closing quote and the next comma
   bool inacheve = false;    // the text ends within a quoted field
@@ -24,10 +28,12 @@ class LecteurCsv {
 
   // The next record; false at the end of the text.
   bool lire(EnregistrementCsv& enregistrement);
+  // Bytes read so far.
+  std::size_t position() const { return position_; }
 
  private:
   void lireChamp(EnregistrementCsv& enregistrement);
-  void lireChampEntreGuillemets(EnregistrementCsv& enregistrement);
+  void lireChampEntreGuillemets(EnregistrementCsv& enregistrement, std::string& champ);
   bool fini() const { return position_ >= texte_.size(); }
   bool finDeChamp() const;
 

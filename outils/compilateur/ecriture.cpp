@@ -6,12 +6,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 
 #include "compilateur/generateur.h"
+#include "compilateur/systeme.h"
 #include "referent/ecrivain.h"
 #include "referent/referentiel.h"
 
@@ -25,28 +24,6 @@ struct Fermeture {
   void operator()(std::FILE* fichier) const { std::fclose(fichier); }
 };
 using Fichier = std::unique_ptr<std::FILE, Fermeture>;
-
-// A directory that disappears with what it holds.
-class RepertoireTemporaire {
- public:
-  explicit RepertoireTemporaire(const fs::path& parent) : modele_((parent / ".noxlux-XXXXXX").string()) {
-    cree_ = ::mkdtemp(modele_.data()) != nullptr;
-  }
-  ~RepertoireTemporaire() {
-    if (cree_) {
-      std::error_code ignoree;
-      fs::remove_all(modele_, ignoree);
-    }
-  }
-  RepertoireTemporaire(const RepertoireTemporaire&) = delete;
-  RepertoireTemporaire& operator=(const RepertoireTemporaire&) = delete;
-  bool estCree() const { return cree_; }
-  fs::path chemin() const { return modele_; }
-
- private:
-  std::string modele_;
-  bool cree_;
-};
 
 class Ecriture {
  public:
@@ -87,7 +64,7 @@ class Ecriture {
 
  private:
   static std::string erreurSysteme(const char* action) {
-    return phrase(action, " impossible (", std::strerror(errno), ")");
+    return phrase(action, " impossible (", raisonSysteme(errno), ")");
   }
 
   // All but the index, which is the last table that the loader reads.
@@ -188,11 +165,11 @@ bool ecrireReference(const Modele& modele, const TablesReference& tables, const 
   std::error_code erreur;
   fs::create_directories(repertoire, erreur);
   if (erreur) {
-    return refuser(phrase("création du répertoire impossible (", erreur.message(), ")"));
+    return refuser(phrase("création du répertoire impossible (", raisonSysteme(erreur.value()), ")"));
   }
-  const RepertoireTemporaire temporaire(repertoire);
-  if (!temporaire.estCree()) {
-    return refuser("écriture impossible dans ce répertoire");
+  const RepertoireTemporaire temporaire(repertoire, ".noxlux-");
+  if (!temporaire.raison().empty()) {
+    return refuser(phrase("écriture impossible dans ce répertoire (", temporaire.raison(), ")"));
   }
   const fs::path provisoire = temporaire.chemin() / NOM_FICHIER_REFERENCE;
   std::string raison = Ecriture(modele, tables, avancement).ecrire(provisoire);
@@ -205,7 +182,7 @@ bool ecrireReference(const Modele& modele, const TablesReference& tables, const 
   taille = fs::file_size(provisoire, erreur);
   fs::rename(provisoire, fs::path(repertoire) / NOM_FICHIER_REFERENCE, erreur);
   if (erreur) {
-    return refuser(phrase("mise en place du fichier impossible (", erreur.message(), ")"));
+    return refuser(phrase("mise en place du fichier impossible (", raisonSysteme(erreur.value()), ")"));
   }
   synchroniserRepertoire(repertoire);
   return true;

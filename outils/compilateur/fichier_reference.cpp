@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include "compilateur/rapport.h"
+#include "compilateur/systeme.h"
 #include "referent/lecteur.h"
 #include "referent/referentiel.h"
 
@@ -30,7 +30,7 @@ constexpr int SUITE_ENTETE = 2;  // bytes between the comment and the tables
 std::unique_ptr<FichierReference> FichierReference::ouvrir(const std::string& chemin, std::string& raison) {
   std::FILE* const fichier = std::fopen(chemin.c_str(), "rb");
   if (fichier == nullptr) {
-    raison = phrase("impossible à ouvrir (", std::strerror(errno), ")");
+    raison = phrase("impossible à ouvrir (", raisonSysteme(errno), ")");
     return nullptr;
   }
   std::unique_ptr<FichierReference> resultat(new FichierReference(fichier));

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 
 #include "compilateur/csv.h"
 #include "compilateur/ecriture_valeurs.h"
+#include "compilateur/systeme.h"
 #include "compilateur/transcodage.h"
 #include "compilateur/valeurs_listing.h"
 
@@ -53,6 +52,10 @@ constexpr std::array<std::string_view, NOMBRE_COLONNES> TITRES = {"Code",
 
 constexpr std::string_view CHAPITRE_MODIFICATEURS = "19.03";
 constexpr std::uint32_t NIVEAU_1 = 1000000;  // from a chapter of the first level to the next
+// A dozen times what the listing holds: more would only exhaust the memory.
+constexpr std::size_t ENREGISTREMENTS_MAX = 300000;
+constexpr std::size_t ACTES_MAX = 100000;
+constexpr std::size_t ASSOCIES_MAX = 10000;
 constexpr std::size_t USAGES_D_UN_MODIFICATEUR = 10;
 constexpr unsigned PREMIERE_VERSION = 200;
 // What an act is that nothing more is told of.
@@ -139,15 +142,19 @@ class LectureListing {
     if (!lireEntete(lecteur)) {
       return false;
     }
+    std::size_t enregistrements = 0;
     while (lecteur.lire(enregistrement)) {
       bilan_.lire("enregistrements");
       lieu_.ligne = enregistrement.ligne;
+      if (++enregistrements > ENREGISTREMENTS_MAX || liste_.actes.size() > ACTES_MAX) {
+        return refuser("le fichier est bien plus grand que la liste publique : ce n'est pas elle");
+      }
       if (enregistrement.inacheve || enregistrement.sansFinDeLigne) {
         return refuser("le fichier est tronqué : il s'arrête au milieu de cet enregistrement");
       }
-      if (enregistrement.malForme || enregistrement.champs.size() != NOMBRE_COLONNES) {
+      if (enregistrement.malForme || enregistrement.nombre != NOMBRE_COLONNES) {
         bilan_.ecarter("enregistrement mal formé", lieu_,
-                       phrase(std::to_string(enregistrement.champs.size()), " champs"));
+                       phrase(std::to_string(enregistrement.nombre), " champs"));
         quitter();
         continue;
       }
@@ -252,13 +259,14 @@ class LectureListing {
   // The text in ISO-8859-1, each replaced character being counted.
   std::string convertir(std::string_view utf8) {
     TexteLatin1 latin1 = versLatin1(rogner(utf8));
-    for (const std::string& caractere : latin1.translitteres) {
+    for (const auto& [caractere, nombre] : latin1.translitteres) {
       bilan_.ajuster(phrase("caractère « ", caractere, " » remplacé par « ",
                             versUtf8(equivalentLatin1(caractere)), " »"),
-                     lieu_);
+                     lieu_, {}, nombre);
     }
-    for (const std::string& caractere : latin1.sansEquivalent) {
-      bilan_.ajuster(phrase("caractère « ", caractere, " » sans équivalent, remplacé par « ? »"), lieu_);
+    for (const auto& [caractere, nombre] : latin1.sansEquivalent) {
+      bilan_.ajuster(phrase("caractère « ", caractere, " » sans équivalent, remplacé par « ? »"), lieu_, {},
+                     nombre);
     }
     std::erase_if(latin1.texte,
                   [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; });
@@ -602,6 +610,10 @@ class LectureListing {
       ecarterAssociation(lieu_, *acte(), code);
     }
     for (const std::string& code : associes.codes) {
+      if (associations_.size() >= ASSOCIES_MAX) {
+        ecarterAssociation(lieu_, *acte(), code);
+        return;
+      }
       const CodeActe associe(code);
       const auto meme = [&](const AssociationActe& a) { return a.acte == associe; };
       if (std::none_of(associations_.begin(), associations_.end(), meme)) {
@@ -706,10 +718,11 @@ bool lireListing(std::string_view texte, std::string nom, const OptionsListing& 
 
 bool importerListing(const std::string& chemin, const OptionsListing& options, Modele& liste,
                      BilanImport& bilan, Rapport& rapport) {
-  std::ifstream flux(chemin, std::ios::binary);
-  const std::string texte{std::istreambuf_iterator<char>(flux), std::istreambuf_iterator<char>()};
-  if (!flux.is_open() || (!flux.good() && !flux.eof())) {
-    rapport.signaler({rapport.declarerSource(chemin), 0}, "le fichier ne peut pas être lu");
+  std::string texte;
+  const std::string raison = lireFichier(chemin, texte);
+  if (!raison.empty()) {
+    rapport.signaler({rapport.declarerSource(chemin), 0},
+                     phrase("le fichier ne peut pas être lu (", raison, ")"));
     return false;
   }
   return lireListing(texte, chemin, options, liste, bilan, rapport);

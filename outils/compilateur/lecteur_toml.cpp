@@ -1,9 +1,9 @@
 #include "compilateur/lecteur_toml.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <set>
 #include <type_traits>
@@ -15,6 +15,8 @@
 #include "compilateur/cles_toml.h"
 #include "compilateur/lecteur_tableau.h"
 #include "compilateur/plafonds.h"
+#include "compilateur/proches.h"
+#include "compilateur/systeme.h"
 #include "compilateur/transcodage.h"
 #include "referent/lecteur.h"
 
@@ -90,11 +92,11 @@ bool convertirTexte(Contexte& contexte, const toml::node& noeud, std::string& te
     return false;
   }
   TexteLatin1 latin1 = versLatin1(valeur->get());
-  for (const std::string& caractere : latin1.translitteres) {
+  for (const auto& [caractere, nombre] : latin1.translitteres) {
     contexte.refuser(noeud, "le caractère « ", caractere, " » n'existe pas en ISO-8859-1, écrire « ",
                      versUtf8(equivalentLatin1(caractere)), " »");
   }
-  for (const std::string& caractere : latin1.sansEquivalent) {
+  for (const auto& [caractere, nombre] : latin1.sansEquivalent) {
     contexte.refuser(noeud, "le caractère « ", caractere, " » n'existe pas en ISO-8859-1");
   }
   const auto interdit = [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t'; };
@@ -281,24 +283,6 @@ bool lireValeur(Contexte& contexte, const toml::node& noeud, std::vector<T>& cib
   return true;
 }
 
-// Number of insertions, deletions and replacements from a key to another.
-std::size_t ecart(std::string_view gauche, std::string_view droite) {
-  std::vector<std::size_t> ligne(droite.size() + 1);
-  for (std::size_t j = 0; j <= droite.size(); ++j) {
-    ligne[j] = j;
-  }
-  for (std::size_t i = 1; i <= gauche.size(); ++i) {
-    std::size_t diagonale = ligne[0];
-    ligne[0] = i;
-    for (std::size_t j = 1; j <= droite.size(); ++j) {
-      const std::size_t remplacement = diagonale + (gauche[i - 1] == droite[j - 1] ? 0 : 1);
-      diagonale = ligne[j];
-      ligne[j] = std::min({ligne[j] + 1, ligne[j - 1] + 1, remplacement});
-    }
-  }
-  return ligne[droite.size()];
-}
-
 template <class E>
 void refuserClesInconnues(Contexte& contexte, const toml::table& table) {
   for (auto&& [cle, noeud] : table) {
@@ -370,6 +354,47 @@ void lireModele(Contexte& contexte, const toml::table& table, Modele& modele) {
   std::apply([&](const auto&... cle) { (lire(cle), ...); }, CLES<Modele>);
 }
 
+// Where the text in quotes that opens at a place ends, on its line at the latest.
+std::size_t finDesGuillemets(std::string_view texte, std::size_t debut) {
+  std::size_t fin = debut + 1;
+  while (fin < texte.size() && texte[fin] != texte[debut] && texte[fin] != '\n') {
+    fin += texte[fin] == '\\' && texte[debut] == '"' && texte.substr(fin + 1, 1) != "\n" ? 2U : 1U;
+  }
+  return fin < texte.size() && texte[fin] == '\n' ? fin - 1 : fin;
+}
+
+// The line of the first dotted key (a.b.c) of more segments than any source needs; 0 when there is none. A
+// key of very many would make tables nested as deep, which the parser takes down by recursion. Words of a
+// text are no key: no dot stands between them.
+std::uint32_t ligneDeCleTropLongue(std::string_view texte) {
+  constexpr unsigned POINTS_MAX = 32;
+  std::uint32_t ligne = 1;
+  unsigned points = 0;
+  char avant = ' ';
+  bool blanc = false;
+  for (std::size_t i = 0; i < texte.size(); ++i) {
+    const char c = texte[i];
+    if (c == ' ' || c == '\t') {
+      blanc = true;
+      continue;
+    }
+    const bool guillemet = c == '"' || c == '\'';
+    const bool deCle = guillemet || c == '_' || c == '-' || std::isalnum(static_cast<unsigned char>(c)) != 0;
+    if (c == '.') {
+      if (++points >= POINTS_MAX) {
+        return ligne;
+      }
+    } else if (!deCle || (blanc && avant != '.')) {
+      points = 0;
+    }
+    ligne += c == '\n' ? 1U : 0U;
+    i = guillemet ? finDesGuillemets(texte, i) : i;
+    avant = c;
+    blanc = false;
+  }
+  return 0;
+}
+
 void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rapport& rapport) {
   const std::size_t invalide = premierOctetInvalide(texte);
   if (invalide != std::string_view::npos) {
@@ -382,6 +407,10 @@ void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rap
     lireTableau(texte, source, modele, rapport);
     return;
   }
+  if (const std::uint32_t ligne = ligneDeCleTropLongue(texte); ligne != 0) {
+    rapport.signaler({source, ligne}, "clé de trop de segments");
+    return;
+  }
   const toml::parse_result resultat = toml::parse(texte);
   if (!resultat) {
     rapport.signaler({source, resultat.error().source().begin.line},
@@ -392,12 +421,12 @@ void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rap
   lireModele(contexte, resultat.table(), modele);
 }
 
-void lireFichier(const fs::path& chemin, Modele& modele, Rapport& rapport) {
+void lireSource(const fs::path& chemin, Modele& modele, Rapport& rapport) {
   const std::uint32_t source = rapport.declarerSource(chemin.string());
-  std::ifstream flux(chemin, std::ios::binary);
-  std::string texte{std::istreambuf_iterator<char>(flux), std::istreambuf_iterator<char>()};
-  if (!flux.good() && !flux.eof()) {
-    rapport.signaler({source, 0}, "le fichier ne peut pas être lu");
+  std::string texte;
+  const std::string raison = lireFichier(chemin.string(), texte);
+  if (!raison.empty()) {
+    rapport.signaler({source, 0}, phrase("le fichier ne peut pas être lu (", raison, ")"));
     return;
   }
   lireTexte(texte, source, modele, rapport);
@@ -444,7 +473,7 @@ void lireSourcesToml(const std::vector<std::string>& chemins, Modele& modele, Ra
       std::error_code erreur;
       const fs::path reel = fs::canonical(fichier, erreur);
       if (lus.insert(erreur ? fichier : reel).second) {
-        lireFichier(fichier, modele, rapport);
+        lireSource(fichier, modele, rapport);
       }
     }
   }

@@ -71,6 +71,18 @@ const Equivalence* chercherEquivalence(char32_t caractere) {
 // 0x80 to 0x9F are control characters.
 bool estLatin1(char32_t caractere) { return caractere < 0x80 || (caractere >= 0xA0 && caractere <= 0xFF); }
 
+// Counts a character; beyond a number of different ones they are counted together.
+void compter(std::vector<Remplacement>& liste, std::string_view caractere) {
+  constexpr std::size_t DIFFERENTS_MAX = 256;
+  const auto trouve = std::find_if(liste.begin(), liste.end(),
+                                   [&](const Remplacement& connu) { return connu.caractere == caractere; });
+  if (trouve != liste.end() || liste.size() > DIFFERENTS_MAX) {
+    ++(trouve != liste.end() ? *trouve : liste.back()).nombre;
+  } else {
+    liste.push_back({std::string(liste.size() == DIFFERENTS_MAX ? "d'autres" : caractere), 1});
+  }
+}
+
 }  // namespace
 
 TexteLatin1 versLatin1(std::string_view utf8) {
@@ -84,13 +96,13 @@ TexteLatin1 versLatin1(std::string_view utf8) {
       resultat.texte += static_cast<char>(decode->caractere);
     } else if (decode && (equivalence = chercherEquivalence(decode->caractere)) != nullptr) {
       resultat.texte += equivalence->equivalent;
-      resultat.translitteres.emplace_back(utf8.substr(0, longueur));
+      compter(resultat.translitteres, utf8.substr(0, longueur));
     } else {
       char octet[8];
       std::snprintf(octet, sizeof octet, "0x%02X",
                     static_cast<unsigned>(static_cast<unsigned char>(utf8[0])));
       resultat.texte += '?';
-      resultat.sansEquivalent.emplace_back(decode ? utf8.substr(0, longueur) : std::string_view(octet));
+      compter(resultat.sansEquivalent, decode ? utf8.substr(0, longueur) : std::string_view(octet));
     }
     utf8.remove_prefix(longueur);
   }

@@ -8,10 +8,16 @@
 
 namespace noxlux::compilateur {
 
+// A character that was replaced, in UTF-8, and how often it was.
+struct Remplacement {
+  std::string caractere;
+  std::size_t nombre = 0;
+};
+
 struct TexteLatin1 {
-  std::string texte;                        // what has no equivalent is a question mark
-  std::vector<std::string> translitteres;   // the characters replaced by their equivalent, in UTF-8
-  std::vector<std::string> sansEquivalent;  // the characters that have none; invalid bytes as "0xNN"
+  std::string texte;                         // what has no equivalent is a question mark
+  std::vector<Remplacement> translitteres;   // the characters replaced by their equivalent
+  std::vector<Remplacement> sansEquivalent;  // the characters that have none; invalid bytes as "0xNN"
   bool estFidele() const { return translitteres.empty() && sansEquivalent.empty(); }
 };
 

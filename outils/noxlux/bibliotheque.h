@@ -2,9 +2,10 @@
 #ifndef NOXLUX_COMMANDE_BIBLIOTHEQUE_H
 #define NOXLUX_COMMANDE_BIBLIOTHEQUE_H
 
-#include <filesystem>
+#include <memory>
 #include <string>
 
+#include "compilateur/systeme.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/noxlux.h"
 #include "noxlux/zone_json.h"
@@ -21,6 +22,12 @@ struct OptionsReference {
   std::string modification;  // directory of modifref.nox; empty: as the reference
   std::string config;        // directory of orvan.ini
   void declarer(CLI::App& commande);
+  // These options, or where a reference is found when they name none: NOXLUX_REFERENCE, the installed
+  // orvan.ini, /var/lib/noxlux, the example that is installed beside the command. Throws ErreurUsage when
+  // there is none.
+  OptionsReference choisies() const;
+  // The tablebin.nox that they lead to. Throws ErreurUsage.
+  std::string fichierReference() const;
   // Where modifref.nox is: what its name follows at once. Throws ErreurUsage when no orvan.ini tells.
   std::string repertoireModification() const;
 };
@@ -34,8 +41,8 @@ class Bibliotheque {
   Bibliotheque& operator=(const Bibliotheque&) = delete;
 
  private:
-  std::string repertoireIni_;            // what REPERTOIRE_SYSTEME points at
-  std::filesystem::path iniTemporaire_;  // removed at the end; empty when none was made
+  std::unique_ptr<compilateur::RepertoireTemporaire> temporaire_;  // null when none was made
+  std::string repertoireIni_;                                      // what REPERTOIRE_SYSTEME points at
 };
 
 // An answer: its code, and its zone when there is one.

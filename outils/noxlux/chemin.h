@@ -3,6 +3,7 @@
 #ifndef NOXLUX_COMMANDE_CHEMIN_H
 #define NOXLUX_COMMANDE_CHEMIN_H
 
+#include <algorithm>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -10,6 +11,18 @@
 #include "noxlux/erreurs.h"
 
 namespace noxlux::commande {
+
+// What a person is told of a fault besides the sentence: what was read there, or what it resembles. A batch
+// answers the sentence alone.
+class FauteJson : public ErreurUsage {
+ public:
+  FauteJson(const std::string& phrase, std::string complement)
+      : ErreurUsage(phrase), complement_(std::move(complement)) {}
+  const std::string& complement() const { return complement_; }
+
+ private:
+  std::string complement_;
+};
 
 class Chemin {
  public:
@@ -34,6 +47,15 @@ class Chemin {
   }
 
   [[noreturn]] void refuser(const std::string& raison) const { throw ErreurUsage(texte() + " : " + raison); }
+  // The same, with the value that stands here.
+  [[noreturn]] void refuser(const std::string& raison, const std::string& valeur) const {
+    std::size_t montres = std::min<std::size_t>(60, valeur.size());
+    while (montres < valeur.size() && (static_cast<unsigned char>(valeur[montres]) & 0xC0U) == 0x80U) {
+      ++montres;
+    }
+    throw FauteJson(texte() + " : " + raison,
+                    " (lu : " + valeur.substr(0, montres) + (montres < valeur.size() ? "..." : "") + ")");
+  }
 
  private:
   static constexpr std::size_t SANS_RANG = std::numeric_limits<std::size_t>::max();

@@ -7,6 +7,7 @@
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/ouverture.h"
+#include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
 #include "referent/referentiel.h"
 
@@ -77,7 +78,7 @@ int comparerReference(const OptionsComparer& options) {
     throw ErreurUsage("un acte ou une table est illisible : " + signification(cr));
   }
   if (options.json) {
-    std::cout << resultat.dump(2) << '\n';
+    ecrireJsonCamel(resultat);
   } else {
     afficherEcarts(resultat);
   }

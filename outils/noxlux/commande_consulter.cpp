@@ -1,12 +1,12 @@
-// noxlux consulter, rechercher and version: questions to the library.
+// noxlux consulter and version: questions to the library.
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 
-#include "compilateur/transcodage.h"
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
 #include "noxlux/requete.h"
+#include "noxlux/sortie.h"
 
 namespace noxlux::commande {
 
@@ -24,7 +24,7 @@ struct OptionsReponse {
   void montrer(const std::string& zone) const {
     const Json groupes = decoderZone(zone, true);
     if (json) {
-      std::cout << groupes.dump(2) << '\n';
+      ecrireJson(groupes);
     } else {
       afficherGroupes(groupes, std::cout);
     }
@@ -48,12 +48,6 @@ void consulter(const OptionsConsulter& options) {
   }));
 }
 
-struct OptionsRechercher : OptionsReponse {
-  std::string motCle;
-  std::string filtre;
-  unsigned long cadre = 0;
-};
-
 }  // namespace
 
 void enregistrerConsulter(CLI::App& application) {
@@ -67,38 +61,9 @@ void enregistrerConsulter(CLI::App& application) {
   commande->add_option("champs", options->champs, "champs de la demande (acte=HHFA001 activite=1)")
       ->type_name("champ=valeur");
   commande->add_option("--date,-d", options->date, "date de référence (par défaut : aujourd'hui)")
-      ->type_name("AAAA-MM-JJ");
+      ->type_name("DATE");
   options->declarer(*commande);
   commande->callback([options] { consulter(*options); });
-}
-
-void enregistrerRechercher(CLI::App& application) {
-  auto options = std::make_shared<OptionsRechercher>();
-  CLI::App* commande = application.add_subcommand("rechercher", "Cherche des actes");
-  commande->require_subcommand(1);
-  CLI::App* mot = commande->add_subcommand("mot", "par un mot de leurs libellés");
-  mot->add_option("mot", options->motCle, "mot cherché, accents et casse indifférents")->required();
-  mot->add_option(
-      "--cadre,-c", options->cadre,
-      "somme de 1 libellé court, 2 libellé long, 4 notes, 8 conditions générales, 16 titres de menus ; "
-      "0 : partout");
-  options->declarer(*mot);
-  mot->callback([options] {
-    const compilateur::TexteLatin1 motCle = compilateur::versLatin1(options->motCle);
-    const Bibliotheque bibliotheque(options->reference);
-    options->montrer(appelerOuEchouer("NOX_RechercherParMotCle", [&](void** sortie, unsigned int* taille) {
-      return NOX_RechercherParMotCle(motCle.texte.c_str(), options->cadre, sortie, taille);
-    }));
-  });
-  CLI::App* filtre = commande->add_subcommand("filtre", "par le début de leur code");
-  filtre->add_option("filtre", options->filtre, "de 0 à 4 lettres capitales ; rien : tous les actes");
-  options->declarer(*filtre);
-  filtre->callback([options] {
-    const Bibliotheque bibliotheque(options->reference);
-    options->montrer(appelerOuEchouer("NOX_RechercherParFiltre", [&](void** sortie, unsigned int* taille) {
-      return NOX_RechercherParFiltre(options->filtre.c_str(), sortie, taille);
-    }));
-  });
 }
 
 void enregistrerVersion(CLI::App& application) {

@@ -1,15 +1,21 @@
 // noxlux controler: the full check of invoices, one or many.
+#include <unistd.h>
+
 #include <chrono>
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
 #include <memory>
 
 #include "noxlux/bibliotheque.h"
+#include "noxlux/bilan_lot.h"
 #include "noxlux/commandes.h"
 #include "noxlux/controle_par_profils.h"
 #include "noxlux/facture_json.h"
+#include "noxlux/lot.h"
+#include "noxlux/presentation.h"
+#include "noxlux/progression.h"
 #include "noxlux/requete.h"
+#include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
 
 namespace noxlux::commande {
@@ -19,27 +25,23 @@ namespace {
 struct OptionsControler {
   OptionsReference reference;
   std::vector<std::string> fichiers;
+  std::string rapport;
   bool json = false;
   bool lot = false;
   bool detail = false;
+  bool csv = false;
+
+  // One answer a line: asked for, or the only form that so many invoices have.
+  bool estUnLot() const {
+    const auto deLot = [](const std::string& nom) {
+      return nom.ends_with(".csv") || nom.ends_with(".ndjson") || nom.ends_with(".jsonl");
+    };
+    return lot || csv || !rapport.empty() || fichiers.size() > 1 ||
+           (fichiers.size() == 1 && deLot(fichiers.front()));
+  }
 };
 
-std::unique_ptr<std::istream> ouvrir(const std::string& nom) {
-  if (nom == "-") {
-    return std::make_unique<std::istream>(std::cin.rdbuf());
-  }
-  auto fichier = std::make_unique<std::ifstream>(nom);
-  if (!*fichier) {
-    throw ErreurUsage("fichier illisible : " + nom);
-  }
-  return fichier;
-}
-
 // --- One invoice, for a person ---
-
-std::string montant(const Json& valeur) {
-  return valeur.is_number() ? texteValeur(Json(valeur.get<double>()), 'M') : "—";
-}
 
 std::string forcageDe(const Json& resultat, const Json& numero) {
   for (const Json& forcage : resultat["forcages"]) {
@@ -54,9 +56,10 @@ void afficherLignes(const Json& resultat) {
   Tableau tableau(
       {"ligne", "acte", "prix facturé", "prix calculé", "base facturée", "base calculée", "forçage"});
   for (const Json& ligne : resultat["lignes"]) {
-    tableau.ajouter({ligne["numero"].dump(), ligne["acte"].get<std::string>(), montant(ligne["prixFacture"]),
-                     montant(ligne["prixCalcule"]), montant(ligne["baseFacturee"]),
-                     montant(ligne["baseCalculee"]), forcageDe(resultat, ligne["numero"])});
+    tableau.ajouter({ligne["numero"].dump(), ligne["acte"].get<std::string>(),
+                     eurosOuTiret(ligne["prixFacture"]), eurosOuTiret(ligne["prixCalcule"]),
+                     eurosOuTiret(ligne["baseFacturee"]), eurosOuTiret(ligne["baseCalculee"]),
+                     forcageDe(resultat, ligne["numero"])});
   }
   tableau.afficher(std::cout);
 }
@@ -91,92 +94,140 @@ void afficher(const Json& resultat) {
             << '\n';
 }
 
+// The check of an invoice, with its own reference and what it carries.
+Json controler(const Json& facture, bool detail) {
+  Json resultat = controlerFacture(zoneDeFacture(facture));
+  if (detail) {
+    resultat["lignes"] = detaillerLignes(facture);
+  }
+  return resultat;
+}
+
+void reporter(const Json& facture, Json& reponse) {
+  for (const char* sien : {"reference", "libre"}) {
+    if (facture.is_object() && facture.contains(sien)) {
+      reponse[sien] = facture[sien];
+    }
+  }
+}
+
 int controlerUne(const OptionsControler& options) {
   const std::string nom = options.fichiers.empty() ? "-" : options.fichiers.front();
-  const auto entree = ouvrir(nom);
-  const Json facture = lireFacture({std::istreambuf_iterator<char>(*entree), {}}, nom);
-  const std::string zone = zoneDeFacture(facture);
+  const Json facture = lireFacture(lireTout(nom), nom);
+  const std::string source = nom == "-" ? "entrée standard" : nom;
+  try {
+    zoneDeFacture(facture);
+  } catch (const FauteJson& faute) {
+    throw ErreurUsage(source + " : " + faute.what() + faute.complement());
+  } catch (const ErreurUsage& faute) {
+    throw ErreurUsage(source + " : " + faute.what());
+  }
   OptionsReference reference = options.reference;
   const Profils profils(reference.reference);
   if (profils.existent()) {
     reference.reference = profils.referencePour(facture);
   }
   const Bibliotheque bibliotheque(reference);
-  Json resultat = controlerFacture(zone);
-  resultat["lignes"] = detaillerLignes(facture);
+  Json resultat = controler(facture, true);
+  reporter(facture, resultat);
   if (options.json) {
-    std::cout << resultat.dump(2) << '\n';
+    ecrireJson(resultat);
   } else {
     afficher(resultat);
   }
   return resultat["verdict"] == "acceptee" ? STATUT_REPONDU : STATUT_CODE_ERREUR;
 }
 
-// --- Many invoices, one a line ---
+// --- Many invoices ---
 
 struct Compte {
   std::size_t factures = 0;
   std::size_t acceptees = 0;
   std::size_t enErreur = 0;     // checked, with errors
   std::size_t impossibles = 0;  // not checked: its record says why
+
+  void compter(const Json& reponse) {
+    ++factures;
+    ++(!reponse.contains("verdict") ? impossibles : reponse["verdict"] == "acceptee" ? acceptees : enErreur);
+  }
 };
 
-Json repondre(const std::string& ligne, const OptionsControler& options, Compte& compte) {
+Json repondre(const FactureLue& lue, bool detail) {
+  Json reponse;
   try {
-    const Json facture = lireFacture(ligne, "$");
-    Json resultat = controlerFacture(zoneDeFacture(facture));
-    if (options.detail) {
-      resultat["lignes"] = detaillerLignes(facture);
+    if (!lue.faute.empty()) {
+      throw ErreurUsage(lue.faute);
     }
-    ++(resultat["verdict"] == "acceptee" ? compte.acceptees : compte.enErreur);
-    return resultat;
+    reponse = controler(lue.facture, detail);
   } catch (const ErreurBibliotheque& erreur) {
-    ++compte.impossibles;
-    return {{"code", hexadecimal(erreur.code())}, {"erreur", signification(erreur.code())}};
+    reponse = {{"code", hexadecimal(erreur.code())}, {"erreur", signification(erreur.code())}};
   } catch (const ErreurUsage& erreur) {
-    ++compte.impossibles;
-    return {{"code", nullptr}, {"erreur", erreur.what()}};
+    reponse = {{"code", nullptr}, {"erreur", erreur.what()}};
   }
+  reporter(lue.facture, reponse);
+  return reponse;
+}
+
+void direLeCompte(const Compte& compte, double duree) {
+  const auto accord = [](std::size_t nombre, const char* nom) {
+    return std::to_string(nombre) + " " + nom + (nombre > 1 ? "s" : "");
+  };
+  std::cerr << accord(compte.factures, "facture") << " : " << compte.acceptees << " acceptées, "
+            << compte.enErreur << " avec erreurs, " << compte.impossibles << " non contrôlées ; "
+            << nombrePourProgramme(duree > 0 ? static_cast<double>(compte.factures) / duree : 0.0, 0)
+            << " factures/s\n";
 }
 
 int controlerLot(const OptionsControler& options) {
-  std::vector<std::string> fichiers = options.fichiers;
-  if (fichiers.empty()) {
-    fichiers.emplace_back("-");
-  }
-  std::ios::sync_with_stdio(false);
-  std::cin.tie(nullptr);
+  const std::vector<std::string> fichiers =
+      options.fichiers.empty() ? std::vector<std::string>{"-"} : options.fichiers;
   const Profils profils(options.reference.reference);
   if (profils.existent()) {
+    if (options.csv || !options.rapport.empty()) {
+      throw ErreurUsage("--csv et --rapport demandent une référence, et non un répertoire de profils");
+    }
     return controlerParProfils(
         profils, fichiers,
         options.detail ? std::vector<std::string>{"--detail"} : std::vector<std::string>());
   }
+  LectureLot lecture(fichiers);
   const Bibliotheque bibliotheque(options.reference);
   Compte compte;
+  BilanLot bilan;
+  // Answers that scroll by on the terminal are their own progress.
+  const bool barre = ::isatty(STDOUT_FILENO) != 1;
   const auto debut = std::chrono::steady_clock::now();
-  for (const std::string& nom : fichiers) {
-    const auto entree = ouvrir(nom);
-    for (std::string ligne; std::getline(*entree, ligne);) {
-      if (ligne.find_first_not_of(" \t\r") == std::string::npos) {
-        continue;
+  if (options.csv) {
+    ecrireTitresCsv(std::cout);
+  }
+  {
+    Progression progression;
+    for (FactureLue lue; lecture.suivante(lue);) {
+      const Json reponse = repondre(lue, options.detail);
+      compte.compter(reponse);
+      if (options.csv) {
+        ecrireErreursCsv(std::cout, compte.factures, lue.facture, reponse, lue.fichier);
+      } else {
+        std::cout << texteJson(reponse, -1);
       }
-      ++compte.factures;
-      std::cout << repondre(ligne, options, compte).dump(-1, ' ', false, Json::error_handler_t::replace)
-                << '\n';
-      if (entree->rdbuf()->in_avail() <= 0) {
+      if (!options.rapport.empty()) {
+        bilan.compter(lue.facture, reponse, lue.fichier);
+      }
+      if (barre) {
+        const bool connu = lecture.octetsEnTout() != 0;
+        progression.montrer("contrôle des factures", connu ? lecture.octetsLus() : compte.factures,
+                            lecture.octetsEnTout());
+      }
+      if (lecture.attend()) {
         std::cout.flush();  // who writes one invoice at a time waits for its answer
       }
     }
   }
-  if (!std::cout.flush()) {
-    throw ErreurUsage("écriture impossible sur la sortie standard");
+  std::cout.flush();
+  if (!options.rapport.empty()) {
+    ecrireTout(options.rapport, pageBilan(bilan.valeur()));
   }
-  const double duree = std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count();
-  std::fprintf(stderr,
-               "%zu facture%s : %zu acceptées, %zu avec erreurs, %zu non contrôlées ; %.0f factures/s\n",
-               compte.factures, compte.factures > 1 ? "s" : "", compte.acceptees, compte.enErreur,
-               compte.impossibles, duree > 0 ? static_cast<double>(compte.factures) / duree : 0.0);
+  direLeCompte(compte, std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count());
   return compte.impossibles == 0 ? STATUT_REPONDU : STATUT_CODE_ERREUR;
 }
 
@@ -184,20 +235,24 @@ int controlerLot(const OptionsControler& options) {
 
 void enregistrerControler(CLI::App& application, int& statut) {
   auto options = std::make_shared<OptionsControler>();
-  CLI::App* commande = application.add_subcommand("controler", "Contrôle une facture, ou un lot de factures");
-  commande->add_option("fichiers", options->fichiers, "facture en JSON (rien ou - : entrée standard)")
-      ->type_name("FACTURE.json");
-  auto* lot = commande->add_flag("--lot", options->lot,
-                                 "une facture par ligne, une réponse par ligne, dans l'ordre ; filtre");
+  CLI::App* commande =
+      application.add_subcommand("controler", "Contrôle une facture, ou des lots de factures");
+  commande
+      ->add_option("fichiers", options->fichiers,
+                   "facture en JSON, ou lots en JSON ou en CSV (rien ou - : entrée standard)")
+      ->type_name("FICHIER");
+  auto* lot =
+      commande->add_flag("--lot", options->lot, "une réponse par ligne, dans l'ordre des factures ; filtre");
   commande->add_flag("--detail", options->detail, "montants calculés dans les réponses d'un lot")->needs(lot);
+  commande->add_flag("--csv", options->csv, "d'un lot, une ligne de CSV par erreur");
+  commande
+      ->add_option("--rapport", options->rapport,
+                   "d'un lot, une page HTML : comptes, montants, factures refusées")
+      ->type_name("FICHIER.html");
   commande->add_flag("--json", options->json, "réponse en JSON, pour un programme")->excludes(lot);
   options->reference.declarer(*commande);
-  commande->callback([options, &statut] {
-    if (!options->lot && options->fichiers.size() > 1) {
-      throw ErreurUsage("une seule facture à la fois, ou --lot");
-    }
-    statut = options->lot ? controlerLot(*options) : controlerUne(*options);
-  });
+  commande->callback(
+      [options, &statut] { statut = options->estUnLot() ? controlerLot(*options) : controlerUne(*options); });
 }
 
 }  // namespace noxlux::commande

@@ -11,6 +11,7 @@
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/ouverture.h"
+#include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
 #include "referent/lecteur.h"
 #include "referent/referentiel.h"
@@ -107,7 +108,7 @@ int listerSujet(const FichierReference& fichier, const OptionsLister& options) {
     throw ErreurUsage("« " + options.sujet + " » est illisible : " + signification(cr));
   }
   if (options.json) {
-    std::cout << resultat.dump(2) << '\n';
+    ecrireJsonCamel(resultat);
   } else if (resultat.is_array()) {
     afficherTable(resultat);
   } else {
@@ -123,7 +124,7 @@ int listerReference(const OptionsLister& options) {
   }
   const JsonOrdonne resultat = listerFichier(*fichier);
   if (options.json) {
-    std::cout << resultat.dump(2) << '\n';
+    ecrireJsonCamel(resultat);
   } else {
     afficherFichier(resultat);
   }

@@ -8,6 +8,8 @@
 #include "noxlux/commandes.h"
 #include "noxlux/dates.h"
 #include "noxlux/ouverture.h"
+#include "noxlux/presentation.h"
+#include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
 #include "referent/referentiel.h"
 #include "tables/catalogue.h"
@@ -84,7 +86,7 @@ std::string detail(const JsonOrdonne& objet) {
 void afficherModifications(const JsonOrdonne& resultat) {
   const std::string date = cellule(resultat["entete"]["date"]);
   std::cout << cellule(resultat["fichier"]) << ", enregistré le "
-            << (date.size() == 8 ? dateLisible(date) : date);
+            << (date.size() == 8 ? dateFrancaise(dateLisible(date)) : date);
   const std::string commentaire = cellule(resultat["entete"]["commentaire"]);
   std::cout << (commentaire.empty() ? "" : " (" + commentaire + ")") << "\n";
   Tableau tableau({"depuis", "donnée", "valeur"});
@@ -102,11 +104,12 @@ void listerModifications(const OptionsModifications& options) {
   namespace fs = std::filesystem;
   const fs::path repertoire = options.reference.repertoireModification();
   const fs::path chemin = repertoire / NOM_FICHIER_MODIFICATION;
-  if (!fs::is_directory(repertoire)) {
+  std::error_code erreur;
+  if (!fs::is_directory(repertoire, erreur)) {
     throw ErreurUsage("pas de répertoire " + repertoire.string());
   }
   JsonOrdonne resultat = {{"fichier", nullptr}, {"modifications", JsonOrdonne::array()}};
-  if (!fs::exists(chemin)) {
+  if (!fs::exists(chemin, erreur)) {
     if (!options.json) {
       std::cout << chemin.string() << " : aucun fichier de modifications, rien n'est modifié.\n";
       return;
@@ -122,7 +125,7 @@ void listerModifications(const OptionsModifications& options) {
     resultat = lire(chemin, *fichier);
   }
   if (options.json) {
-    std::cout << resultat.dump(2) << '\n';
+    ecrireJsonCamel(resultat);
   } else {
     afficherModifications(resultat);
   }

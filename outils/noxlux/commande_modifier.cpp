@@ -1,4 +1,6 @@
 // noxlux modifier and annuler: local changes of the reference, saved at once, told from which value to which.
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
@@ -7,6 +9,7 @@
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
 #include "noxlux/requete.h"
+#include "noxlux/sortie.h"
 #include "referent/verrou_modifications.h"
 
 namespace noxlux::commande {
@@ -20,6 +23,7 @@ struct OptionsModifier {
   std::string date;
   std::string commentaire;
   bool json = false;
+  bool oui = false;
 
   void declarer(CLI::App& commande) {
     commande.add_option("identifiant", identifiant, "donnée (CCAM_37, TB07_1...)")
@@ -75,9 +79,10 @@ std::string enClair(const Json& valeurs) {
   for (const Json& valeur : valeurs) {
     for (const auto& [nom, element] : valeur.items()) {
       texte += (texte.empty() ? "" : ", ") + nom + " " +
-               texteValeur(element, nom == "montant"       ? 'M'
-                                    : nom == "coefficient" ? 'F'
-                                                           : 'T');
+               texteValeur(element, nom == "montant"          ? 'M'
+                                    : nom == "coefficient"    ? 'F'
+                                    : nom.starts_with("date") ? 'D'
+                                                              : 'T');
     }
   }
   return texte.empty() ? "(rien)" : texte;
@@ -114,6 +119,42 @@ void garderLesDifferences(Json& avant, Json& apres) {
   avant = std::move(seulementAvant);
 }
 
+// Whether a value becomes more than ten times another, or nothing: an amount typed in cents, most often.
+bool changeDOrdre(double avant, double apres) {
+  constexpr double FOIS = 10;
+  return avant > 0 && (apres > avant * FOIS || apres < avant / FOIS);
+}
+
+bool changeDOrdre(const Json& avant, const Json& apres) {
+  for (std::size_t i = 0; i < avant.size() && i < apres.size(); ++i) {
+    for (const char* nom : {"montant", "coefficient"}) {
+      if (avant[i].is_object() && apres[i].is_object() && avant[i].contains(nom) && apres[i].contains(nom) &&
+          changeDOrdre(avant[i][nom].get<double>(), apres[i][nom].get<double>())) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+// Asks the person before such a change; a script says --oui.
+void confirmer(const OptionsModifier& options, const Json& avant, const Json& apres) {
+  if (options.oui || !changeDOrdre(avant, apres)) {
+    return;
+  }
+  const std::string question = "de " + enClair(avant) + " à " + enClair(apres) + ", plus de dix fois autre";
+  if (::isatty(STDIN_FILENO) != 1) {
+    throw ErreurUsage(question + " : rien n'est changé. Les montants sont en euros ; --oui confirme.");
+  }
+  std::cerr << "De " << enClair(avant) << " à " << enClair(apres)
+            << " : plus de dix fois autre. Sauvegarder ? (oui/non) " << std::flush;
+  std::string reponse;
+  std::getline(std::cin, reponse);
+  if (reponse != "oui" && reponse != "o") {
+    throw ErreurUsage("rien n'est changé");
+  }
+}
+
 void exigerSucces(const char* fonction, unsigned short code) {
   if (code != NOX_CR_OK) {
     throw ErreurBibliotheque(fonction, code);
@@ -144,15 +185,16 @@ void changer(const OptionsModifier& options, const std::string& identifiant, con
   Json avant = valeursEnVigueur(identifiant, options.champs, date);
   changement();
   Json apres = valeursEnVigueur(identifiant, options.champs, date);
-  exigerSucces("NOX_SauvegarderReferentiel", NOX_SauvegarderReferentiel(commentaire.texte.c_str()));
   garderLesDifferences(avant, apres);
+  confirmer(options, avant, apres);
+  exigerSucces("NOX_SauvegarderReferentiel", NOX_SauvegarderReferentiel(commentaire.texte.c_str()));
   const std::string colonne = colonneDuSeuil(identifiant, options.champs);
   if (options.json) {
     Json resultat = {{"identifiant", identifiant}, {"date", date}, {"avant", avant}, {"apres", apres}};
     if (!colonne.empty()) {
       resultat["colonne"] = colonne;
     }
-    std::cout << resultat.dump(2) << '\n';
+    ecrireJson(resultat);
     return;
   }
   const std::string jour = date.substr(6, 2) + "/" + date.substr(4, 2) + "/" + date.substr(0, 4);
@@ -190,16 +232,19 @@ void enregistrerModifier(CLI::App& application) {
   CLI::App* commande =
       application.add_subcommand("modifier", "Change une valeur du référentiel, et la sauvegarde");
   options->declarer(*commande);
-  commande->add_option("--effet,-e", options->date, "date d'effet")->required()->type_name("AAAA-MM-JJ");
+  commande->add_option("--effet,-e", options->date, "date d'effet")->required()->type_name("DATE");
+  commande->add_flag("--oui", options->oui,
+                     "ne rien demander quand la valeur devient plus de dix fois autre");
   commande->callback([options] { modifier(*options); });
 }
 
 void enregistrerAnnuler(CLI::App& application) {
   auto options = std::make_shared<OptionsModifier>();
+  options->oui = true;  // taking a change back is never refused
   CLI::App* commande = application.add_subcommand("annuler", "Annule les changements d'une valeur");
   options->declarer(*commande);
   commande->add_option("--date,-d", options->date, "date des valeurs montrées (par défaut : aujourd'hui)")
-      ->type_name("AAAA-MM-JJ");
+      ->type_name("DATE");
   commande->callback([options] { annuler(*options); });
 }
 

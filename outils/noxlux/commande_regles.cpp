@@ -1,8 +1,6 @@
 // noxlux verifier and appliquer: data controls and single rules.
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <memory>
 
@@ -10,6 +8,7 @@
 #include "noxlux/commandes.h"
 #include "noxlux/facture_json.h"
 #include "noxlux/requete.h"
+#include "noxlux/sortie.h"
 
 namespace noxlux::commande {
 
@@ -43,7 +42,7 @@ void verifier(const OptionsRegle& options) {
     throw ErreurBibliotheque("NOX_ControlerDonnees", code);
   }
   if (options.json) {
-    std::cout << Json{{"controle", fonction.nom}, {"reponse", reponse == 'O'}}.dump(2) << '\n';
+    ecrireJson(Json{{"controle", fonction.nom}, {"reponse", reponse == 'O'}});
   } else {
     std::cout << (reponse == 'O' ? "oui" : "non") << '\n';
   }
@@ -53,15 +52,7 @@ std::string zoneDemandee(const FonctionDecrite& fonction, const OptionsRegle& op
   if (options.demande.empty()) {
     return construireZone(fonction, options.champs);
   }
-  std::ifstream fichier(options.demande);
-  if (!fichier) {
-    throw ErreurUsage("fichier illisible : " + options.demande);
-  }
-  try {
-    return encoderZone(Json::parse(fichier));
-  } catch (const Json::parse_error& faute) {
-    throw ErreurUsage(options.demande + " : JSON mal formé, octet " + std::to_string(faute.byte));
-  }
+  return encoderZone(lireTout(options.demande), options.demande);
 }
 
 constexpr unsigned GROUPE_ENTETE_PRIX = 3400;
@@ -115,7 +106,7 @@ void appliquer(const OptionsRegle& options, int& statut) {
     ajouterPrixAFacturer(zone, groupes);
   }
   if (options.json) {
-    std::cout << groupes.dump(2) << '\n';
+    ecrireJson(groupes);
   } else {
     afficherGroupes(enChamps(std::move(groupes)), std::cout);
   }

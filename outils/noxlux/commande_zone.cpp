@@ -1,12 +1,12 @@
 // noxlux zone: data zones to and from JSON.
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <memory>
+#include <sstream>
 
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
+#include "noxlux/sortie.h"
 #include "noxlux/zone_json.h"
 
 namespace noxlux::commande {
@@ -19,28 +19,6 @@ struct OptionsZone {
   bool hexadecimal = false;
   bool reponse = false;
 };
-
-std::string lireTout(const std::string& nom) {
-  if (nom == "-") {
-    return {std::istreambuf_iterator<char>(std::cin), {}};
-  }
-  std::ifstream fichier(nom, std::ios::binary);
-  if (!fichier) {
-    throw ErreurUsage("fichier illisible : " + nom);
-  }
-  return {std::istreambuf_iterator<char>(fichier), {}};
-}
-
-void ecrireTout(const std::string& nom, const std::string& contenu) {
-  std::ofstream fichier;
-  if (nom != "-") {
-    fichier.open(nom, std::ios::binary);
-  }
-  std::ostream& sortie = nom == "-" ? std::cout : fichier;
-  if (!(sortie << contenu).flush()) {
-    throw ErreurUsage("écriture impossible : " + nom);
-  }
-}
 
 std::string depuisHexadecimal(const std::string& texte) {
   std::string octets;
@@ -80,21 +58,26 @@ std::string versHexadecimal(const std::string& octets) {
 }
 
 void decoder(const OptionsZone& options) {
-  const std::string lu = lireTout(options.fichier);
-  const Json zone = decoderZone(options.hexadecimal ? depuisHexadecimal(lu) : lu, options.reponse);
-  ecrireTout(options.sortie, zone.dump(2) + '\n');
+  std::string zone = lireTout(options.fichier);
+  if (options.hexadecimal) {
+    zone = depuisHexadecimal(zone);
+  }
+  if (options.sortie == "-") {
+    decoderZoneVers(std::cout, zone, options.reponse);
+    return;
+  }
+  std::ostringstream texte;
+  decoderZoneVers(texte, zone, options.reponse);
+  ecrireTout(options.sortie, texte.str());
 }
 
 void encoder(const OptionsZone& options) {
-  const Json json = [&] {
-    try {
-      return Json::parse(lireTout(options.fichier));
-    } catch (const Json::parse_error& faute) {
-      throw ErreurUsage(options.fichier + " : JSON mal formé, octet " + std::to_string(faute.byte));
-    }
-  }();
-  const std::string zone = encoderZone(json);
-  ecrireTout(options.sortie, options.hexadecimal ? versHexadecimal(zone) : zone);
+  const std::string zone = encoderZone(lireTout(options.fichier), options.fichier);
+  if (options.sortie == "-" && !options.hexadecimal) {
+    ecrireOctets(zone);
+  } else {
+    ecrireTout(options.sortie, options.hexadecimal ? versHexadecimal(zone) : zone);
+  }
 }
 
 }  // namespace

@@ -15,10 +15,15 @@ void enregistrerComparer(CLI::App& application, int& statut);
 void enregistrerModifications(CLI::App& application);
 void enregistrerControler(CLI::App& application, int& statut);
 void enregistrerAppliquer(CLI::App& application, int& statut);
+void enregistrerRechercher(CLI::App& application, int& statut);
 // These answer, or throw: their status is 0 when they return.
 void enregistrerVersion(CLI::App& application);
 void enregistrerConsulter(CLI::App& application);
-void enregistrerRechercher(CLI::App& application);
+void enregistrerActe(CLI::App& application);
+void enregistrerIdentifiants(CLI::App& application);
+void enregistrerTables(CLI::App& application);
+// What a shell may complete a line with; for the completion scripts, and shown by no help.
+void enregistrerCompleter(CLI::App& application);
 void enregistrerZone(CLI::App& application);
 void enregistrerVerifier(CLI::App& application);
 void enregistrerModifier(CLI::App& application);

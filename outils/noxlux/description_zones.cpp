@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <stdexcept>
+#include <utility>
 
 // As the compiler does: the two are linked together.
 #define TOML_EXCEPTIONS 0
@@ -37,9 +38,21 @@ void pourChaque(const toml::table& table, std::string_view cle, F f) {
   }
 }
 
+// A zone counts cents and thousandths; a person types euros and rates.
+std::string enUniteDePersonne(std::string libelle) {
+  constexpr std::pair<std::string_view, std::string_view> UNITES[] = {{"en centimes", "en euros"},
+                                                                      {" en millièmes", ", comme 1,49"}};
+  for (const auto& [zone, personne] : UNITES) {
+    if (const std::size_t ou = libelle.find(zone); ou != std::string::npos) {
+      libelle.replace(ou, zone.size(), personne);
+    }
+  }
+  return libelle;
+}
+
 ChampDecrit lireChamp(const toml::table& t, bool reponse) {
   ChampDecrit champ{texte(t, "nom"),
-                    texte(t, "libelle"),
+                    enUniteDePersonne(texte(t, "libelle")),
                     lettre(t, "format", 'E'),
                     lettre(t, "type", 'T'),
                     nombre(t, "min"),

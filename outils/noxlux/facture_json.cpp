@@ -55,7 +55,12 @@ Json lireFacture(const std::string& texte, const std::string& source) {
   }
   try {
     Json facture = Json::parse(texte);
+    // What the office carries along is not read.
+    Json libre = facture.is_object() && facture.contains("libre") ? facture["libre"] : Json();
     oterNuls(facture);
+    if (!libre.is_null()) {
+      facture["libre"] = std::move(libre);
+    }
     return facture;
   } catch (const Json::parse_error& faute) {
     throw ErreurUsage(source + " : JSON mal formé, octet " + std::to_string(faute.byte));

@@ -7,6 +7,8 @@
 #include <charconv>
 #include <span>
 
+#include "compilateur/proches.h"
+#include "compilateur/transcodage.h"
 #include "interapp/groupes_facture.h"
 #include "noxlux/dates.h"
 #include "noxlux/facture_json.h"
@@ -64,13 +66,15 @@ Chemin placeDuChamp(const Chemin& chemin, std::string_view nom) {
 
 // --- What a field admits ---
 
+std::string lu(const Json& valeur) { return valeur.dump(-1, ' ', false, Json::error_handler_t::replace); }
+
 // A field of dates admits the days of the calendar; one of any format, a birth date, also a month or a day
 // beyond the calendar, for a person whose day of birth is not known.
 void controlerDate(const ChampDecrit& champ, const std::string& texte, const Chemin& chemin) {
   const Date date(dateCompacte(texte).value_or(""));
   const bool inconnue = champ.format != 'D' && date.lireBrute().estHorsCalendrier();
   if (!date.lireBrute().estValide() && !inconnue) {
-    chemin.refuser("une date AAAA-MM-JJ du calendrier est attendue");
+    chemin.refuser("une date AAAA-MM-JJ du calendrier est attendue", texte);
   }
 }
 
@@ -79,25 +83,26 @@ void controlerType(const ChampDecrit& champ, const Json& valeur, const Chemin& c
   switch (champ.type) {
     case 'N':
       if (!valeur.is_number_unsigned()) {
-        chemin.refuser("un nombre entier est attendu");
+        chemin.refuser("un nombre entier est attendu", lu(valeur));
       }
       break;
     case 'M':
     case 'F':
     case 'X':
       if (!valeur.is_number()) {
-        chemin.refuser(champ.type == 'M' ? "un montant en euros est attendu" : "un nombre est attendu");
+        chemin.refuser(champ.type == 'M' ? "un montant en euros est attendu" : "un nombre est attendu",
+                       lu(valeur));
       }
       break;
     case 'D':
       if (!valeur.is_string()) {
-        chemin.refuser("une date AAAA-MM-JJ est attendue");
+        chemin.refuser("une date AAAA-MM-JJ est attendue", lu(valeur));
       }
       controlerDate(champ, valeur.get_ref<const std::string&>(), chemin);
       break;
     default:
       if (!valeur.is_string()) {
-        chemin.refuser("un texte est attendu");
+        chemin.refuser("un texte est attendu", lu(valeur));
       }
   }
 }
@@ -110,13 +115,13 @@ void controlerOctets(const ChampDecrit& champ, const std::string& octets, const 
     chemin.refuser(octets.empty() ? "manque (" + champ.libelle + ")" : caracteres(champ.min) + " au moins");
   }
   if (champ.max != 0 && octets.size() > champ.max) {
-    chemin.refuser(caracteres(champ.max) + " au plus");
+    chemin.refuser(caracteres(champ.max) + " au plus", compilateur::versUtf8(octets));
   }
   const auto refuse = [&](char c) {
     return champ.format == 'A' && !(c == ' ' || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'));
   };
   if (std::any_of(octets.begin(), octets.end(), refuse)) {
-    chemin.refuser("lettres capitales et chiffres seulement");
+    chemin.refuser("lettres capitales et chiffres seulement", compilateur::versUtf8(octets));
   }
 }
 
@@ -159,7 +164,7 @@ unsigned trouverGroupe(const std::array<std::pair<const char*, unsigned>, N>& ch
     }
     connus += (connus.empty() ? "" : ", ") + std::string(nom);
   }
-  chemin.refuser("attendu : " + connus);
+  chemin.refuser("attendu : " + connus, lu(valeur));
 }
 
 // --- Groups ---
@@ -221,6 +226,15 @@ class Membres {
                          [](const Champ& champ, std::string_view cherche) { return champ.nom < cherche; });
     return trouve != champs_.end() && trouve->nom == nom ? &*trouve : nullptr;
   }
+  std::vector<std::string> noms() const {
+    std::vector<std::string> liste;
+    for (const Champ& champ : champs_) {
+      if (!estEtale(champ.nom)) {
+        liste.emplace_back(champ.nom);
+      }
+    }
+    return liste;
+  }
   std::span<const Groupe> groupes() const { return groupes_; }
   std::size_t nombre() const { return nombre_; }
 
@@ -263,6 +277,7 @@ class Valeurs {
       }
     }
   }
+  std::vector<std::string> noms() const { return membres_.noms(); }
   std::string ecrire(std::size_t groupe) const {
     const auto& [decrit, debut] = membres_.groupes()[groupe];
     return ecrireGroupe(*decrit, std::span(valeurs_).subspan(debut, decrit->champs.size()), chemin_);
@@ -292,7 +307,11 @@ void rangerMembres(const Json& objet, Valeurs& valeurs, const Chemin& chemin,
     if (autre != autres.end()) {
       autre->place = &valeur;
     } else if (estEtale(nom) || !valeurs.ranger(nom, valeur)) {
-      chemin.membre(nom).refuser("champ inconnu");
+      std::vector<std::string> connus = valeurs.noms();
+      for (const Autre& a : autres) {
+        connus.emplace_back(a.nom);
+      }
+      throw FauteJson(chemin.membre(nom).texte() + " : champ inconnu", compilateur::vouliezVous(nom, connus));
     }
   }
 }
@@ -428,13 +447,16 @@ std::string zoneDeFacture(const Json& facture) {
   const Json* remplacant = nullptr;
   const Json* nature = &NUL;
   const Json* lignes = &NUL;
+  const Json* sienne = nullptr;  // the office's own: carried to the answer
   Valeurs caisse(CAISSE, RACINE);
   rangerMembres(exigerObjet(facture, RACINE), caisse, RACINE,
                 {{"professionnel", professionnel},
                  {"beneficiaire", beneficiaire},
                  {"remplacant", remplacant},
                  {"natureAssurance", nature},
-                 {"lignes", lignes}});
+                 {"lignes", lignes},
+                 {"reference", sienne},
+                 {"libre", sienne}});
   std::string zone = zoneEntete(*professionnel, *beneficiaire);
   if (remplacant != nullptr) {
     const Chemin chemin = RACINE.membre("remplacant");
@@ -445,8 +467,9 @@ std::string zoneDeFacture(const Json& facture) {
   const GroupeDecrit& groupeNature = DescriptionZones::socle().groupeEntree(
       trouverGroupe(naturesAssurance(), *nature, RACINE.membre("natureAssurance")));
   zone += ecrireGroupe(groupeNature, std::vector<const Json*>(groupeNature.champs.size()), RACINE);
-  if (!lignes->is_array()) {
-    RACINE.membre("lignes").refuser("une liste est attendue");
+  if (!lignes->is_array() || lignes->empty()) {
+    RACINE.membre("lignes").refuser(lignes->is_array() ? "il faut au moins une ligne"
+                                                       : "une liste est attendue");
   }
   std::size_t compte = 0;
   for (std::size_t i = 0; i < lignes->size(); ++i) {

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 
 #include "noxlux/erreurs.h"
+#include "noxlux/presentation.h"
 
 namespace noxlux::commande {
 
@@ -23,7 +25,8 @@ bool crcJuste(const EnteteFichier& entete) {
 
 std::unique_ptr<FichierReference> ouvrirReference(const std::string& chemin, const char* nom) {
   namespace fs = std::filesystem;
-  const fs::path fichier = fs::is_directory(chemin) ? fs::path(chemin) / nom : fs::path(chemin);
+  std::error_code absent;
+  const fs::path fichier = fs::is_directory(chemin, absent) ? fs::path(chemin) / nom : fs::path(chemin);
   std::string raison;
   auto reference = FichierReference::ouvrir(fichier.string(), raison);
   if (reference == nullptr) {
@@ -40,7 +43,12 @@ std::string cellule(const JsonOrdonne& valeur) {
     return "-";
   }
   if (valeur.is_string()) {
-    return valeur.get<std::string>();
+    return dateFrancaise(valeur.get<std::string>());
+  }
+  if (valeur.is_number_float()) {
+    const double nombre = valeur.get<double>();
+    const bool centimes = std::fabs(nombre * 100 - std::round(nombre * 100)) < 1e-6;
+    return nombreLisible(nombre, centimes ? 2 : 3);
   }
   if (valeur.is_object() && valeur.contains("premiere")) {
     return valeur["nombre"] == 0 ? "-" : valeur["premiere"].dump() + "+" + valeur["nombre"].dump();

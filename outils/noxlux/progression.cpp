@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <string>
 
 namespace noxlux::commande {
 
@@ -32,8 +34,16 @@ void Progression::montrer(std::string_view etape, std::size_t fait, std::size_t 
   }
   derniere_ = maintenant;
   affichee_ = true;
-  const std::size_t pourcent = total == 0 ? 0 : fait * 100 / total;
-  std::fprintf(stderr, "\r\033[K%.*s : %zu %%", static_cast<int>(etape.size()), etape.data(), pourcent);
+  constexpr std::size_t CASES = 30;
+  const auto longueur = static_cast<int>(etape.size());
+  if (total == 0) {
+    std::fprintf(stderr, "\r\033[K%.*s : %zu", longueur, etape.data(), fait);
+  } else {
+    const std::size_t pleines = std::min(CASES, fait * CASES / total);
+    const std::string barre = std::string(pleines, '#') + std::string(CASES - pleines, '.');
+    std::fprintf(stderr, "\r\033[K%.*s [%s] %3zu %%", longueur, etape.data(), barre.c_str(),
+                 std::min<std::size_t>(100, fait * 100 / total));
+  }
   std::fflush(stderr);
 }
 

@@ -16,6 +16,7 @@ class Progression {
   Progression(const Progression&) = delete;
   Progression& operator=(const Progression&) = delete;
 
+  // Nothing is known of the whole when `total` is 0: what is done is told alone.
   void montrer(std::string_view etape, std::size_t fait, std::size_t total);
 
  private:

@@ -1,14 +1,16 @@
 #include "noxlux/requete.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <ctime>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <set>
 
+#include "compilateur/proches.h"
 #include "noxlux/dates.h"
 #include "noxlux/erreurs.h"
+#include "noxlux/presentation.h"
 #include "noxlux/tableau.h"
 #include "types/date.h"
 
@@ -24,32 +26,43 @@ std::string joindre(const std::vector<std::string>& textes) {
   return resultat;
 }
 
+// The field that a person means: its case and accents are forgiven.
+std::string nomDeChamp(const std::string& saisi, const std::vector<std::string>& connus) {
+  const std::string simple = compilateur::sansAccents(saisi);
+  for (const std::string& connu : connus) {
+    if (compilateur::sansAccents(connu) == simple) {
+      return connu;
+    }
+  }
+  return saisi;
+}
+
 // The values of all arguments by field name, each in the order given.
-std::map<std::string, std::vector<std::string>> lireArguments(const std::vector<std::string>& arguments) {
+std::map<std::string, std::vector<std::string>> lireArguments(const std::vector<std::string>& arguments,
+                                                              const std::vector<std::string>& connus) {
   std::map<std::string, std::vector<std::string>> valeurs;
   for (const std::string& argument : arguments) {
     const std::size_t egal = argument.find('=');
     if (egal == std::string::npos || egal == 0) {
       throw ErreurUsage("« " + argument + " » : un argument de la forme champ=valeur est attendu");
     }
-    valeurs[argument.substr(0, egal)].push_back(argument.substr(egal + 1));
+    valeurs[nomDeChamp(argument.substr(0, egal), connus)].push_back(argument.substr(egal + 1));
   }
   return valeurs;
 }
 
 // A value typed by a person: numbers of numeric fields may have a decimal point or comma.
-Json valeurSaisie(const ChampDecrit& champ, std::string texte) {
+Json valeurSaisie(const ChampDecrit& champ, const std::string& texte) {
   const bool numerique = champ.type == 'N' || champ.type == 'M' || champ.type == 'F' || champ.type == 'X';
   if (!numerique || texte.empty()) {
-    return texte;
+    return champ.format == 'A' ? enCapitales(texte) : texte;
   }
-  std::replace(texte.begin(), texte.end(), ',', '.');
-  char* fin = nullptr;
-  const double valeur = std::strtod(texte.c_str(), &fin);
-  if (fin == texte.c_str() || *fin != '\0') {
-    throw ErreurUsage(champ.nom + " : « " + texte + " » n'est pas un nombre");
+  const std::optional<double> valeur = lireNombre(texte);
+  if (!valeur) {
+    throw ErreurUsage(champ.nom + " : « " + texte + " » n'est pas " +
+                      (champ.type == 'M' ? "un montant en euros" : "un nombre"));
   }
-  return valeur;
+  return *valeur;
 }
 
 void controlerTaille(const ChampDecrit& champ, const std::string& octets) {
@@ -69,35 +82,39 @@ const FonctionDecrite& trouverFonction(const std::string& famille, const std::st
   if (const FonctionDecrite* fonction = socle.fonction(famille, identifiant)) {
     return *fonction;
   }
-  throw ErreurUsage("identifiant « " + identifiant +
-                    " » inconnu ; identifiants connus : " + joindre(socle.identifiants(famille)));
+  const std::string proches = compilateur::vouliezVous(identifiant, socle.identifiants(famille));
+  throw ErreurUsage(
+      "identifiant « " + identifiant + " » inconnu" +
+      (proches.empty() ? " ; identifiants connus : " + joindre(socle.identifiants(famille)) : proches));
 }
 
 std::string construireZone(const FonctionDecrite& fonction, const std::vector<std::string>& arguments) {
   const DescriptionZones& socle = DescriptionZones::socle();
-  const auto saisies = lireArguments(arguments);
-  std::set<std::string> pris;
-  std::vector<std::string> attendus;
+  const std::vector<std::string> connus = champsDe(fonction);
+  const auto saisies = lireArguments(arguments, connus);
+  for (const auto& [nom, valeurs] : saisies) {
+    if (std::find(connus.begin(), connus.end(), nom) == connus.end()) {
+      throw ErreurUsage(nom + " : " + fonction.nom + " n'a pas de champ de ce nom" +
+                        (connus.empty()
+                             ? " (aucun champ attendu)"
+                             : compilateur::vouliezVous(nom, connus) + " ; champs : " + joindre(connus)));
+    }
+    if (valeurs.size() > 1) {
+      throw ErreurUsage(nom + " : donné plusieurs fois");
+    }
+  }
+  std::set<std::string> vus;
   std::string zone;
   for (const FilsDecrit& fils : socle.groupesEntree(fonction)) {
     const GroupeDecrit& groupe = *socle.groupe(fils.groupe, false);
     Json champs = Json::object();
     bool propre = false;  // a field that no group before had was given
     for (const ChampDecrit& champ : groupe.champs) {
-      const bool nouveau = std::find(attendus.begin(), attendus.end(), champ.nom) == attendus.end();
-      if (nouveau) {
-        attendus.push_back(champ.nom);
+      const bool nouveau = vus.insert(champ.nom).second;
+      if (const auto saisie = saisies.find(champ.nom); saisie != saisies.end()) {
+        propre = propre || nouveau;
+        champs[champ.nom] = valeurSaisie(champ, saisie->second.front());
       }
-      const auto saisie = saisies.find(champ.nom);
-      if (saisie == saisies.end()) {
-        continue;
-      }
-      pris.insert(champ.nom);
-      if (saisie->second.size() > 1) {
-        throw ErreurUsage(champ.nom + " : donné plusieurs fois");
-      }
-      propre = propre || nouveau;
-      champs[champ.nom] = valeurSaisie(champ, saisie->second.front());
     }
     if (fils.min == 0 && !propre) {
       continue;
@@ -109,13 +126,25 @@ std::string construireZone(const FonctionDecrite& fonction, const std::vector<st
     }
     zone += encoderGroupe(groupe, champs, Chemin(fonction.nom));
   }
-  for (const auto& [nom, valeurs] : saisies) {
-    if (!pris.contains(nom)) {
-      throw ErreurUsage(nom + " : " + fonction.nom + " n'a pas de champ de ce nom" +
-                        (attendus.empty() ? " (aucun champ attendu)" : " ; champs : " + joindre(attendus)));
+  return zone;
+}
+
+std::vector<std::string> champsDe(const FonctionDecrite& fonction) {
+  std::vector<std::string> noms;
+  for (const FilsDecrit& fils : DescriptionZones::socle().groupesEntree(fonction)) {
+    for (const ChampDecrit& champ : DescriptionZones::socle().groupe(fils.groupe, false)->champs) {
+      if (std::find(noms.begin(), noms.end(), champ.nom) == noms.end()) {
+        noms.push_back(champ.nom);
+      }
     }
   }
-  return zone;
+  return noms;
+}
+
+std::string enCapitales(std::string code) {
+  std::transform(code.begin(), code.end(), code.begin(),
+                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return code;
 }
 
 std::vector<std::string> argumentsPour(const FonctionDecrite& fonction,
@@ -124,7 +153,10 @@ std::vector<std::string> argumentsPour(const FonctionDecrite& fonction,
   for (const FilsDecrit& fils : DescriptionZones::socle().groupesEntree(fonction)) {
     for (const ChampDecrit& champ : DescriptionZones::socle().groupe(fils.groupe, false)->champs) {
       std::copy_if(arguments.begin(), arguments.end(), std::back_inserter(gardes),
-                   [&](const std::string& argument) { return argument.starts_with(champ.nom + "="); });
+                   [&](const std::string& argument) {
+                     return compilateur::sansAccents(argument.substr(0, argument.find('='))) ==
+                            compilateur::sansAccents(champ.nom);
+                   });
     }
   }
   return gardes;
@@ -143,7 +175,7 @@ std::string dateReference(const std::string& texte) {
     chiffres = dateCompacte(texte).value_or(texte);
   }
   if (chiffres.size() != 8 || !Date::estValide(reinterpret_cast<const byte*>(chiffres.data()), 8)) {
-    throw ErreurUsage("« " + texte + " » n'est pas une date AAAA-MM-JJ du calendrier");
+    throw ErreurUsage("« " + texte + " » n'est pas une date du calendrier (2026-01-15 ou 15/01/2026)");
   }
   return chiffres;
 }
@@ -153,15 +185,8 @@ std::string texteValeur(const Json& valeur, char type) {
     return valeur.get<bool>() ? "oui" : "non";
   }
   if (valeur.is_number_float()) {
-    // An amount has two decimals, and more only where they tell something.
-    char texte[32];
-    std::snprintf(texte, sizeof texte, "%.*f", type == 'F' ? 3 : type == 'M' ? 5 : 2, valeur.get<double>());
-    std::string resultat = texte;
-    while (type == 'M' && resultat.back() == '0' && resultat[resultat.size() - 3] != '.') {
-      resultat.pop_back();
-    }
-    std::replace(resultat.begin(), resultat.end(), '.', ',');
-    return type == 'M' ? resultat + " €" : resultat;
+    const double nombre = valeur.get<double>();
+    return type == 'M' ? euros(nombre) : nombreLisible(nombre, type == 'F' ? 3 : 2);
   }
   if (valeur.is_array()) {
     std::vector<std::string> textes;
@@ -173,9 +198,8 @@ std::string texteValeur(const Json& valeur, char type) {
   if (!valeur.is_string()) {
     return valeur.dump();
   }
-  std::string texte = valeur.get<std::string>();
-  texte.erase(texte.find_last_not_of(' ') + 1);  // codes come padded to their width
-  return texte;
+  const std::string texte = rogner(valeur.get<std::string>());
+  return type == 'D' ? dateFrancaise(texte) : texte;
 }
 
 namespace {

@@ -22,7 +22,14 @@ std::string construireZone(const FonctionDecrite& fonction, const std::vector<st
 std::vector<std::string> argumentsPour(const FonctionDecrite& fonction,
                                        const std::vector<std::string>& arguments);
 
-// A date given as AAAA-MM-JJ or AAAAMMJJ, as the library wants it; today when empty. Throws ErreurUsage.
+// The names of the fields of a function.
+std::vector<std::string> champsDe(const FonctionDecrite& fonction);
+
+// Codes are typed in any case.
+std::string enCapitales(std::string code);
+
+// A date given as AAAA-MM-JJ, JJ/MM/AAAA or AAAAMMJJ, as the library wants it; today when empty. Throws
+// ErreurUsage.
 std::string dateReference(const std::string& texte);
 
 // The groups of an answer: one group as "field: value" lines, several of one kind as a table.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "compilateur/transcodage.h"
@@ -115,7 +116,7 @@ std::string texteLatin1(const std::string& utf8, const Chemin& chemin) {
   }
   const compilateur::TexteLatin1 converti = versLatin1(utf8);
   if (!converti.sansEquivalent.empty()) {
-    chemin.refuser("caractère hors ISO-8859-1 : " + converti.sansEquivalent.front());
+    chemin.refuser("caractère hors ISO-8859-1 : " + converti.sansEquivalent.front().caractere);
   }
   return converti.texte;
 }
@@ -218,78 +219,227 @@ std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const 
   return emballerGroupe(groupe.numero, contenu);
 }
 
-std::string encoderZone(const Json& groupes) {
-  if (!groupes.is_array()) {
-    RACINE.refuser("un tableau de groupes est attendu");
+namespace {
+
+// A group of a zone, its fields beyond the description being named as decoding names them.
+std::string encoderElement(const Json& element, const Chemin& chemin) {
+  if (!element.is_object() || !element.contains("groupe") || !element["groupe"].is_number_unsigned()) {
+    chemin.refuser("un objet avec un numéro \"groupe\" est attendu");
   }
-  std::string zone;
-  for (std::size_t i = 0; i < groupes.size(); ++i) {
-    const Chemin chemin = RACINE.element(i);
-    const Json& element = groupes[i];
-    if (!element.is_object() || !element.contains("groupe") || !element["groupe"].is_number_unsigned()) {
-      chemin.refuser("un objet avec un numéro \"groupe\" est attendu");
-    }
-    const std::uint64_t numero = element["groupe"].get<std::uint64_t>();
-    const GroupeDecrit* groupe =
-        numero > 65535 ? nullptr : DescriptionZones::socle().groupe(static_cast<unsigned>(numero), false);
-    GroupeDecrit anonyme;
-    const Json champs = element.value("champs", Json::object());
-    if (numero == 0 || numero > 65535) {
-      chemin.membre("groupe").refuser("un numéro de 1 à 65535 est attendu");
-    }
-    if (groupe == nullptr) {
-      // An unknown group: its fields in the order given.
-      anonyme.numero = static_cast<unsigned>(numero);
-      for (const auto& [nom, valeur] : champs.items()) {
-        anonyme.champs.emplace_back().nom = nom;
-      }
-      groupe = &anonyme;
-    }
-    // Fields beyond the description, as decoding names them.
-    GroupeDecrit elargi = *groupe;
-    while (champs.is_object() && champs.contains("champ" + std::to_string(elargi.champs.size() + 1))) {
-      elargi.champs.emplace_back().nom = "champ" + std::to_string(elargi.champs.size());
-    }
-    zone += encoderGroupe(elargi, champs, chemin.membre("champs"));
+  const std::uint64_t numero = element["groupe"].get<std::uint64_t>();
+  if (numero == 0 || numero > 65535) {
+    chemin.membre("groupe").refuser("un numéro de 1 à 65535 est attendu");
   }
-  return zone;
+  const GroupeDecrit* const decrit = DescriptionZones::socle().groupe(static_cast<unsigned>(numero), false);
+  const Json champs = element.value("champs", Json::object());
+  GroupeDecrit groupe;
+  if (decrit == nullptr) {
+    // An unknown group: its fields in the order given.
+    groupe.numero = static_cast<unsigned>(numero);
+    for (const auto& [nom, valeur] : champs.items()) {
+      groupe.champs.emplace_back().nom = nom;
+    }
+  } else {
+    groupe = *decrit;
+    while (champs.is_object() && champs.contains("champ" + std::to_string(groupe.champs.size() + 1))) {
+      const std::string nom = "champ" + std::to_string(groupe.champs.size() + 1);
+      groupe.champs.emplace_back().nom = nom;
+    }
+  }
+  return encoderGroupe(groupe, champs, chemin.membre("champs"));
 }
 
-Json decoderZone(const std::string& octets, bool reponse) {
-  Json groupes = Json::array();
+// Takes the groups of a text as the parser meets them, so that no more than one is ever held.
+class EncodeurZone {
+ public:
+  bool operator()(int profondeur, Json::parse_event_t evenement, const Json& valeur) {
+    using E = Json::parse_event_t;
+    const bool ouvre = evenement == E::object_start || evenement == E::array_start;
+    const bool cle = evenement == E::key;
+    if (profondeur == 0 && (evenement == E::value || evenement == E::object_start)) {
+      RACINE.refuser("un tableau de groupes est attendu");
+    }
+    if (ouvre && profondeur > PROFONDEUR_MAX) {
+      element().refuser("trop imbriqué");
+    }
+    nombre_ += cle || evenement == E::value ? 1U : 0U;
+    if ((cle && nombre_ > CLES_MAX) || nombre_ > VALEURS_MAX) {
+      element().refuser("trop de champs");
+    }
+    if (profondeur != 1 ||
+        (evenement != E::value && evenement != E::object_end && evenement != E::array_end)) {
+      return true;
+    }
+    zone_ += encoderElement(valeur, element());
+    ++rang_;
+    nombre_ = 0;
+    return false;  // done with it
+  }
+  std::string zone() && { return std::move(zone_); }
+
+ private:
+  static constexpr int PROFONDEUR_MAX = 8;
+  // No place beyond the 4095th field of a group, no list of more than 65535 values can be told.
+  static constexpr std::size_t CLES_MAX = 2 * 4095 + 8;
+  static constexpr std::size_t VALEURS_MAX = 65535 + 64;
+
+  Chemin element() const { return RACINE.element(rang_); }
+
+  std::size_t rang_ = 0;
+  std::size_t nombre_ = 0;  // keys and values of the group at hand
+  std::string zone_;
+};
+
+// Walks the groups of a zone and their fields: visiteur.groupe(number, description or null), then
+// visiteur.champ(rank from 0, description or null, bytes) for each, then visiteur.finGroupe().
+template <class V>
+void parcourirZone(const std::string& octets, bool reponse, V& visiteur) {
   Curseur zone(octets, 0, octets.size());
   while (!zone.estAuBout()) {
     const auto numero = static_cast<unsigned>(zone.lire(2));
     const std::size_t fin = zone.lireFin();
-    const GroupeDecrit* groupe = DescriptionZones::socle().groupe(numero, reponse);
-    Json element = {{"groupe", numero}};
-    if (groupe != nullptr) {
-      element["nom"] = groupe->nom;
-    }
-    Json champs = Json::object();
-    if (groupe != nullptr && !groupe->champs.empty() && groupe->champs.back().repete) {
-      champs[groupe->champs.back().nom] = Json::array();
-    }
+    const GroupeDecrit* const groupe = DescriptionZones::socle().groupe(numero, reponse);
+    visiteur.groupe(numero, groupe);
     Curseur contenu(octets, zone.position(), fin);
     for (std::size_t rang = 0; !contenu.estAuBout(); ++rang) {
       const std::size_t finChamp = contenu.lireFin();
-      const std::string valeur = octets.substr(contenu.position(), finChamp - contenu.position());
+      visiteur.champ(rang, groupe == nullptr ? nullptr : groupe->champ(rang),
+                     octets.substr(contenu.position(), finChamp - contenu.position()));
       contenu.allerA(finChamp);
-      const ChampDecrit* champ = groupe == nullptr ? nullptr : groupe->champ(rang);
-      Json decodee = decoderChamp(champ, valeur);
-      if (champ == nullptr) {
-        champs["champ" + std::to_string(rang + 1)] = std::move(decodee);
-      } else if (champ->repete) {
-        champs[champ->nom].push_back(std::move(decodee));
-      } else {
-        champs[champ->nom] = std::move(decodee);
-      }
+    }
+    visiteur.finGroupe();
+    zone.allerA(fin);
+  }
+}
+
+const ChampDecrit* repeteDe(const GroupeDecrit* groupe) {
+  const bool repete = groupe != nullptr && !groupe->champs.empty() && groupe->champs.back().repete;
+  return repete ? &groupe->champs.back() : nullptr;
+}
+
+struct VersJson {
+  Json groupes = Json::array();
+  Json element;
+  Json champs;
+  const ChampDecrit* repete = nullptr;
+
+  void groupe(unsigned numero, const GroupeDecrit* decrit) {
+    element = {{"groupe", numero}};
+    if (decrit != nullptr) {
+      element["nom"] = decrit->nom;
+    }
+    champs = Json::object();
+    repete = repeteDe(decrit);
+  }
+  void champ(std::size_t rang, const ChampDecrit* decrit, const std::string& octets) {
+    Json valeur = decoderChamp(decrit, octets);
+    if (decrit == nullptr) {
+      champs["champ" + std::to_string(rang + 1)] = std::move(valeur);
+    } else if (decrit->repete) {
+      champs[decrit->nom].push_back(std::move(valeur));
+    } else {
+      champs[decrit->nom] = std::move(valeur);
+    }
+  }
+  void finGroupe() {
+    if (repete != nullptr && !champs.contains(repete->nom)) {
+      champs[repete->nom] = Json::array();
     }
     element["champs"] = std::move(champs);
     groupes.push_back(std::move(element));
-    zone.allerA(fin);
   }
-  return groupes;
+};
+
+struct VersRien {
+  void groupe(unsigned, const GroupeDecrit*) {}
+  void champ(std::size_t, const ChampDecrit*, const std::string&) {}
+  void finGroupe() {}
+};
+
+// The text that VersJson's value has, without the value.
+class VersTexte {
+ public:
+  explicit VersTexte(std::ostream& sortie) : sortie_(sortie) {}
+
+  void groupe(unsigned numero, const GroupeDecrit* decrit) {
+    sortie_ << (premierGroupe_ ? "[" : ",") << "\n  {\n    \"groupe\": " << numero;
+    if (decrit != nullptr) {
+      sortie_ << ",\n    \"nom\": " << Json(decrit->nom).dump();
+    }
+    sortie_ << ",\n    \"champs\": {";
+    premierGroupe_ = false;
+    premierChamp_ = true;
+    repete_ = repeteDe(decrit);
+    valeurs_ = 0;
+  }
+  void champ(std::size_t rang, const ChampDecrit* decrit, const std::string& octets) {
+    const Json valeur = decoderChamp(decrit, octets);
+    if (decrit != nullptr && decrit->repete) {
+      if (!liste_) {
+        ouvrirListe();
+      }
+      sortie_ << (valeurs_++ == 0 ? "" : ",") << "\n        " << valeur.dump();
+      return;
+    }
+    nommer(decrit == nullptr ? "champ" + std::to_string(rang + 1) : decrit->nom);
+    sortie_ << valeur.dump();
+  }
+  void finGroupe() {
+    if (repete_ != nullptr && !liste_) {
+      ouvrirListe();
+    }
+    if (liste_) {
+      sortie_ << (valeurs_ == 0 ? "]" : "\n      ]");
+      liste_ = false;
+    }
+    sortie_ << (premierChamp_ ? "}" : "\n    }") << "\n  }";
+  }
+  void finir() { sortie_ << (premierGroupe_ ? "[]\n" : "\n]\n"); }
+
+ private:
+  void nommer(const std::string& nom) {
+    sortie_ << (premierChamp_ ? "" : ",") << "\n      " << Json(nom).dump() << ": ";
+    premierChamp_ = false;
+  }
+  void ouvrirListe() {
+    nommer(repete_->nom);
+    sortie_ << '[';
+    liste_ = true;
+  }
+
+  std::ostream& sortie_;
+  bool premierGroupe_ = true;
+  bool premierChamp_ = true;
+  bool liste_ = false;
+  std::size_t valeurs_ = 0;
+  const ChampDecrit* repete_ = nullptr;
+};
+
+}  // namespace
+
+std::string encoderZone(const std::string& texte, const std::string& source) {
+  EncodeurZone encodeur;
+  try {
+    // The parser keeps a copy of its listener.
+    [[maybe_unused]] const Json reste = Json::parse(texte, std::ref(encodeur));
+  } catch (const Json::parse_error& faute) {
+    throw ErreurUsage(source + " : JSON mal formé, octet " + std::to_string(faute.byte));
+  }
+  return std::move(encodeur).zone();
+}
+
+Json decoderZone(const std::string& octets, bool reponse) {
+  VersJson visiteur;
+  parcourirZone(octets, reponse, visiteur);
+  return std::move(visiteur.groupes);
+}
+
+void decoderZoneVers(std::ostream& sortie, const std::string& octets, bool reponse) {
+  VersRien controle;  // nothing is written of bytes that are no zone
+  parcourirZone(octets, reponse, controle);
+  VersTexte visiteur(sortie);
+  parcourirZone(octets, reponse, visiteur);
+  visiteur.finir();
 }
 
 }  // namespace noxlux::commande

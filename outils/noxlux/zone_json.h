@@ -9,6 +9,7 @@
 #define NOXLUX_COMMANDE_ZONE_JSON_H
 
 #include <nlohmann/json.hpp>
+#include <ostream>
 #include <string>
 
 #include "noxlux/chemin.h"
@@ -21,8 +22,11 @@ using Json = nlohmann::ordered_json;
 
 // `reponse`: which side's names to prefer. Throws ErreurUsage on bytes that are no zone.
 Json decoderZone(const std::string& octets, bool reponse);
-// Throws ErreurUsage, with the JSON path, on what cannot be encoded.
-std::string encoderZone(const Json& groupes);
+// The same as text, written group by group: a large zone takes no more memory than its bytes.
+void decoderZoneVers(std::ostream& sortie, const std::string& octets, bool reponse);
+// The zone that a text tells, read group by group; `source` names the text. Throws ErreurUsage, with the JSON
+// path, on what cannot be encoded.
+std::string encoderZone(const std::string& texte, const std::string& source);
 
 // One group; `chemin` is the place of `champs`. A field that is not given is empty.
 std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const Chemin& chemin);

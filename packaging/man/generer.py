@@ -88,7 +88,7 @@ def cle(entree):
 
 
 def entree_fr(entree):
-    return re.sub(r" (Excludes|Needs): .*", "", entree)
+    return re.sub(r" (Sans|Avec): .*", "", entree)
 
 
 def pages_commande(commande):

@@ -251,7 +251,8 @@ def zone_de_facture(facture: Any) -> bytes:
     """REQUIRES: no member that is None (sans_nuls)."""
     caisse = _Valeurs(_CAISSE, "$")
     autres = caisse.ranger_membres(_exiger_objet(facture, "$"),
-                                   ("professionnel", "beneficiaire", "remplacant", "natureAssurance", "lignes"))
+                                   ("professionnel", "beneficiaire", "remplacant", "natureAssurance", "lignes",
+                                    "reference", "libre"))
     zone = [_zone_entete(autres.get("professionnel"), autres.get("beneficiaire"))]
     if "remplacant" in autres:
         valeurs = _Valeurs(_REMPLACANT, "$.remplacant")
@@ -260,7 +261,10 @@ def zone_de_facture(facture: Any) -> bytes:
     nature = NATURES[_choisir(NATURES, autres.get("natureAssurance"), "$.natureAssurance")]
     zone.append(emballer(nature, [b""] * len(ENTREES[nature].champs)))
     compte = 0
-    for i, ligne in enumerate(_liste(autres.get("lignes"), "$.lignes")):
+    lignes = _liste(autres.get("lignes"), "$.lignes")
+    if not lignes:
+        refuser("$.lignes", "il faut au moins une ligne")
+    for i, ligne in enumerate(lignes):
         octets, compte = _zone_ligne(ligne, f"$.lignes[{i}]", compte)
         zone.append(octets)
     zone.append(caisse.ecrire(0))

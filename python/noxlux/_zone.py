@@ -22,10 +22,12 @@ def refuser(chemin: str, raison: str) -> NoReturn:
 
 
 def date_compacte(texte: str) -> str | None:
-    """The digits of AAAA-MM-JJ; None for another form."""
-    if len(texte) != 10 or texte[4] != "-" or texte[7] != "-":
-        return None
-    return texte[:4] + texte[5:7] + texte[8:]
+    """The digits of AAAA-MM-JJ or JJ/MM/AAAA; None for another form."""
+    if len(texte) == 10 and texte[4] == texte[7] == "-":
+        return texte[:4] + texte[5:7] + texte[8:]
+    if len(texte) == 10 and texte[2] == texte[5] == "/":
+        return texte[6:] + texte[3:5] + texte[:2]
+    return None
 
 
 def est_du_calendrier(chiffres: str) -> bool:

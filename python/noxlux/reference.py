@@ -302,7 +302,8 @@ class Reference:
     def controler_lot(self, factures: Iterable[Mapping[str, Any] | str | bytes],
                       detail: bool = False) -> Iterator[dict[str, Any]]:
         """The answers to many invoices, one after the other, as the command's batch writes them: what could not be
-        checked gives {"code": ..., "erreur": "..."} in its place, `code` None when the record is no invoice. Blank
+        checked gives {"code": ..., "erreur": "..."} in its place, `code` None when the record is no invoice. What an
+        invoice bears as `reference` and `libre` comes back with its answer. Blank
         texts are passed over: a file of one invoice a line can be given as it is.
 
         >>> with Reference(EXEMPLE) as reference:
@@ -314,12 +315,18 @@ class Reference:
                 facture = facture.removesuffix("\n") if isinstance(facture, str) else facture.removesuffix(b"\n")
                 if not facture.strip():
                     continue
+            sien: dict[str, Any] = {}
             try:
-                yield self.controler(facture, detail).json()
+                if isinstance(facture, (str, bytes)):
+                    facture = lire_facture(facture)
+                if isinstance(facture, Mapping):
+                    sien = {cle: facture[cle] for cle in ("reference", "libre") if facture.get(cle) is not None}
+                reponse = self.controler(facture, detail).json()
             except ErreurBibliotheque as erreur:
-                yield {"code": hexadecimal(erreur.code), "erreur": signification(erreur.code)}
+                reponse = {"code": hexadecimal(erreur.code), "erreur": signification(erreur.code)}
             except ErreurDemande as erreur:
-                yield {"code": None, "erreur": str(erreur)}
+                reponse = {"code": None, "erreur": str(erreur)}
+            yield reponse | sien
 
     def _detailler(self, facture: Any) -> list[LigneCalculee]:
         professionnel = facture.get("remplacant", facture["professionnel"])

@@ -296,7 +296,7 @@ def main():
 def listes(reference, acte):
     """The prices of an act as the listing of the compiled file shows them."""
     fini = subprocess.run([COMMANDE, "lister", reference, acte, "--json"], capture_output=True, text=True, check=True)
-    return {(acte, a["code activite"], p["code phase"]): p["historiques"][0]["prix unitaire"]
+    return {(acte, a["codeActivite"], p["codePhase"]): p["historiques"][0]["prixUnitaire"]
             for a in json.loads(fini.stdout)["activites"] for p in a["phases"]}
 
 

@@ -41,7 +41,7 @@ TEST(Commande, CompileEtListe) {
   } cas[] = {
       {"", 0, "CRC"},
       {" 026", 0, "coefficient modificateur"},
-      {" MotCle --json", 0, "\"forme canonique\""},
+      {" MotCle --json", 0, "\"formeCanonique\""},
       {" HHFA001", 0, "prix unitaire"},
       {" 028", 2, "028"},
       {" ZZZZ999", 2, "ZZZZ999"},
@@ -104,7 +104,7 @@ TEST(Commande, ModifieAvecDAutres) {
   EXPECT_EQ(std::system(ligne.c_str()), 0);
   const std::string liste = lancer(dossier, "modifications -r " + produit).sortie;
   for (char prix = '1'; prix <= '8'; ++prix) {
-    EXPECT_NE(liste.find(phrase("prix unitaire 20", std::string(1, prix), ".0")), std::string::npos) << liste;
+    EXPECT_NE(liste.find(phrase("prix unitaire 20", std::string(1, prix), ",00")), std::string::npos) << liste;
   }
 }
 

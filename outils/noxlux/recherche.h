@@ -1,0 +1,31 @@
+// Acts found by words as people type them, best first.
+#ifndef NOXLUX_COMMANDE_RECHERCHE_H
+#define NOXLUX_COMMANDE_RECHERCHE_H
+
+#include <optional>
+#include <ostream>
+#include <string>
+
+#include "noxlux/catalogue.h"
+#include "noxlux/zone_json.h"
+
+namespace noxlux::commande {
+
+struct CriteresRecherche {
+  std::string texte;     // several words: all of them
+  std::string chapitre;  // the code of a chapter, or words of its title; empty: all
+  std::optional<double> prixMinimum;
+  std::optional<double> prixMaximum;
+  std::size_t limite = 20;  // 0: all
+};
+
+// {"nombre", "actes": [{"code", "libelle", "prix", "chapitre": {"code", "titre"}}], "suggestions": [{"mot",
+// "propositions"}]}: accents, case, plurals and the ends of words are forgiven; a word that leads to no act
+// has its suggestions. Prices are those of the first activity and phase at the date, AAAAMMJJ.
+Json rechercherActes(const CriteresRecherche& criteres, const std::string& date, const Catalogue& catalogue);
+
+void afficherRecherche(const Json& resultat, std::ostream& sortie);
+
+}  // namespace noxlux::commande
+
+#endif
