@@ -84,10 +84,10 @@ std::vector<PhaseConnue> Catalogue::phases(const std::string& code) const {
       PhaseConnue& connue = phases.emplace_back();
       connue.activite = activite.codeActivite;
       connue.phase = phase.codePhase;
-      for (auto historique = phase.historiques.rbegin(); historique != phase.historiques.rend();
-           ++historique) {
-        connue.effets.push_back(jour(historique->dateEffet));
+      for (const HistoriqueNiveauPhase& historique : phase.historiques) {
+        connue.effets.push_back(jour(historique.dateEffet));
       }
+      std::reverse(connue.effets.begin(), connue.effets.end());
     }
   }
   return phases;

@@ -42,8 +42,8 @@ std::string grouperDe(unsigned numero, std::initializer_list<const Json*> source
 }
 
 // Asks the reference for one number at a day; null without an answer, its code in `code`.
-Json consulter(const char* identifiant, const std::string& jour, std::string zone, const char* champ,
-               unsigned short& code) {
+Json demanderNombre(const char* identifiant, const std::string& jour, std::string zone, const char* champ,
+                    unsigned short& code) {
   const std::string chiffres = dateCompacte(jour).value_or("");
   const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
     return NOX_ConsulterDonnee(identifiant, chiffres.c_str(), zone.data(),
@@ -93,11 +93,11 @@ std::vector<std::pair<double, double>> bases(const std::string& convention, cons
 // The base of a professional who is not under agreement, from that of one who is.
 double reduire(double base, const std::string& jour) {
   unsigned short code = NOX_CR_OK;
-  const Json forfait = consulter("TB12_1", jour, "", "montant", code);
+  const Json forfait = demanderNombre("TB12_1", jour, "", "montant", code);
   if (code == NOX_CR_OK && forfait.get<double>() > 0) {
     return std::min(base, forfait.get<double>());
   }
-  const Json taux = consulter("TB12_2", jour, "", "coefficient", code);
+  const Json taux = demanderNombre("TB12_2", jour, "", "coefficient", code);
   return code == NOX_CR_OK ? base * taux.get<double>() : base;
 }
 
@@ -176,13 +176,13 @@ Json ligneDeBase(const Json& ligne, const Json& executant) {
 Json prixAFacturer(const Json& ligne, const std::string& caisse) {
   const std::string jour = ligne["date"].get<std::string>();
   unsigned short code = NOX_CR_OK;
-  Json prix = consulter("CCAM_37", jour, grouperDe(GROUPE_ACTE_PHASE, {&ligne}), "montant", code);
+  Json prix = demanderNombre("CCAM_37", jour, grouperDe(GROUPE_ACTE_PHASE, {&ligne}), "montant", code);
   if (code != NOX_CR_OK || caisse.empty()) {
     return prix;
   }
   const Json cle = {{"caisse", caisse}};
-  const Json majoration =
-      consulter("CCAM_47a", jour, grouperDe(GROUPE_CAISSE_ACTE_PHASE, {&cle, &ligne}), "coefficient", code);
+  const Json majoration = demanderNombre(
+      "CCAM_47a", jour, grouperDe(GROUPE_CAISSE_ACTE_PHASE, {&cle, &ligne}), "coefficient", code);
   if (code == NOX_CR_CAISSE_NON_DOM) {
     return prix;
   }

@@ -428,6 +428,17 @@ std::string encoderZone(const std::string& texte, const std::string& source) {
   return std::move(encodeur).zone();
 }
 
+std::string encoderZone(const Json& groupes) {
+  if (!groupes.is_array()) {
+    RACINE.refuser("un tableau de groupes est attendu");
+  }
+  std::string zone;
+  for (std::size_t i = 0; i < groupes.size(); ++i) {
+    zone += encoderElement(groupes[i], RACINE.element(i));
+  }
+  return zone;
+}
+
 Json decoderZone(const std::string& octets, bool reponse) {
   VersJson visiteur;
   parcourirZone(octets, reponse, visiteur);

@@ -27,6 +27,8 @@ void decoderZoneVers(std::ostream& sortie, const std::string& octets, bool repon
 // The zone that a text tells, read group by group; `source` names the text. Throws ErreurUsage, with the JSON
 // path, on what cannot be encoded.
 std::string encoderZone(const std::string& texte, const std::string& source);
+// The same of a value.
+std::string encoderZone(const Json& groupes);
 
 // One group; `chemin` is the place of `champs`. A field that is not given is empty.
 std::string encoderGroupe(const GroupeDecrit& groupe, const Json& champs, const Chemin& chemin);

@@ -112,7 +112,7 @@ def lister(reference, *acte):
 
 def vie(reference, acte):
     lu = lister(reference, acte)
-    return lu["date de creation"], lu["date de fin"]
+    return lu["dateCreation"], lu["dateFin"]
 
 
 def verifier_listes(compte, dossier):
@@ -139,10 +139,10 @@ def verifier_listes(compte, dossier):
                     [None, 195.84])
     un = dossier / "un"
     compiler(un, "--listing", dossier / "v80.csv")
-    versions = [lister(r)["entete"]["version du référentiel"] for r in (un, deux)]
+    versions = [lister(r)["entete"]["versionReferentiel"] for r in (un, deux)]
     compte.verifier("versions of the references rise", "0121" <= versions[0] < versions[1], True)
     changements = json.loads(lancer("comparer", un, deux, "--json").stdout)
-    compte.verifier("acts that came", [c["acte"] for c in changements["actes ajoutés"]], ["HHFA001"])
+    compte.verifier("acts that came", [c["acte"] for c in changements["actesAjoutes"]], ["HHFA001"])
 
 
 def main():
