@@ -32,7 +32,7 @@ JsonOrdonne associes(const HistoriqueNiveauActivite& historique) {
 
 // The history that holds at a date; null before the first one.
 template <class H>
-const H* enVigueur(const std::vector<H>& historiques, const DateBrute& date) {
+const H* enVigueur(const ChaineHistoriques<H>& historiques, const DateBrute& date) {
   const H* trouve = nullptr;
   for (const H& historique : historiques) {
     if (historique.dateEffet <= date && (trouve == nullptr || trouve->dateEffet < historique.dateEffet)) {
@@ -142,7 +142,7 @@ class Comparaison {
   // back to is no change; a level that it does not hold any more is one, from the date it had last.
   template <class H, class V>
   void comparerHistoriques(const char* liste, const JsonOrdonne& ou, const char* donnee,
-                           const std::vector<H>& avant, const std::vector<H>& apres, V&& valeur) {
+                           const ChaineHistoriques<H>& avant, const ChaineHistoriques<H>& apres, V&& valeur) {
     std::set<DateBrute> dates;
     for (const H& historique : apres) {
       dates.insert(historique.dateEffet);
@@ -156,7 +156,7 @@ class Comparaison {
     if (apres.empty() && !dates.empty()) {
       dates = {*dates.rbegin()};
     }
-    const auto en = [&](const std::vector<H>& historiques, const DateBrute& date) {
+    const auto en = [&](const ChaineHistoriques<H>& historiques, const DateBrute& date) {
       const H* const historique = enVigueur(historiques, date);
       return historique == nullptr ? JsonOrdonne() : JsonOrdonne(valeur(*historique));
     };

@@ -335,6 +335,11 @@ bool importerListings(const DemandeListings& demande, char reglePleine, Modele& 
   repartirModificateurs(modele, cumul);
   if (demande.anteriorite) {
     Anteriorite(premiere, cumul, bilan).etendre();
+  } else {
+    // An act begins with what is told of it.
+    for (Acte& acte : cumul.actes) {
+      acte.creation = std::max(acte.creation, acte.historiques.front().effet);
+    }
   }
   choisirValeurs(demande.grille, cumul, modele, bilan);
   fusionnerListing(std::move(cumul), modele);
