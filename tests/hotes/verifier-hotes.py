@@ -19,8 +19,14 @@ def verifier(quoi, vrai, detail=""):
         print(f"FAILED: {quoi}: {detail}")
 
 
+# The runtime of the sanitizers, which hosts of their own do not bring.
+PRECHARGER = {"LD_PRELOAD": os.environ["NOXLUX_PRECHARGER"]} if "NOXLUX_PRECHARGER" in os.environ else {}
+
+
 def lancer(*commande, dossier=None):
-    fait = subprocess.run([str(c) for c in commande], cwd=dossier, capture_output=True, timeout=120)
+    hote = commande[0] not in ("cc", "g++", "clang++")
+    fait = subprocess.run([str(c) for c in commande], cwd=dossier, capture_output=True, timeout=120,
+                          env={**os.environ, **(PRECHARGER if hote else {})})
     return fait.returncode, (fait.stdout + fait.stderr).decode("utf-8", "replace")
 
 
