@@ -13,7 +13,7 @@
 
 #include "bench/reference_bench.h"
 #include "noxlux/noxlux.h"
-#include "referent/crc16.h"
+#include "fichier/crc16.h"
 
 namespace noxlux::bench {
 namespace {

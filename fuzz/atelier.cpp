@@ -9,7 +9,7 @@
 #include <iterator>
 
 #include "bout_en_bout/zones_essai.h"
-#include "referent/crc16.h"
+#include "fichier/crc16.h"
 
 namespace fuzz {
 

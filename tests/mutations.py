@@ -117,7 +117,7 @@ def main():
     a.add_argument("sources", type=pathlib.Path)
     a.add_argument("travail", type=pathlib.Path)
     a.add_argument("--nombre", type=int, default=100)
-    a.add_argument("--dossiers", nargs="+", default=["src/regles", "src/referent", "src/interapp"])
+    a.add_argument("--dossiers", nargs="+", default=["src/regles", "src/fichier", "src/referent", "src/interapp"])
     a.add_argument("--matrice", type=pathlib.Path)
     a.add_argument("--taches", default="2")
     options = a.parse_args()

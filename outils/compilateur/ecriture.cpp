@@ -1,6 +1,5 @@
 #include "compilateur/ecriture.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,9 +8,12 @@
 #include <filesystem>
 #include <memory>
 
+#include "basics/fichiers.h"
 #include "compilateur/generateur.h"
 #include "compilateur/systeme.h"
-#include "referent/ecrivain.h"
+#include "fichier/crc16.h"
+#include "fichier/ecrivain.h"
+#include "fichier/fichier_ouvert.h"
 #include "referent/referentiel.h"
 
 namespace noxlux::compilateur {
@@ -20,28 +22,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Fermeture {
-  void operator()(std::FILE* fichier) const { std::fclose(fichier); }
-};
-using Fichier = std::unique_ptr<std::FILE, Fermeture>;
-
 class Ecriture {
  public:
   Ecriture(const Modele& modele, const TablesReference& tables, const Avancement& avancement)
-      : modele_(modele), tables_(tables), avancement_(avancement), entete_(modele.entetes.front()) {
-    referentiel_.entete = genererEntete(entete_);
-  }
+      : modele_(modele), tables_(tables), avancement_(avancement), entete_(modele.entetes.front()) {}
 
   // "" when the file is written, or what went wrong.
   std::string ecrire(const fs::path& chemin) {
-    const Fichier fichier(std::fopen(chemin.c_str(), "wb+"));
-    if (fichier == nullptr) {
+    FichierOuvert fichier(creerFichier(chemin.string()));
+    if (!fichier.estOuvert()) {
       return erreurSysteme("création du fichier");
     }
-    Ecrivain ecrivain(&referentiel_, fichier.get());
-    CodeRetour cr =
-        ecrivain.ecrireEntete(NOM_FICHIER_REFERENCE, entete_.date, entete_.versionMinimum.entier(),
-                              entete_.revision, entete_.variante.entier());
+    Ecrivain ecrivain(fichier.lire());
+    CodeRetour cr = ecrireEntete(ecrivain, NOM_FICHIER_REFERENCE, genererEntete(entete_), entete_.date,
+                                 entete_.versionMinimum.entier());
     if (cr == NOX_CR_OK) {
       cr = ecrireTables(ecrivain);
     }
@@ -49,14 +43,13 @@ class Ecriture {
       cr = ecrireActes(ecrivain);
     }
     std::uint16_t crc = 0;
-    if (cr == NOX_CR_OK &&
-        (std::fflush(fichier.get()) != 0 || !Referentiel::calculerCRC16(fichier.get(), crc))) {
+    if (cr == NOX_CR_OK && !calculerCRC16(fichier.lire(), crc)) {
       cr = NOX_CR_ECRITURE_MODIF;
     }
     if (cr == NOX_CR_OK) {
       cr = ecrivain.ecrireCRC(crc);
     }
-    if (cr != NOX_CR_OK || std::fflush(fichier.get()) != 0 || ::fsync(::fileno(fichier.get())) != 0) {
+    if (cr != NOX_CR_OK || !fichier.synchroniser()) {
       return erreurSysteme("écriture du fichier");
     }
     return "";
@@ -107,7 +100,6 @@ class Ecriture {
   const TablesReference& tables_;
   const Avancement& avancement_;
   const Entete& entete_;
-  Referentiel referentiel_;
   std::int32_t baseIndex_ = 0;
 };
 
@@ -143,14 +135,6 @@ std::string relire(const fs::path& repertoire, const Entete& entete, const Avanc
     }
   }
   return "";
-}
-
-void synchroniserRepertoire(const fs::path& chemin) {
-  const int descripteur = ::open(chemin.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descripteur >= 0) {
-    ::fsync(descripteur);
-    ::close(descripteur);
-  }
 }
 
 }  // namespace

@@ -5,35 +5,17 @@
 
 #include "compilateur/rapport.h"
 #include "compilateur/systeme.h"
-#include "referent/lecteur.h"
-#include "referent/referentiel.h"
+#include "fichier/crc16.h"
+#include "fichier/lecteur.h"
 
 namespace noxlux::compilateur {
 
-namespace {
-
-// The fields of fixed width, each followed by a separator.
-struct ChampEntete {
-  std::string EnteteFichier::*membre;
-  std::size_t largeur;
-};
-constexpr ChampEntete CHAMPS_ENTETE[] = {{&EnteteFichier::crc, 4},      {&EnteteFichier::nom, 12},
-                                         {&EnteteFichier::version, 4},  {&EnteteFichier::versionBaseCCAM, 5},
-                                         {&EnteteFichier::date, 8},     {&EnteteFichier::versionMinimum, 4},
-                                         {&EnteteFichier::revision, 5}, {&EnteteFichier::variante, 10}};
-
-constexpr int FIN_COMMENTAIRE = '\r';
-constexpr int SUITE_ENTETE = 2;  // bytes between the comment and the tables
-
-}  // namespace
-
 std::unique_ptr<FichierReference> FichierReference::ouvrir(const std::string& chemin, std::string& raison) {
-  std::FILE* const fichier = std::fopen(chemin.c_str(), "rb");
-  if (fichier == nullptr) {
+  std::unique_ptr<FichierReference> resultat(new FichierReference(chemin));
+  if (!resultat->fichier_.estOuvert()) {
     raison = phrase("impossible à ouvrir (", raisonSysteme(errno), ")");
     return nullptr;
   }
-  std::unique_ptr<FichierReference> resultat(new FichierReference(fichier));
   if (!resultat->lireEntete()) {
     raison = "ce n'est ni un tablebin.nox ni un modifref.nox : l'entête manque";
     return nullptr;
@@ -43,30 +25,16 @@ std::unique_ptr<FichierReference> FichierReference::ouvrir(const std::string& ch
 }
 
 bool FichierReference::lireEntete() {
-  std::FILE* const fichier = fichier_.get();
-  for (const ChampEntete& champ : CHAMPS_ENTETE) {
-    std::string& valeur = entete_.*(champ.membre);
-    valeur.resize(champ.largeur);
-    if (std::fread(valeur.data(), 1, champ.largeur, fichier) != champ.largeur || std::fgetc(fichier) == EOF) {
-      return false;
-    }
-  }
-  modification_ = entete_.nom == NOM_FICHIER_MODIFICATION;
-  if (!modification_ && entete_.nom != NOM_FICHIER_REFERENCE) {
+  Lecteur lecteur(fichier_.lire());
+  if (lireEnteteTexte(lecteur, entete_) != NOX_CR_OK) {
     return false;
   }
-  for (int c = std::fgetc(fichier); c != FIN_COMMENTAIRE; c = std::fgetc(fichier)) {
-    if (c == EOF) {
-      return false;
-    }
-    entete_.commentaire += static_cast<char>(c);
-  }
-  return std::fseek(fichier, SUITE_ENTETE, SEEK_CUR) == 0;
+  modification_ = entete_.nom == NOM_FICHIER_MODIFICATION;
+  return modification_ || entete_.nom == NOM_FICHIER_REFERENCE;
 }
 
 void FichierReference::lireTables() {
-  Referentiel referentiel;
-  Lecteur lecteur(&referentiel, fichier_.get());
+  Lecteur lecteur(fichier_.lire());
   CodeRetour cr = NOX_CR_OK;
   bool indexLu = false;
   while (cr == NOX_CR_OK && !indexLu) {
@@ -94,7 +62,7 @@ void FichierReference::lireTables() {
   }
   std::uint16_t crc = 0;
   char texte[8] = "????";
-  if (Referentiel::calculerCRC16(fichier_.get(), crc)) {
+  if (calculerCRC16(fichier_.lire(), crc)) {
     std::snprintf(texte, sizeof texte, "%04X", crc);
   }
   entete_.crcCalcule = texte;
@@ -108,8 +76,7 @@ const TableLue* FichierReference::chercherTable(unsigned numero) const {
 
 std::unique_ptr<LignesTable> FichierReference::lireLignes(const TableLue& table, CodeRetour& cr) const {
   std::unique_ptr<LignesTable> lignes = creerLignes(table.numero);
-  Referentiel referentiel;
-  Lecteur lecteur(&referentiel, fichier_.get());
+  Lecteur lecteur(fichier_.lire());
   cr = lecteur.positionner(table.position);
   if (lignes == nullptr || !Table::nombreLignesPlausible(table.numero, table.nombreLignes, lecteur.reste())) {
     cr = NOX_CR_LECTURE_REFERENCE;
@@ -143,8 +110,7 @@ CodeRetour FichierReference::lireActe(const CodeActe& code, NiveauActe& acte) co
 }
 
 CodeRetour FichierReference::lireActeEn(std::uint32_t position, NiveauActe& acte) const {
-  Referentiel referentiel;
-  Lecteur lecteur(&referentiel, fichier_.get());
+  Lecteur lecteur(fichier_.lire());
   const CodeRetour cr = lecteur.positionner(position);
   return cr == NOX_CR_OK ? acte.lireNiveauActe(lecteur) : cr;
 }

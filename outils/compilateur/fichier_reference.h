@@ -4,30 +4,22 @@
 #define NOXLUX_COMPILATEUR_FICHIER_REFERENCE_H
 
 #include <cstdint>
-#include <cstdio>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "basics/codes_retour.h"
+#include "fichier/fichier_ouvert.h"
+#include "referent/entetes.h"
 #include "tables/niveaux_acte.h"
 #include "tables/table.h"
 
 namespace noxlux::compilateur {
 
 // The text header, as it stands (ISO-8859-1).
-struct EnteteFichier {
-  std::string crc;
+struct EnteteFichier : EnteteTexte {
   std::string crcCalcule;
-  std::string nom;
-  std::string version;
-  std::string versionBaseCCAM;
-  std::string date;
-  std::string versionMinimum;
-  std::string revision;
-  std::string variante;
-  std::string commentaire;
 };
 
 struct TableLue {
@@ -59,15 +51,12 @@ class FichierReference {
   CodeRetour lireActes(std::map<CodeActe, NiveauActe>& actes) const;
 
  private:
-  struct Fermeture {
-    void operator()(std::FILE* fichier) const { std::fclose(fichier); }
-  };
-  explicit FichierReference(std::FILE* fichier) : fichier_(fichier) {}
+  explicit FichierReference(const std::string& chemin) : fichier_(chemin) {}
   CodeRetour lireActeEn(std::uint32_t position, NiveauActe& acte) const;
   bool lireEntete();
   void lireTables();
 
-  std::unique_ptr<std::FILE, Fermeture> fichier_;
+  FichierOuvert fichier_;
   EnteteFichier entete_;
   std::vector<TableLue> tables_;
   std::string anomalie_;

@@ -5,8 +5,9 @@
 #include "compilateur/etiquettes.h"
 #include "compilateur/modele.h"
 #include "compilateur/tables_reference.h"
-#include "referent/referentiel.h"
+#include "referent/entetes.h"
 #include "tables/niveaux_acte.h"
+#include "tables/table.h"
 
 namespace noxlux::compilateur {
 

@@ -11,7 +11,7 @@
 #include "compilateur/plafonds.h"
 #include "compilateur/transcodage.h"
 #include "compilateur/valeurs_listing.h"
-#include "referent/lecteur.h"
+#include "fichier/lecteur.h"
 
 namespace noxlux::compilateur {
 

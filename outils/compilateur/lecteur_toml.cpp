@@ -18,7 +18,7 @@
 #include "compilateur/proches.h"
 #include "compilateur/systeme.h"
 #include "compilateur/transcodage.h"
-#include "referent/lecteur.h"
+#include "fichier/lecteur.h"
 
 namespace noxlux::compilateur {
 

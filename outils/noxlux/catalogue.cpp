@@ -5,9 +5,9 @@
 
 #include "compilateur/tables_reference.h"
 #include "compilateur/transcodage.h"
+#include "fichier/lecteur.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/ouverture.h"
-#include "referent/lecteur.h"
 #include "referent/referentiel.h"
 #include "tables/catalogue.h"
 

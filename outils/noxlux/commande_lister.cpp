@@ -8,12 +8,12 @@
 
 #include "compilateur/listage.h"
 #include "compilateur/transcodage.h"
+#include "fichier/lecteur.h"
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/ouverture.h"
 #include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
-#include "referent/lecteur.h"
 #include "referent/referentiel.h"
 
 namespace noxlux::commande {

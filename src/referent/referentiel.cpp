@@ -9,9 +9,9 @@
 #include <new>
 
 #include "basics/trace.h"
-#include "referent/crc16.h"
-#include "referent/fichier_ouvert.h"
-#include "referent/lecteur.h"
+#include "fichier/crc16.h"
+#include "fichier/fichier_ouvert.h"
+#include "fichier/lecteur.h"
 #include "referent/modification_donnees.h"
 
 namespace noxlux {
@@ -31,23 +31,6 @@ void Referentiel::lireDateSysteme(Date& date) {
   localtime_r(&maintenant, &local);
   date = Date(static_cast<unsigned short>(local.tm_year + 1900), static_cast<unsigned char>(local.tm_mon + 1),
               static_cast<unsigned char>(local.tm_mday));
-}
-
-bool Referentiel::calculerCRC16(std::FILE* fichier, std::uint16_t& crc) {
-  constexpr long DEBUT = 4;
-  if (std::fseek(fichier, DEBUT, SEEK_SET) != 0) {
-    return false;
-  }
-  constexpr std::size_t TAILLE_BLOC = 64 * 1024;
-  byte bloc[TAILLE_BLOC];
-  Crc16 calcul;
-  std::size_t lus = TAILLE_BLOC;
-  while (lus == TAILLE_BLOC) {
-    lus = std::fread(bloc, 1, TAILLE_BLOC, fichier);
-    calcul.ajouter(bloc, lus);
-  }
-  crc = calcul.resultat();
-  return std::ferror(fichier) == 0;
 }
 
 namespace {
@@ -114,7 +97,7 @@ CodeRetour controlerCRC(Lecteur& lecteur, std::FILE* fichier, const std::string&
   if (lecteur.lireCRC(lu) != NOX_CR_OK) {
     return echouer("ERREUR : probleme de lecture du CRC", codes.lecture);
   }
-  if (!Referentiel::calculerCRC16(fichier, calcule)) {
+  if (!calculerCRC16(fichier, calcule)) {
     return echouer("ERREUR : le CRC du fichier ne peut etre calcule", codes.lecture);
   }
   if (lu != calcule) {
@@ -166,10 +149,10 @@ CodeRetour Referentiel::chargerFichierReference(const char* versionLogicielle, c
   if (!fichier.estOuvert()) {
     return signalerOuverture(nom, NOX_CR_OUVERTURE_REFERENCE);
   }
-  Lecteur lecteur(this, fichier.lire());
+  Lecteur lecteur(fichier.lire());
   CodeRetour cr = controlerCRC(lecteur, fichier.lire(), nom, CRC_REFERENCE);
   if (cr == NOX_CR_OK) {
-    cr = lecteur.lireEnteteRef();
+    cr = lireEnteteRef(lecteur, entete);
   }
   if (cr == NOX_CR_OK) {
     cr = controlerNumerosVersions(versionLogicielle, versionMinimale);
@@ -328,13 +311,13 @@ void Referentiel::signalerRestes(bool modification) const {
 
 CodeRetour Referentiel::lireModifications(std::FILE* fichier, const std::string& nom) {
   versionConnue_ = lireEmpreinte(fichier);
-  Lecteur lecteur(this, fichier);
+  Lecteur lecteur(fichier);
   CodeRetour cr = controlerCRC(lecteur, fichier, nom, CRC_MODIFICATION);
   CodeFixe<4> version;
   if (cr != NOX_CR_OK) {
     return cr;
   }
-  if (lecteur.lireVersion(version) != NOX_CR_OK) {
+  if (lireVersionEntete(lecteur, version) != NOX_CR_OK) {
     return echouer("ERREUR : probleme lors de la lecture du numero de version du referentiel",
                    NOX_CR_LECTURE_MODIF);
   }
@@ -342,7 +325,7 @@ CodeRetour Referentiel::lireModifications(std::FILE* fichier, const std::string&
     // Changes made to another reference: set aside.
     return creerTablesModifications();
   }
-  cr = lecteur.lireEnteteModif();
+  cr = lireEnteteModif(lecteur, entete);
   return cr == NOX_CR_OK ? lireTablesModifications(lecteur) : cr;
 }
 
@@ -425,10 +408,10 @@ CodeRetour Referentiel::chargerTableReservee(Table& cible) {
                   std::strerror(errno));
     return NOX_CR_OUVERTURE_REFERENCE;
   }
-  Lecteur lecteur(this, fichier.lire());
+  Lecteur lecteur(fichier.lire());
   CodeRetour cr = exigerReferenceChargee(lecteur, nom);
   if (cr == NOX_CR_OK) {
-    cr = cible.chargerTable(this, fichier.lire());
+    cr = cible.chargerTable(lecteur);
   }
   if (cr == NOX_CR_OK) {
     cr = controlerTables();
@@ -456,7 +439,7 @@ CodeRetour Referentiel::chargerActe(std::uint32_t positionActe, NiveauActe& acte
     cr = NOX_CR_OUVERTURE_REFERENCE;
     return cr;
   }
-  Lecteur lecteur(this, fichier.lire());
+  Lecteur lecteur(fichier.lire());
   if (exigerReferenceChargee(lecteur, nom) != NOX_CR_OK) {
     cr = NOX_CR_LECTURE_REFERENCE;
   } else if (lecteur.positionner(positionActe) != NOX_CR_OK) {

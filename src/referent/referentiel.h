@@ -14,6 +14,7 @@
 #include "basics/codes_retour.h"
 #include "referent/acces.h"
 #include "referent/empreinte.h"
+#include "referent/entetes.h"
 #include "tables/niveaux_acte.h"
 #include "tables/table.h"
 #include "types/date.h"
@@ -25,24 +26,6 @@ class RotationModifications;
 constexpr unsigned NOMBRE_TABLES_REFERENCE = 49;
 constexpr unsigned NOMBRE_TABLES_MODIFICATION = 9;
 constexpr unsigned PREMIERE_TABLE_MODIFICATION = 35;
-
-constexpr const char* NOM_FICHIER_REFERENCE = "tablebin.nox";
-constexpr const char* NOM_FICHIER_MODIFICATION = "modifref.nox";
-// Beside it: the version before, the new one while it is written, a copy of the former while the files turn.
-constexpr const char* NOM_SAUVEGARDE_MODIFICATION = "modif~.nox";
-constexpr const char* NOM_TEMPORAIRE_MODIFICATION = "modiftmp.nox";
-constexpr const char* NOM_SECURITE_MODIFICATION = "modif~.sav";
-
-// What the headers of the two files tell.
-struct EnteteReferentiel {
-  CodeFixe<4> version;
-  CodeFixe<5> versionBaseCCAM;
-  DateBrute dateModification;  // from modifref.nox only
-  CodeFixe<4> versionMinLogicielle;
-  std::uint16_t numeroRevision = 0;
-  CodeFixe<10> variante;
-  std::string commentaire;
-};
 
 // The place of a loaded act beside its index line: empty, marked while a reader loads the act, or full. A
 // full place stays so as long as anybody reads; only a writer empties it.
@@ -105,8 +88,6 @@ class Referentiel {
   void dump(unsigned short module) const;
 
   static void lireDateSysteme(Date& date);
-  // The CRC of an open file from offset 4 to its end. False when it cannot be read.
-  static bool calculerCRC16(std::FILE* fichier, std::uint16_t& crc);
   // The directory text immediately followed by the name.
   static std::string nomCompletFichier(const std::string& repertoire, const char* nom) {
     return repertoire + nom;

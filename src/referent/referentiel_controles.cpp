@@ -67,7 +67,7 @@ CodeRetour controlerTable(const ControleTable& controle, const Referentiel& refe
     Trace::erreur(TRACE_CHARGEMENT, controle.vide);
     return NOX_CR_LECTURE_REFERENCE;
   }
-  if (!table.controlerLignes(referentiel)) {
+  if (!table.controlerLignes(referentiel.tables)) {
     Trace::erreur(TRACE_CHARGEMENT, "Referentiel::controlerTable%s : une ligne sort de la table visee",
                   controle.nom);
     return NOX_CR_LECTURE_REFERENCE;

@@ -9,7 +9,7 @@
 
 #include "basics/fichiers.h"
 #include "basics/trace.h"
-#include "referent/fichier_ouvert.h"
+#include "fichier/fichier_ouvert.h"
 #include "referent/referentiel.h"
 
 namespace noxlux {

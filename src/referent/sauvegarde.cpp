@@ -6,8 +6,9 @@
 #include <optional>
 
 #include "basics/trace.h"
-#include "referent/ecrivain.h"
-#include "referent/fichier_ouvert.h"
+#include "fichier/crc16.h"
+#include "fichier/ecrivain.h"
+#include "fichier/fichier_ouvert.h"
 #include "referent/referentiel.h"
 #include "referent/rotation_modifications.h"
 #include "referent/verrou_modifications.h"
@@ -25,15 +26,13 @@ CodeRetour ecrireTables(const Referentiel& referentiel, Ecrivain& ecrivain) {
 }
 
 CodeRetour ecrireContenu(Referentiel& referentiel, std::FILE* fichier, const DateBrute& date) {
-  Ecrivain ecrivain(&referentiel, fichier);
-  const EnteteReferentiel& entete = referentiel.entete;
-  CodeRetour cr = ecrivain.ecrireEntete(NOM_FICHIER_MODIFICATION, date, "0000", entete.numeroRevision,
-                                        entete.variante.entier());
+  Ecrivain ecrivain(fichier);
+  CodeRetour cr = ecrireEntete(ecrivain, NOM_FICHIER_MODIFICATION, referentiel.entete, date, "0000");
   if (cr == NOX_CR_OK) {
     cr = ecrireTables(referentiel, ecrivain);
   }
   std::uint16_t crc = 0;
-  if (cr == NOX_CR_OK && !Referentiel::calculerCRC16(fichier, crc)) {
+  if (cr == NOX_CR_OK && !calculerCRC16(fichier, crc)) {
     cr = NOX_CR_ECRITURE_MODIF;
   }
   return cr == NOX_CR_OK ? ecrivain.ecrireCRC(crc) : cr;

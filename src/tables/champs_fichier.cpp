@@ -1,6 +1,8 @@
 // The values of one type each: out of line, since all the line classes use them.
 #include "tables/champs_fichier.h"
 
+#include <new>
+
 namespace noxlux::champs {
 
 CodeRetour lire(Lecteur& lecteur, char& valeur) {
@@ -18,7 +20,20 @@ CodeRetour lire(Lecteur& lecteur, double& valeur) { return lecteur.lireDouble(va
 
 CodeRetour lire(Lecteur& lecteur, DateBrute& valeur) { return lecteur.lireDate(valeur); }
 
-CodeRetour lire(Lecteur& lecteur, TexteVariable& valeur) { return lecteur.lireChaineVariable(valeur); }
+CodeRetour lire(Lecteur& lecteur, TexteVariable& valeur) {
+  std::string_view texte;
+  const CodeRetour cr = lecteur.lireChaineVariable(texte);
+  if (cr != NOX_CR_OK) {
+    return cr;
+  }
+  try {
+    valeur = TexteVariable(texte);
+  } catch (const std::bad_alloc&) {
+    Trace::erreur(TRACE_CHARGEMENT, "probleme d'allocation memoire : texte");
+    return NOX_CR_MEMOIRE;
+  }
+  return NOX_CR_OK;
+}
 
 CodeRetour ecrire(Ecrivain& ecrivain, char valeur) {
   return ecrivain.ecrireUnsignedChar(static_cast<unsigned char>(valeur));

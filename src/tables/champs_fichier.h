@@ -9,8 +9,8 @@
 
 #include "basics/codes_retour.h"
 #include "basics/trace.h"
-#include "referent/ecrivain.h"
-#include "referent/lecteur.h"
+#include "fichier/ecrivain.h"
+#include "fichier/lecteur.h"
 #include "tables/ligne_table.h"
 
 namespace noxlux::champs {

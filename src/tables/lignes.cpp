@@ -1,5 +1,6 @@
 // What every line class does, made from its field list.
-#include "referent/referentiel.h"
+#include <array>
+
 #include "tables/champs_fichier.h"
 #include "tables/table.h"
 
@@ -25,14 +26,15 @@ CodeRetour signalerRefus(const char* classe, const char* mots, const char* refus
 }
 
 template <class T>
-bool plageCorrecte(const T& /*valeur*/, const Referentiel& /*referentiel*/) {
+bool plageCorrecte(const T& /*valeur*/, TablesParIdentifiant /*tables*/) {
   return true;
 }
 
 // An empty run points nowhere. A run into a table that is not loaded yet is checked when that one is.
 template <unsigned CIBLE, class P>
-bool plageCorrecte(const Plage<CIBLE, P>& plage, const Referentiel& referentiel) {
-  const Table& cible = referentiel.table(CIBLE);
+bool plageCorrecte(const Plage<CIBLE, P>& plage, TablesParIdentifiant tables) {
+  exiger(tables[CIBLE] != nullptr, "table != __null");
+  const Table& cible = *tables[CIBLE];
   const std::uint64_t fin = std::uint64_t{plage.premiere} + plage.nombre;
   return plage.nombre == 0 || cible.etatTable() == ETAT_NON_CHARGEE || fin <= cible.lireNombreLignes();
 }
@@ -72,9 +74,9 @@ void LignesDe<L>::dump(std::uint32_t i, unsigned short module) const {
 }
 
 template <class L>
-bool LignesDe<L>::controlerLigne(std::uint32_t i, const Referentiel& referentiel) const {
+bool LignesDe<L>::controlerLigne(std::uint32_t i, TablesParIdentifiant tables) const {
   return visiterTantQue(lignes[i],
-                        [&](const auto&, const auto& valeur) { return plageCorrecte(valeur, referentiel); });
+                        [&](const auto&, const auto& valeur) { return plageCorrecte(valeur, tables); });
 }
 
 namespace {

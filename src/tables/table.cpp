@@ -6,8 +6,8 @@
 #include <stdexcept>
 
 #include "basics/trace.h"
-#include "referent/ecrivain.h"
-#include "referent/lecteur.h"
+#include "fichier/ecrivain.h"
+#include "fichier/lecteur.h"
 
 namespace noxlux {
 
@@ -119,13 +119,13 @@ CodeRetour Table::ecrireTable(Ecrivain& ecrivain) const {
   return cr == NOX_CR_OK ? ecrivain.ecrireTailleDonnees() : cr;
 }
 
-CodeRetour Table::chargerTable(Referentiel* referentiel, std::FILE* fichier) {
+CodeRetour Table::chargerTable(Lecteur& lecteur) {
   exiger(etat_ == ETAT_NON_CHARGEE, "etat == ETAT_NON_CHARGEE");
   Trace::ecrire(TRACE_CHARGEMENT, "Table::chargerTable: identifiant = %hu",
                 static_cast<unsigned short>(numero_));
   CodeRetour cr = NOX_CR_OK;
   try {
-    cr = chargerLignes(referentiel, fichier);
+    cr = chargerLignes(lecteur);
   } catch (const std::bad_alloc&) {
     cr = NOX_CR_MEMOIRE;
   }
@@ -138,13 +138,13 @@ CodeRetour Table::chargerTable(Referentiel* referentiel, std::FILE* fichier) {
 }
 
 // The data size stands just before the data.
-CodeRetour Table::chargerLignes(Referentiel* referentiel, std::FILE* fichier) {
-  if (std::fseek(fichier, position_ - static_cast<long>(sizeof(std::uint32_t)), SEEK_SET) != 0) {
+CodeRetour Table::chargerLignes(Lecteur& lecteur) {
+  constexpr std::int32_t TAILLE = sizeof(std::uint32_t);
+  if (lecteur.positionner(static_cast<std::uint32_t>(position_ - TAILLE)) != NOX_CR_OK) {
     Trace::erreur(TRACE_CHARGEMENT, "La position des données (%ld) n'est pas valide",
                   static_cast<long>(position_));
     return NOX_CR_DONNEE_ABSENTE;
   }
-  Lecteur lecteur(referentiel, fichier);
   std::uint32_t taille = 0;
   const CodeRetour cr = lecteur.lireUnsignedLong(taille);
   if (cr != NOX_CR_OK || taille > lecteur.reste() ||
@@ -163,10 +163,10 @@ void Table::dechargerTable() {
   etat_ = ETAT_NON_CHARGEE;
 }
 
-bool Table::controlerLignes(const Referentiel& referentiel) const {
+bool Table::controlerLignes(TablesParIdentifiant tables) const {
   const std::uint32_t nombre = lignes_->nombre();
   for (std::uint32_t i = 0; i < nombre; ++i) {
-    if (!lignes_->controlerLigne(i, referentiel)) {
+    if (!lignes_->controlerLigne(i, tables)) {
       return false;
     }
   }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "basics/assertion.h"
@@ -16,7 +17,10 @@ namespace noxlux {
 
 class Ecrivain;
 class Lecteur;
-class Referentiel;
+class Table;
+
+// The tables of a store, by identifier; null where it holds none.
+using TablesParIdentifiant = std::span<const std::unique_ptr<Table>>;
 
 constexpr unsigned NOMBRE_TABLES = 60;
 
@@ -40,7 +44,7 @@ class LignesTable {
   virtual CodeRetour ecrireLigne(std::uint32_t i, Ecrivain& ecrivain) const = 0;
   virtual void dump(std::uint32_t i, unsigned short module) const = 0;
   // Whether each run of the line lies within the table it points into.
-  virtual bool controlerLigne(std::uint32_t i, const Referentiel& referentiel) const = 0;
+  virtual bool controlerLigne(std::uint32_t i, TablesParIdentifiant tables) const = 0;
 };
 
 template <class L>
@@ -83,13 +87,13 @@ class Table {
   // The same, for lines that must take just that size: what follows is read from there.
   CodeRetour lireDonnees(Lecteur& lecteur, std::uint32_t taille);
   CodeRetour ecrireTable(Ecrivain& ecrivain) const;
-  // Loads a deferred table from the open tablebin.nox; a failure leaves it as it was. Others see it loaded
+  // Loads a deferred table from tablebin.nox; a failure leaves it as it was. Others see it loaded
   // once it is published. REQUIRES: not loaded, nobody else loads it
-  CodeRetour chargerTable(Referentiel* referentiel, std::FILE* fichier);
+  CodeRetour chargerTable(Lecteur& lecteur);
   void publier() { etat_.store(ETAT_CHARGEE, std::memory_order_release); }
   // Puts it back to not loaded instead.
   void dechargerTable();
-  bool controlerLignes(const Referentiel& referentiel) const;
+  bool controlerLignes(TablesParIdentifiant tables) const;
   void dump(unsigned short module) const;
 
   static EtatTable testerIdentifiantTableRef(unsigned numero);
@@ -99,7 +103,7 @@ class Table {
 
  private:
   void creerLignesTable(std::uint32_t nombre);
-  CodeRetour chargerLignes(Referentiel* referentiel, std::FILE* fichier);
+  CodeRetour chargerLignes(Lecteur& lecteur);
 
   char identifiant_[4] = {};
   unsigned numero_ = 0;
@@ -121,7 +125,7 @@ class LignesDe final : public LignesTable {
   CodeRetour lireLigne(std::uint32_t i, Lecteur& lecteur) override;
   CodeRetour ecrireLigne(std::uint32_t i, Ecrivain& ecrivain) const override;
   void dump(std::uint32_t i, unsigned short module) const override;
-  bool controlerLigne(std::uint32_t i, const Referentiel& referentiel) const override;
+  bool controlerLigne(std::uint32_t i, TablesParIdentifiant tables) const override;
 };
 
 template <class L>

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "bibliotheque_essai.h"
-#include "referent/crc16.h"
+#include "fichier/crc16.h"
 
 using namespace essai;
 

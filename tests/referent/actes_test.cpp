@@ -1,6 +1,6 @@
 // Act records: what reads back, what is refused and where, what the trace shows.
+#include "fichier/lecteur.h"
 #include "referent/fabrique_reference.h"
-#include "referent/lecteur.h"
 
 using namespace noxlux;
 using namespace essai;
@@ -14,10 +14,9 @@ class Actes : public testing::Test {
   }
   static CodeRetour lire(const Octets& octets, NiveauActe& acte) {
     Repertoire repertoire;
-    Referentiel referentiel;
     repertoire.ecrire("acte", octets);
     std::FILE* fichier = std::fopen(repertoire.chemin("acte").c_str(), "rb");
-    Lecteur lecteur(&referentiel, fichier);
+    Lecteur lecteur(fichier);
     const CodeRetour cr = acte.lireNiveauActe(lecteur);
     std::fclose(fichier);
     return cr;

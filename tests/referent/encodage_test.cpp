@@ -3,9 +3,9 @@
 #include <limits>
 #include <random>
 
-#include "referent/crc16.h"
+#include "fichier/crc16.h"
+#include "fichier/lecteur.h"
 #include "referent/fabrique_reference.h"
-#include "referent/lecteur.h"
 
 using namespace noxlux;
 using namespace essai;
@@ -49,7 +49,7 @@ TEST(Crc, fichierDePlusieursBlocs) {
     repertoire.ecrire("f", octets);
     std::FILE* fichier = std::fopen(repertoire.chemin("f").c_str(), "rb");
     std::uint16_t crc = 0;
-    ASSERT_TRUE(Referentiel::calculerCRC16(fichier, crc));
+    ASSERT_TRUE(calculerCRC16(fichier, crc));
     EXPECT_EQ(crc, crcBitABit(octets, 4)) << taille;
     std::fclose(fichier);
   }

@@ -1,6 +1,6 @@
 // The text headers: what is accepted, what is refused and how it is told.
+#include "fichier/lecteur.h"
 #include "referent/fabrique_reference.h"
-#include "referent/lecteur.h"
 
 using namespace noxlux;
 using namespace essai;
@@ -9,12 +9,12 @@ namespace {
 
 constexpr const char* ENTETE = "ABCD tablebin.nox 0121 V081z 20260101 0113 00007 ESSAIzzzz  libre\r\n\x1A";
 
-CodeRetour lireEntete(const std::string& texte, Referentiel& referentiel, bool reference) {
+CodeRetour lireEntete(const std::string& texte, EnteteReferentiel& entete, bool reference) {
   Repertoire repertoire;
   repertoire.ecrire("entete", Octets(texte.begin(), texte.end()));
   std::FILE* fichier = std::fopen(repertoire.chemin("entete").c_str(), "rb");
-  Lecteur lecteur(&referentiel, fichier);
-  const CodeRetour cr = reference ? lecteur.lireEnteteRef() : lecteur.lireEnteteModif();
+  Lecteur lecteur(fichier);
+  const CodeRetour cr = reference ? lireEnteteRef(lecteur, entete) : lireEnteteModif(lecteur, entete);
   std::fclose(fichier);
   return cr;
 }
@@ -55,33 +55,32 @@ TEST(Entete, reference) {
       {complet.substr(0, 67), "ERREUR de positionnement en fin d'entete"},
   };
   for (const auto& cas : CAS) {
-    Referentiel referentiel;
+    EnteteReferentiel entete;
     Ecoute ecoute;
-    const CodeRetour cr = lireEntete(cas.texte, referentiel, true);
+    const CodeRetour cr = lireEntete(cas.texte, entete, true);
     EXPECT_EQ(cr, cas.message == nullptr ? 0 : 0xD640) << cas.texte;
     if (cas.message != nullptr) {
       EXPECT_TRUE(ecoute.contient(cas.message)) << ecoute.texte();
-      EXPECT_EQ(referentiel.entete.version.vue(), "") << "a refused header leaves nothing";
+      EXPECT_EQ(entete.version.vue(), "") << "a refused header leaves nothing";
     }
   }
 }
 
 TEST(Entete, valeursGardees) {
-  Referentiel referentiel;
-  ASSERT_EQ(lireEntete(ENTETE, referentiel, true), 0);
-  EXPECT_EQ(referentiel.entete.versionBaseCCAM.entier(), "V081z");
-  EXPECT_EQ(referentiel.entete.variante.entier(), "ESSAIzzzz ");
-  EXPECT_EQ(referentiel.entete.commentaire, "libre");
-  EXPECT_TRUE(referentiel.entete.dateModification.estNulle());
-  ASSERT_EQ(
-      lireEntete("ABCD modifref.nox 0121 xxxxx 20261231 xxxx 99999 variante   \r\n\x1A", referentiel, false),
-      0);
-  EXPECT_EQ(referentiel.entete.versionBaseCCAM.entier(), "V081z");
-  EXPECT_EQ(referentiel.entete.versionMinLogicielle.entier(), "0113");
-  EXPECT_EQ(referentiel.entete.variante.entier(), "variante  ");
-  EXPECT_EQ(referentiel.entete.numeroRevision, 99999 % 65536);
-  EXPECT_EQ(referentiel.entete.dateModification, (DateBrute{2026, 12, 31}));
-  EXPECT_EQ(referentiel.entete.commentaire, "");
+  EnteteReferentiel entete;
+  ASSERT_EQ(lireEntete(ENTETE, entete, true), 0);
+  EXPECT_EQ(entete.versionBaseCCAM.entier(), "V081z");
+  EXPECT_EQ(entete.variante.entier(), "ESSAIzzzz ");
+  EXPECT_EQ(entete.commentaire, "libre");
+  EXPECT_TRUE(entete.dateModification.estNulle());
+  ASSERT_EQ(lireEntete("ABCD modifref.nox 0121 xxxxx 20261231 xxxx 99999 variante   \r\n\x1A", entete, false),
+            0);
+  EXPECT_EQ(entete.versionBaseCCAM.entier(), "V081z");
+  EXPECT_EQ(entete.versionMinLogicielle.entier(), "0113");
+  EXPECT_EQ(entete.variante.entier(), "variante  ");
+  EXPECT_EQ(entete.numeroRevision, 99999 % 65536);
+  EXPECT_EQ(entete.dateModification, (DateBrute{2026, 12, 31}));
+  EXPECT_EQ(entete.commentaire, "");
 }
 
 TEST(Entete, modification) {
@@ -99,9 +98,9 @@ TEST(Entete, modification) {
              {complet.substr(0, 62), 0xD641},
              {complet.substr(0, 66), 0xD641}};
   for (const auto& cas : CAS) {
-    Referentiel referentiel;
-    referentiel.entete.version = CodeFixe<4>("0121");
-    EXPECT_EQ(lireEntete(cas.texte, referentiel, false), cas.cr) << cas.texte;
+    EnteteReferentiel entete;
+    entete.version = CodeFixe<4>("0121");
+    EXPECT_EQ(lireEntete(cas.texte, entete, false), cas.cr) << cas.texte;
   }
 }
 

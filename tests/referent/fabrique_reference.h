@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "basics/trace.h"
-#include "referent/ecrivain.h"
+#include "fichier/ecrivain.h"
 #include "referent/referentiel.h"
 
 namespace essai {
@@ -75,9 +75,8 @@ inline std::uint16_t crcBitABit(const Octets& octets, std::size_t debut) {
 template <class F>
 Octets octetsEcrits(const F& ecrire) {
   const Repertoire repertoire;
-  noxlux::Referentiel referentiel;
   std::FILE* fichier = std::fopen(repertoire.chemin("f").c_str(), "wb+");
-  noxlux::Ecrivain ecrivain(&referentiel, fichier);
+  noxlux::Ecrivain ecrivain(fichier);
   EXPECT_EQ(ecrire(ecrivain), 0);
   std::fclose(fichier);
   return repertoire.lire("f");
@@ -229,13 +228,11 @@ class Reference {
   }
 
   void ecrire(const Repertoire& repertoire) {
-    noxlux::Referentiel source;
-    source.entete = entete;
     std::FILE* fichier = std::fopen(repertoire.chemin("tablebin.nox").c_str(), "wb+");
     ASSERT_NE(fichier, nullptr);
-    noxlux::Ecrivain ecrivain(&source, fichier);
-    ASSERT_EQ(ecrivain.ecrireEntete("tablebin.nox", {2026, 1, 1}, entete.versionMinLogicielle.entier(),
-                                    entete.numeroRevision, entete.variante.entier()),
+    noxlux::Ecrivain ecrivain(fichier);
+    ASSERT_EQ(noxlux::ecrireEntete(ecrivain, "tablebin.nox", entete, {2026, 1, 1},
+                                   entete.versionMinLogicielle.entier()),
               0);
     std::apply([&](const auto&... lignesTable) { (ecrireTable(ecrivain, lignesTable), ...); }, tables_);
     const std::int32_t index = ecrivain.lirePositionFinFichier();

@@ -1,6 +1,6 @@
 // Table lines: their bytes, the values they refuse, the tables that hold them.
+#include "fichier/lecteur.h"
 #include "referent/fabrique_reference.h"
-#include "referent/lecteur.h"
 
 using namespace noxlux;
 using namespace essai;
@@ -17,11 +17,10 @@ class FichierEssai {
   ~FichierEssai() { std::fclose(fichier_); }
   FichierEssai(const FichierEssai&) = delete;
   FichierEssai& operator=(const FichierEssai&) = delete;
-  Lecteur lecteur() { return Lecteur(&referentiel_, fichier_); }
+  Lecteur lecteur() { return Lecteur(fichier_); }
 
  private:
   Repertoire repertoire_;
-  Referentiel referentiel_;
   std::FILE* fichier_;
 };
 

@@ -1,4 +1,4 @@
-#include "referent/crc16.h"
+#include "fichier/crc16.h"
 
 #include <array>
 #include <cstring>
@@ -83,6 +83,23 @@ void Crc16::ajouter(const byte* octets, std::size_t n) {
     n -= plies;
   }
   registre_ = static_cast<std::uint16_t>(avancerParTables(registre_, octets, n));
+}
+
+bool calculerCRC16(std::FILE* fichier, std::uint16_t& crc) {
+  constexpr long DEBUT = 4;
+  if (std::fseek(fichier, DEBUT, SEEK_SET) != 0) {
+    return false;
+  }
+  constexpr std::size_t TAILLE_BLOC = 64 * 1024;
+  byte bloc[TAILLE_BLOC];
+  Crc16 calcul;
+  std::size_t lus = TAILLE_BLOC;
+  while (lus == TAILLE_BLOC) {
+    lus = std::fread(bloc, 1, TAILLE_BLOC, fichier);
+    calcul.ajouter(bloc, lus);
+  }
+  crc = calcul.resultat();
+  return std::ferror(fichier) == 0;
 }
 
 std::uint16_t Crc16::resultat() const {

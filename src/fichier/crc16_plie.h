@@ -1,6 +1,6 @@
 // The checksum by products without carry, for the processors that have them.
-#ifndef NOXLUX_REFERENT_CRC16_PLIE_H
-#define NOXLUX_REFERENT_CRC16_PLIE_H
+#ifndef NOXLUX_FICHIER_CRC16_PLIE_H
+#define NOXLUX_FICHIER_CRC16_PLIE_H
 
 #include <array>
 #include <cstddef>

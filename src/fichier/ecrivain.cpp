@@ -1,20 +1,15 @@
-#include "referent/ecrivain.h"
+#include "fichier/ecrivain.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
 
-#include "basics/trace.h"
-#include "referent/referentiel.h"
+#include "basics/assertion.h"
 
 namespace noxlux {
 
-Ecrivain::Ecrivain(Referentiel* referentiel, std::FILE* fichier)
-    : referentiel_(referentiel), fichier_(fichier) {
-  exiger(referentiel != nullptr, "pReferentiel!=__null");
-  exiger(fichier != nullptr, "pFichier!=__null");
-}
+Ecrivain::Ecrivain(std::FILE* fichier) : fichier_(fichier) { exiger(fichier != nullptr, "pFichier!=__null"); }
 
 CodeRetour Ecrivain::ecrireBrut(const void* octets, std::size_t n) {
   return std::fwrite(octets, 1, n, fichier_) == n ? NOX_CR_OK : NOX_CR_ECRITURE_MODIF;
@@ -27,43 +22,6 @@ CodeRetour Ecrivain::ecrireOctets(const void* octets, std::size_t n) {
 
 CodeRetour Ecrivain::positionner(std::int32_t position, int origine) {
   return std::fseek(fichier_, position, origine) == 0 ? NOX_CR_OK : NOX_CR_ECRITURE_MODIF;
-}
-
-namespace {
-
-std::string completer(std::string_view texte, std::size_t largeur) {
-  std::string complet(texte.substr(0, largeur));
-  complet.resize(largeur, ' ');
-  return complet;
-}
-
-}  // namespace
-
-CodeRetour Ecrivain::ecrireEntete(std::string_view nomFichier, const DateBrute& date,
-                                  std::string_view versionMinimum, std::uint16_t numeroRevision,
-                                  std::string_view variante) {
-  CodeRetour cr = NOX_CR_OK;
-  const BlocTrace bloc(TRACE_SAUVEGARDE, cr, "Ecrivain::ecrireEntete : Ecriture de l'entete du fichier");
-  const EnteteReferentiel& source = referentiel_->entete;
-  char dateTexte[24];
-  std::snprintf(dateTexte, sizeof dateTexte, "%04u%02u%02u", date.annee, date.mois, date.jour);
-  char revision[16];
-  std::snprintf(revision, sizeof revision, "%0*lu ", 5, static_cast<unsigned long>(numeroRevision));
-
-  std::string entete = "0000 " + completer(nomFichier, 12) + ' ';
-  entete.append(source.version.entier()) += ' ';
-  entete.append(source.versionBaseCCAM.entier()) += ' ';
-  entete.append(dateTexte) += ' ';
-  entete += completer(versionMinimum, 4) + ' ' + revision + completer(variante, 10) + ' ';
-  // A carriage return would end the comment before its time.
-  std::replace_copy(source.commentaire.begin(), source.commentaire.end(), std::back_inserter(entete), '\r',
-                    ' ');
-  entete += "\r\n\x1A";
-  cr = positionner(0, SEEK_SET);
-  if (cr == NOX_CR_OK) {
-    cr = ecrireBrut(entete.data(), entete.size());
-  }
-  return cr;
 }
 
 CodeRetour Ecrivain::ecrireEnteteTable(std::string_view identifiant, std::uint32_t nombreLignes) {
@@ -110,8 +68,12 @@ std::int32_t Ecrivain::lirePositionFinFichier() {
 CodeRetour Ecrivain::ecrireCRC(std::uint16_t crc) {
   char texte[8];
   std::snprintf(texte, sizeof texte, "%04X", crc);
+  return ecrireDebut({texte, 4});
+}
+
+CodeRetour Ecrivain::ecrireDebut(std::string_view texte) {
   const CodeRetour cr = positionner(0, SEEK_SET);
-  return cr == NOX_CR_OK ? ecrireBrut(texte, 4) : cr;
+  return cr == NOX_CR_OK ? ecrireBrut(texte.data(), texte.size()) : cr;
 }
 
 CodeRetour Ecrivain::ecrireChaineFixe(std::string_view texte) {

@@ -1,6 +1,6 @@
 // Files held open for the length of a scope, and brought down to the disk.
-#ifndef NOXLUX_REFERENT_FICHIER_OUVERT_H
-#define NOXLUX_REFERENT_FICHIER_OUVERT_H
+#ifndef NOXLUX_FICHIER_FICHIER_OUVERT_H
+#define NOXLUX_FICHIER_FICHIER_OUVERT_H
 
 #include <cstdio>
 #include <string>

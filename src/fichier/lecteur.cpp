@@ -1,4 +1,4 @@
-#include "referent/lecteur.h"
+#include "fichier/lecteur.h"
 
 #include <sys/stat.h>
 
@@ -10,14 +10,11 @@
 #include <new>
 
 #include "basics/trace.h"
-#include "referent/referentiel.h"
 #include "types/texte.h"
 
 namespace noxlux {
 
-Lecteur::Lecteur(Referentiel* referentiel, std::FILE* fichier)
-    : referentiel_(referentiel), fichier_(fichier) {
-  exiger(referentiel != nullptr, "referentiel!=__null");
+Lecteur::Lecteur(std::FILE* fichier) : fichier_(fichier) {
   exiger(fichier != nullptr, "fichier!=__null");
   const off_t position = ftello(fichier);
   offset_ = position > 0 ? static_cast<std::uint64_t>(position) : 0;
@@ -92,16 +89,9 @@ CodeRetour Lecteur::lireChaineVariable(std::string& texte, char fin) {
   return c == EOF ? NOX_CR_LECTURE_REFERENCE : NOX_CR_OK;
 }
 
-CodeRetour Lecteur::lireChaineVariable(TexteVariable& texte) {
+CodeRetour Lecteur::lireChaineVariable(std::string_view& texte) {
   const CodeRetour cr = lireChaineVariable(tampon_);
-  if (cr == NOX_CR_OK) {
-    try {
-      texte = TexteVariable(tampon_);
-    } catch (const std::bad_alloc&) {
-      Trace::erreur(TRACE_CHARGEMENT, "probleme d'allocation memoire : texte");
-      return NOX_CR_MEMOIRE;
-    }
-  }
+  texte = tampon_;
   return cr;
 }
 
@@ -138,19 +128,6 @@ unsigned long lireNombreDecimal(std::string_view texte) {
   return valeur;
 }
 
-CodeRetour Lecteur::lireDateEntete(DateBrute& date) {
-  position_ = static_cast<std::int32_t>(offset_);
-  char texte[8];
-  if (!lireOctets(texte, sizeof texte)) {
-    return NOX_CR_LECTURE_REFERENCE;
-  }
-  const std::string_view vue(texte, sizeof texte);
-  date = {static_cast<std::uint16_t>(lireNombreDecimal(vue.substr(0, 4))),
-          static_cast<std::uint8_t>(lireNombreDecimal(vue.substr(4, 2))),
-          static_cast<std::uint8_t>(lireNombreDecimal(vue.substr(6, 2)))};
-  return NOX_CR_OK;
-}
-
 CodeRetour Lecteur::lireCRC(std::uint16_t& crc) {
   char texte[4];
   if (positionner(0) != NOX_CR_OK || lireChaineFixe(texte, sizeof texte) != NOX_CR_OK) {
@@ -163,17 +140,6 @@ CodeRetour Lecteur::lireCRC(std::uint16_t& crc) {
   }
   crc = lu;
   return NOX_CR_OK;
-}
-
-CodeRetour Lecteur::lireVersion(CodeFixe<4>& version) {
-  constexpr std::uint32_t POSITION_VERSION = 18;
-  const auto retour = static_cast<std::uint32_t>(offset_);
-  CodeRetour cr = positionner(POSITION_VERSION);
-  if (cr == NOX_CR_OK) {
-    cr = lireChaineFixe(version.caracteres.data(), version.caracteres.size());
-  }
-  const CodeRetour crRetour = positionner(retour);
-  return cr != NOX_CR_OK ? cr : crRetour;
 }
 
 CodeRetour Lecteur::lireEnteteTable(char (&identifiant)[4], std::uint32_t& nombreLignes,

@@ -1,11 +1,12 @@
 // The checksum of the reference files.
-#ifndef NOXLUX_REFERENT_CRC16_H
-#define NOXLUX_REFERENT_CRC16_H
+#ifndef NOXLUX_FICHIER_CRC16_H
+#define NOXLUX_FICHIER_CRC16_H
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 
-#include "referent/crc16_plie.h"
+#include "fichier/crc16_plie.h"
 #include "types/type_donnee.h"
 
 namespace noxlux {
@@ -26,6 +27,9 @@ class Crc16 {
   Pliage pliage_;
   std::uint16_t registre_ = 0;
 };
+
+// That of an open file from offset 4 to its end. False when it cannot be read. The position moves.
+bool calculerCRC16(std::FILE* fichier, std::uint16_t& crc);
 
 }  // namespace noxlux
 

@@ -3,7 +3,7 @@
 // of them times a constant of 16 bits. The sum of both products fits sixteen bytes again and is added to the
 // block that stands D bits further. Four blocks are folded side by side: a product takes longer than the
 // processor takes to start the next one; processors that multiply two blocks at once fold pairs.
-#include "referent/crc16_plie.h"
+#include "fichier/crc16_plie.h"
 
 #include <immintrin.h>
 

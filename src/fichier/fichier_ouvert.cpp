@@ -1,4 +1,4 @@
-#include "referent/fichier_ouvert.h"
+#include "fichier/fichier_ouvert.h"
 
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,28 +1,23 @@
 // Writes the fields of the reference files, in the encoding that Lecteur reads.
-#ifndef NOXLUX_REFERENT_ECRIVAIN_H
-#define NOXLUX_REFERENT_ECRIVAIN_H
+#ifndef NOXLUX_FICHIER_ECRIVAIN_H
+#define NOXLUX_FICHIER_ECRIVAIN_H
 
 #include <cstdint>
 #include <cstdio>
 #include <string_view>
 
 #include "basics/codes_retour.h"
-#include "tables/valeurs_ligne.h"
-#include "types/type_donnee.h"
+#include "types/date.h"
 
 namespace noxlux {
 
-class Referentiel;
-
 class Ecrivain {
  public:
-  // Neither is owned. REQUIRES: both not null.
-  Ecrivain(Referentiel* referentiel, std::FILE* fichier);
+  // Not owned. REQUIRES: not null.
+  explicit Ecrivain(std::FILE* fichier);
 
-  // The file header, its version, base version and comment taken from the store. `nomFichier`: at most 12
-  // characters; the CRC is left at "0000".
-  CodeRetour ecrireEntete(std::string_view nomFichier, const DateBrute& date, std::string_view versionMinimum,
-                          std::uint16_t numeroRevision, std::string_view variante);
+  // Writes at the beginning of the file, out of any table.
+  CodeRetour ecrireDebut(std::string_view texte);
   // A table header; the data size is filled in by ecrireTailleDonnees.
   CodeRetour ecrireEnteteTable(std::string_view identifiant, std::uint32_t nombreLignes);
   CodeRetour ecrireTailleDonnees();
@@ -54,7 +49,6 @@ class Ecrivain {
   template <class T>
   CodeRetour ecrireGrosBoutiste(T valeur);
 
-  Referentiel* referentiel_;
   std::FILE* fichier_;
   std::uint32_t tailleDonnees_ = 0;
   std::int32_t positionTaille_ = 0;

@@ -1,6 +1,6 @@
-// Reads the fields of the reference files. Owns nothing: bound to one store and one open file.
-#ifndef NOXLUX_REFERENT_LECTEUR_H
-#define NOXLUX_REFERENT_LECTEUR_H
+// Reads the fields of the reference files. Owns nothing: bound to one open file.
+#ifndef NOXLUX_FICHIER_LECTEUR_H
+#define NOXLUX_FICHIER_LECTEUR_H
 
 #include <cstdint>
 #include <cstdio>
@@ -8,27 +8,20 @@
 #include <string_view>
 
 #include "basics/codes_retour.h"
-#include "tables/valeurs_ligne.h"
-#include "types/type_donnee.h"
+#include "types/date.h"
 
 namespace noxlux {
-
-class Referentiel;
 
 // End of a file met where a table header could begin.
 constexpr CodeRetour FIN_DE_FICHIER = 0xFFFF;
 
 class Lecteur {
  public:
-  // Takes the file at its current position, and measures what is left of it. REQUIRES: both not null.
-  Lecteur(Referentiel* referentiel, std::FILE* fichier);
+  // Takes the file at its current position, and measures what is left of it. REQUIRES: not null.
+  explicit Lecteur(std::FILE* fichier);
 
-  // Headers.
-  CodeRetour lireEnteteRef();
-  CodeRetour lireEnteteModif();
+  // The four digits that the file begins with.
   CodeRetour lireCRC(std::uint16_t& crc);
-  // The reference version at its fixed offset; the position does not move.
-  CodeRetour lireVersion(CodeFixe<4>& version);
   // Table header. FIN_DE_FICHIER at the normal end of a file. A data size or a position beyond the file is
   // 0xD640.
   CodeRetour lireEnteteTable(char (&identifiant)[4], std::uint32_t& nombreLignes, std::int32_t& offset);
@@ -40,7 +33,8 @@ class Lecteur {
   CodeRetour lireChaineFixe(char* tampon, std::size_t n);
   // Text up to `fin`, which is consumed. Out of memory: 0xDFFC.
   CodeRetour lireChaineVariable(std::string& texte, char fin = '\0');
-  CodeRetour lireChaineVariable(TexteVariable& texte);
+  // The same, up to a zero byte, as a view that the next reading ends.
+  CodeRetour lireChaineVariable(std::string_view& texte);
   CodeRetour lireUnsignedChar(unsigned char& valeur);
   CodeRetour lireUnsignedShort(std::uint16_t& valeur);
   CodeRetour lireSignedShort(std::int16_t& valeur);
@@ -48,7 +42,6 @@ class Lecteur {
   CodeRetour lireSignedLong(std::int32_t& valeur);
   CodeRetour lireDouble(double& valeur);
   CodeRetour lireDate(DateBrute& date);
-  CodeRetour lireDateEntete(DateBrute& date);
 
   // Checks offered to the records.
   static bool controlerCode(std::string_view texte);
@@ -70,7 +63,6 @@ class Lecteur {
   template <class T>
   CodeRetour lireGrosBoutiste(T& valeur);
 
-  Referentiel* referentiel_;
   std::FILE* fichier_;
   std::uint32_t tailleTable_ = 0;
   std::int32_t position_ = 0;
