@@ -57,7 +57,7 @@ class Aide:
                 courant = {"Arguments": self.arguments, "Options": self.options}.get(ligne[:-1], self.sous)
             elif courant is not None and re.match(r"  \S", ligne):
                 debut, _, suite = ligne.strip().partition("  ")
-                nom = debut
+                nom = debut if courant is not self.sous else debut.split(",")[0]  # a command may have a second name
                 courant[nom] = suite.strip()
             elif courant is not None and ligne.strip():
                 courant[nom] = f"{courant[nom]} {ligne.strip()}".strip()

@@ -157,9 +157,10 @@ class Generateur:
             "lignes": [],
             "caissePS": caisse,
         }
-        for date in self.hasard.sample(DATES, self.hasard.randint(1, 2)):
-            for activite in self.hasard.choice(["1", "1", "4", "14"]):
-                facture["lignes"] += self.association(facture["lignes"], date, activite, caisse, convention)
+        while not facture["lignes"]:
+            for date in self.hasard.sample(DATES, self.hasard.randint(1, 2)):
+                for activite in self.hasard.choice(["1", "1", "4", "14"]):
+                    facture["lignes"] += self.association(facture["lignes"], date, activite, caisse, convention)
         return facture
 
     def association(self, presentes, date, activite, caisse, convention):

@@ -122,7 +122,7 @@ USAGES = [
     (["--lot", "."], None, "fichier illisible : . (c'est un répertoire)"),
     (["."], None, "fichier illisible : . (c'est un répertoire)"),
     (["--lot"], "ici\nrepertoiretravail=/", "caractère de commande"),
-    (["--lot"], "x" * 1000, "pas de tablebin.nox dans xxx"),
+    (["--lot"], "x" * 1000, "nom trop long"),
     (["absente.json"], None, "fichier illisible : absente.json"),
     (["--lot", "absente.json"], None, "fichier illisible : absente.json"),
     (["--inconnue"], None, "--inconnue"),

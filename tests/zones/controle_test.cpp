@@ -150,7 +150,7 @@ TEST(Champ, refuseCeQuIlNePeutConvertir) {
                                          {Format::Alphanumerique, Type::Booleen, "", NOX_CR_CHAMP_INVALIDE},
                                          {Format::Alphanumerique, Type::Booleen, "X", NOX_CR_CHAMP_INVALIDE},
                                          {Format::Alphanumerique, Type::Booleen, "ON", NOX_CR_CHAMP_INVALIDE},
-                                         {Format::Numerique, Type::Date, "99999999", NOX_CR_MEMOIRE},
+                                         {Format::Numerique, Type::Date, "20230431", NOX_CR_CHAMP_INVALIDE},
                                          {Format::Libre, Type::Nombre, "12a", NOX_CR_MEMOIRE},
                                          {Format::Numerique, Type::Nombre, "2147483648", NOX_CR_MEMOIRE},
                                          {Format::Numerique, Type::Montant, "1234567890", NOX_CR_MEMOIRE},
