@@ -69,7 +69,7 @@ test-fils fils: test-release
 	@cmake --build build/tsan -j $(TACHES) --target test_fils
 	@cd build/tsan && NOXLUX_DUREE=$(DUREE) ctest --output-on-failure
 
-# Every byte of the reference files damaged in turn, under the sanitizers: under an hour on two cores.
+# Every byte of the reference files damaged in turn, under the sanitizers: long.
 corruption: paquets
 	@$(call CONFIGURER,debug)
 	@cmake --build build/debug -j $(TACHES)
@@ -106,7 +106,7 @@ mutations: release
 # What tests weigh beside the code: a third at most.
 part-des-tests:
 	@lignes() { git ls-files -z "$$@" | xargs -0 cat | grep -c '[^[:space:]]'; }; \
-	t=$$(lignes tests); c=$$(lignes src include outils python); \
+	t=$$(lignes tests); c=$$(lignes src include outils); \
 	echo "tests: $$t lines for $$c of code, $$((1000 * t / c / 10)).$$((1000 * t / c % 10)) %"; test $$((3 * t)) -le $$c
 
 bench: paquets
