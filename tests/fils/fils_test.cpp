@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <set>
@@ -84,10 +85,10 @@ class Fils : public AvecReference {
     }
   }
 
-  void interroger(std::size_t graine) {
+  void interroger(std::uint64_t graine) {
     while (!fini_) {
       graine = graine * 6364136223846793005U + 1442695040888963407U;
-      const Demande& demande = demandes_[(graine >> 8) % demandes_.size()];
+      const Demande& demande = demandes_[static_cast<std::size_t>((graine >> 8) % demandes_.size())];
       const Reponse reponse = demande.poser();
       if (!estRefus(reponse.code) && std::ranges::count(demande.permises, reponse) == 0) {
         ADD_FAILURE() << reponse << " instead of " << demande.permises.front();
