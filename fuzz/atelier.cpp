@@ -161,4 +161,11 @@ void interroger() {
   NOX_TermLIB();
 }
 
+void essayerRetouche(std::vector<Fichier> fichiers, Source retouches) {
+  retoucher(fichiers, retouches);
+  refaireCrc(fichiers[0].octets);
+  ecrire(fichiers[0].nom, fichiers[0].octets);
+  interroger();
+}
+
 }  // namespace fuzz

@@ -60,6 +60,8 @@ void configurer();
 void verifierReponse(void* zone, unsigned taille);
 // The library loaded on what lies in `dossier()` is asked a little of everything, then unloaded.
 void interroger();
+// The first file of a base, retouched, its checksum right, is written, and the library asked.
+void essayerRetouche(std::vector<Fichier> fichiers, Source retouches);
 
 }  // namespace fuzz
 
