@@ -94,23 +94,6 @@ void afficher(const Json& resultat) {
             << '\n';
 }
 
-// The check of an invoice, with its own reference and what it carries.
-Json controler(const Json& facture, bool detail) {
-  Json resultat = controlerFacture(zoneDeFacture(facture));
-  if (detail) {
-    resultat["lignes"] = detaillerLignes(facture);
-  }
-  return resultat;
-}
-
-void reporter(const Json& facture, Json& reponse) {
-  for (const char* sien : {"reference", "libre"}) {
-    if (facture.is_object() && facture.contains(sien)) {
-      reponse[sien] = facture[sien];
-    }
-  }
-}
-
 int controlerUne(const OptionsControler& options) {
   const std::string nom = options.fichiers.empty() ? "-" : options.fichiers.front();
   const Json facture = lireFacture(lireTout(nom), nom);
@@ -128,8 +111,7 @@ int controlerUne(const OptionsControler& options) {
     reference.reference = profils.referencePour(facture);
   }
   const Bibliotheque bibliotheque(reference);
-  Json resultat = controler(facture, true);
-  reporter(facture, resultat);
+  const Json resultat = controlerFacture(facture);
   if (options.json) {
     ecrireJson(resultat);
   } else {
@@ -158,13 +140,13 @@ Json repondre(const FactureLue& lue, bool detail) {
     if (!lue.faute.empty()) {
       throw ErreurUsage(lue.faute);
     }
-    reponse = controler(lue.facture, detail);
+    return controlerFacture(lue.facture, detail ? Detail::MONTANTS : Detail::VERDICT);
   } catch (const ErreurBibliotheque& erreur) {
     reponse = {{"code", hexadecimal(erreur.code())}, {"erreur", signification(erreur.code())}};
   } catch (const ErreurUsage& erreur) {
     reponse = {{"code", nullptr}, {"erreur", erreur.what()}};
   }
-  reporter(lue.facture, reponse);
+  reporterSiennes(lue.facture, reponse);
   return reponse;
 }
 

@@ -7,6 +7,9 @@
 
 namespace noxlux::commande {
 
+Json controlerZone(std::string entree);
+Json detaillerLignes(const Json& facture);
+
 namespace {
 
 // A member that is null is one that was not given. A list keeps its nulls: they are no elements of it.
@@ -97,8 +100,7 @@ const char* verdict(unsigned short code) {
 
 }  // namespace
 
-Json controlerFacture(const std::string& zone) {
-  std::string entree = zone;
+Json controlerZone(std::string entree) {
   const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
     return NOX_ControleComplet(entree.data(), static_cast<unsigned int>(entree.size()), sortie, taille);
   });
@@ -119,6 +121,23 @@ Json controlerFacture(const std::string& zone) {
       resultat["forcages"].push_back(std::move(element["champs"]));
     }
   }
+  return resultat;
+}
+
+void reporterSiennes(const Json& facture, Json& reponse) {
+  for (const char* sienne : {"reference", "libre"}) {
+    if (facture.is_object() && facture.contains(sienne)) {
+      reponse[sienne] = facture[sienne];
+    }
+  }
+}
+
+Json controlerFacture(const Json& facture, Detail detail) {
+  Json resultat = controlerZone(zoneDeFacture(facture));
+  if (detail != Detail::VERDICT) {
+    resultat["lignes"] = detaillerLignes(facture);
+  }
+  reporterSiennes(facture, resultat);
   return resultat;
 }
 

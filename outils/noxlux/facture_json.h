@@ -19,18 +19,26 @@ Json lireFacture(const std::string& texte, const std::string& source);
 // The input zone of an invoice. Throws ErreurUsage with the JSON path of the first fault.
 std::string zoneDeFacture(const Json& facture);
 
-// The answer to one invoice: {"code", "verdict", "erreurs": [...], "forcages": [...]}. Throws
-// ErreurBibliotheque when the invoice was not checked to its end.
-Json controlerFacture(const std::string& zone);
+// How much of a check is told: the verdict and its reasons; the amounts of each line too; the steps that led
+// to them.
+enum class Detail { VERDICT, MONTANTS, ETAPES };
+
+// The answer to one invoice: {"code", "verdict", "erreurs": [...], "forcages": [...]}, and from
+// Detail::MONTANTS on "lignes": [...]; what the office carries along ("reference", "libre") comes back.
+// Throws ErreurUsage with the JSON path of a fault, and ErreurBibliotheque when the invoice was not checked
+// to its end.
+Json controlerFacture(const Json& facture, Detail detail = Detail::MONTANTS);
 
 // The price that the check compares with: the act's, with the increase of the fund, to the nearest cent. Null
 // where the reference has none. `ligne` has a date, an act, an activity and a phase. C_Pu does not tell it:
 // an amount in a zone is cut to the cent below.
 Json prixAFacturer(const Json& ligne, const std::string& caisse);
 
-// What was billed and what the library computes, one object per line: {"numero", "acte", "prixFacture",
-// "prixCalcule", "baseFacturee", "baseCalculee"}; a computed amount is null where the check computes none.
-Json detaillerLignes(const Json& facture);
+// Carries what is the office's own ("reference", "libre") to an answer.
+void reporterSiennes(const Json& facture, Json& reponse);
+
+// Each line of "lignes": {"numero", "acte", "prixFacture", "prixCalcule", "baseFacturee", "baseCalculee"}; a
+// computed amount is null where the check computes none.
 
 }  // namespace noxlux::commande
 

@@ -10,6 +10,9 @@
 
 namespace noxlux::commande {
 
+Json controlerZone(std::string entree);
+Json detaillerLignes(const Json& facture);
+
 namespace {
 
 constexpr unsigned GROUPE_ENTETE_TARIF = 3400;
@@ -146,7 +149,7 @@ std::set<Json> lignesDontLaBaseEstCalculee(Json facture) {
     ligne["baseRemboursement"] = BASE_DEMESUREE;
   }
   std::set<Json> numeros;
-  const Json resultat = controlerFacture(zoneDeFacture(facture));
+  const Json resultat = controlerZone(zoneDeFacture(facture));
   for (const Json& erreur : resultat["erreurs"]) {
     if (std::find(std::begin(BASES_DEPASSEES), std::end(BASES_DEPASSEES), erreur["reference"]) !=
         std::end(BASES_DEPASSEES)) {
