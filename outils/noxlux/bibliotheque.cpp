@@ -174,6 +174,14 @@ std::string OptionsReference::repertoireModification() const {
   return lireIni(choix.config, {"repertoireModification", "repertoiretable"});
 }
 
+ConfigurationTemporaire::ConfigurationTemporaire(const OptionsReference& options) {
+  OptionsReference choix = options.choisies();
+  if (choix.reference.empty()) {
+    choix = {fs::path(choix.fichierReference()).parent_path().string(), choix.repertoireModification(), {}};
+  }
+  temporaire_ = ecrireIni(choix);
+}
+
 Bibliotheque::Bibliotheque(const OptionsReference& demandees) {
   const OptionsReference options = demandees.choisies();
   if (!options.reference.empty()) {

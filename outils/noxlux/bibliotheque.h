@@ -32,6 +32,18 @@ struct OptionsReference {
   std::string repertoireModification() const;
 };
 
+// An orvan.ini of its own, for processes that follow one another: it names the reference and nothing else, so
+// that no trace is written.
+class ConfigurationTemporaire {
+ public:
+  // Throws ErreurUsage.
+  explicit ConfigurationTemporaire(const OptionsReference& options);
+  OptionsReference options() const { return {{}, {}, temporaire_->chemin().string()}; }
+
+ private:
+  std::unique_ptr<compilateur::RepertoireTemporaire> temporaire_;
+};
+
 class Bibliotheque {
  public:
   // Throws ErreurBibliotheque when it does not load.

@@ -45,29 +45,6 @@ struct OptionsRechercher {
   }
 };
 
-// "100..200", "100..", "..200"
-void lirePrix(const std::string& texte, CriteresRecherche& criteres) {
-  const std::size_t points = texte.find("..");
-  if (texte.empty()) {
-    return;
-  }
-  const auto borne = [&](const std::string& morceau) -> std::optional<double> {
-    if (morceau.empty()) {
-      return std::nullopt;
-    }
-    const std::optional<double> valeur = lireNombre(morceau);
-    if (!valeur) {
-      throw ErreurUsage("--prix : « " + morceau + " » n'est pas un montant en euros");
-    }
-    return valeur;
-  };
-  if (points == std::string::npos) {
-    throw ErreurUsage("--prix : deux montants en euros sont attendus, comme 100..200");
-  }
-  criteres.prixMinimum = borne(texte.substr(0, points));
-  criteres.prixMaximum = borne(texte.substr(points + 2));
-}
-
 void rechercher(const OptionsRechercher& options, int& statut) {
   CriteresRecherche criteres;
   for (const std::string& mot : options.mots) {

@@ -28,6 +28,7 @@ void enregistrerZone(CLI::App& application);
 void enregistrerVerifier(CLI::App& application);
 void enregistrerModifier(CLI::App& application);
 void enregistrerAnnuler(CLI::App& application);
+void enregistrerServeur(CLI::App& application);
 
 }  // namespace noxlux::commande
 

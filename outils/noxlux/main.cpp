@@ -172,6 +172,7 @@ int executer(int argc, char** argv) {
   enregistrerRechercher(application, statut);
   enregistrerActe(application);
   enregistrerControler(application, statut);
+  enregistrerServeur(application);
   enregistrerConsulter(application);
   enregistrerVerifier(application);
   enregistrerAppliquer(application, statut);

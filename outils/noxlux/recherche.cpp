@@ -226,6 +226,28 @@ class Recherche {
 
 }  // namespace
 
+void lirePrix(const std::string& texte, CriteresRecherche& criteres) {
+  const std::size_t points = texte.find("..");
+  if (texte.empty()) {
+    return;
+  }
+  const auto borne = [&](const std::string& morceau) -> std::optional<double> {
+    if (morceau.empty()) {
+      return std::nullopt;
+    }
+    const std::optional<double> valeur = lireNombre(morceau);
+    if (!valeur) {
+      throw ErreurUsage("prix : « " + morceau + " » n'est pas un montant en euros");
+    }
+    return valeur;
+  };
+  if (points == std::string::npos) {
+    throw ErreurUsage("prix : deux montants en euros sont attendus, comme 100..200");
+  }
+  criteres.prixMinimum = borne(texte.substr(0, points));
+  criteres.prixMaximum = borne(texte.substr(points + 2));
+}
+
 Json rechercherActes(const CriteresRecherche& criteres, const std::string& date, const Catalogue& catalogue) {
   return Recherche(criteres, date, catalogue).chercher();
 }

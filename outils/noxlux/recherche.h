@@ -19,6 +19,9 @@ struct CriteresRecherche {
   std::size_t limite = 20;  // 0: all
 };
 
+// The bounds that "100..200", "100.." or "..200" tell, in euros. Throws ErreurUsage.
+void lirePrix(const std::string& texte, CriteresRecherche& criteres);
+
 // {"nombre", "actes": [{"code", "libelle", "prix", "chapitre": {"code", "titre"}}], "suggestions": [{"mot",
 // "propositions"}]}: accents, case, plurals and the ends of words are forgiven; a word that leads to no act
 // has its suggestions. Prices are those of the first activity and phase at the date, AAAAMMJJ.

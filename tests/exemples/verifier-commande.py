@@ -57,7 +57,7 @@ ESSAIS = [
      "montant 176,79 € à montant 17 679,00 €"),
     (["rechercher", "appendices iliaque", "--date", "2026-01-15", *ICI], 0, "HHFA001"),
     (["rechercher", "appendisectomie", *ICI], 1, "vouliez-vous « appendicectomie »"),
-    (["rechercher", "incision", "--prix", "abc..", *ICI], 2, "--prix : « abc »"),
+    (["rechercher", "incision", "--prix", "abc..", *ICI], 2, "prix : « abc »"),
     (["rechercher", "incision", "--chapitre", "appareil digestf", *ICI], 2, "vouliez-vous « Appareil digestif »"),
     (["rechercher", "filtre", "hhfa", *ICI], 0, "HHFA001"),
     (["rechercher", "mot", "appendice", "--json", *ICI], 0, '"HHFA001",'),

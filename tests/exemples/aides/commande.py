@@ -54,6 +54,9 @@ class Compte:
         print(f"FAILED {nom}\n  expected {attendu!r}\n  got      {obtenu!r}")
         return False
 
+    def vrai(self, condition, dit):
+        return self.verifier(dit, bool(condition), True)
+
     def finir(self):
         print(f"{self.passes} passed, {self.echecs} failed")
         sys.exit(1 if self.echecs or not self.passes else 0)
