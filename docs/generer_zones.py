@@ -38,6 +38,9 @@ Indented groups belong to the group above them and follow it each time it comes.
 
 Fields have no names in a zone, only places; the names below are those that the `noxlux` command uses. Decimal values
 are written as digits without a point: 12.50 with 2 decimals is `1250`. Dates are `AAAAMMJJ` or `AAAAMMJJ0000`.
+
+A refusal tells the place of the group or field at fault, counted from 1 over the whole zone and added to the code of
+its family; places too far for their family have its last code (0x9FFF for a field, 0xA7FF or 0xAFFF for a group).
 """
 
 
