@@ -95,7 +95,7 @@ couverture: paquets
 fuzz: paquets
 	@packaging/installer-paquets libclang-rt-14-dev
 	@$(call CONFIGURER,fuzz)
-	@cmake --build build/fuzz -j $(TACHES)
+	@cmake --build build/fuzz -j $(TACHES) --target cibles_fuzz
 	@fuzz/lancer build/fuzz
 
 # A hundred changes of the code, one at a time: prints those that no test sees. Hours.

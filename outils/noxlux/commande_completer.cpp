@@ -1,6 +1,7 @@
 // noxlux completer: the words that a shell may put where the cursor stands, one a line. The scripts of bash,
 // zsh and fish are this command and little else.
 #include <algorithm>
+#include <cctype>
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
@@ -85,6 +86,14 @@ Mots candidats(const CLI::App& application, const Mots& ligne) {
   return noms;
 }
 
+// Codes are typed in small letters too.
+bool suit(const std::string& candidat, const std::string& mot) {
+  const auto majuscule = [](char c) { return std::toupper(static_cast<unsigned char>(c)); };
+  return candidat.size() >= mot.size() &&
+         std::equal(mot.begin(), mot.end(), candidat.begin(),
+                    [&](char tape, char propose) { return majuscule(tape) == majuscule(propose); });
+}
+
 }  // namespace
 
 void enregistrerCompleter(CLI::App& application) {
@@ -95,7 +104,7 @@ void enregistrerCompleter(CLI::App& application) {
   commande->callback([&application, ligne] {
     const Mots mots = ligne->empty() ? Mots{""} : *ligne;
     for (const std::string& candidat : candidats(application, mots)) {
-      if (candidat.starts_with(mots.back())) {
+      if (suit(candidat, mots.back())) {
         std::cout << candidat << '\n';
       }
     }

@@ -7,8 +7,6 @@
 #include "basics/fichiers.h"
 #include "basics/trace.h"
 
-const char* REPERTOIRE_SYSTEME = "/usr/local/orvan/etc";
-
 namespace noxlux {
 
 CodeRetour Systeme::allouer(void*& zone, unsigned int taille) {

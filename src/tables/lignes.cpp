@@ -25,6 +25,14 @@ CodeRetour signalerRefus(const char* classe, const char* mots, const char* refus
   return cr;
 }
 
+// What is said of a field just read.
+CodeRetour juger(CodeRetour lecture, bool correct, const char* classe, const char* mots, const char* refus) {
+  if (lecture != NOX_CR_OK) {
+    return signalerLecture(classe, mots, lecture);
+  }
+  return correct ? lecture : signalerRefus(classe, mots, refus);
+}
+
 template <class T>
 bool plageCorrecte(const T& /*valeur*/, TablesParIdentifiant /*tables*/) {
   return true;
@@ -46,11 +54,7 @@ CodeRetour LignesDe<L>::lireLigne(std::uint32_t i, Lecteur& lecteur) {
   CodeRetour cr = NOX_CR_OK;
   visiterTantQue(lignes[i], [&](const auto& champ, auto& valeur) {
     cr = champs::lire(lecteur, valeur);
-    if (cr != NOX_CR_OK) {
-      cr = signalerLecture(L::NOM, champ.mots, cr);
-    } else if (!champs::controler(valeur, champ.controle)) {
-      cr = signalerRefus(L::NOM, champ.mots, champ.refus);
-    }
+    cr = juger(cr, champs::controler(valeur, champ.controle), L::NOM, champ.mots, champ.refus);
     return cr == NOX_CR_OK;
   });
   return cr;

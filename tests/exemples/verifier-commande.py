@@ -10,6 +10,7 @@ import json
 import os
 import pathlib
 import re
+import shutil
 import signal
 import subprocess
 import sys
@@ -68,7 +69,7 @@ ESSAIS = [
     (["lister", REFERENCE, "HHFA001", "--json"], 0, '"dateEffet": "2024-12-22"'),
     (["zone", "decoder", "/"], 2, "c'est un répertoire"),
     (["completer", "--", "modif"], 0, "modifier\nmodifications\n"),
-    (["completer", "--", "consulter", "ccam_37", "-r", REFERENCE, "acte=HHFA00"], 0, "acte=HHFA001\nacte=HHFA002\n"),
+    (["completer", "--", "consulter", "ccam_37", "-r", REFERENCE, "acte=hhfa00"], 0, "acte=HHFA001\nacte=HHFA002\n"),
 ]
 
 
@@ -146,6 +147,55 @@ def verifier_lots(compte):
                         [e["reference"] for r in reponses for e in r["erreurs"]])
 
 
+PRIX = ["acte=HHFA001", "activite=1", "phase=0"]
+# A day's changes, one after the other on a copy of the reference (LA), beside a second reference (AUTRE): arguments, exit
+# status, what is said.
+JOURNEE = [
+    (["modifier", "CCAM_37", *PRIX, "montant=180", "-e", "2026-01-01", "-r", "LA"], 0, "après : montant 180,00 €"),
+    (["modifier", "TB07_1", "caisse=971", "montant=125", "-e", "2026-01-01", "-r", "LA"], 0, "(seuil : métropole)"),
+    (["modifier", "TB11_2", "modificateur=J", "coefficient=1,07", "-e", "2026-01-01", "-r", "LA"], 0, "après : coefficient 1,070"),
+    (["modifier", "CCAM_42", *PRIX[:2], "regroupement=XYZ", "-e", "2026-01-01", "-r", "LA"], 1, "0xD007"),
+    (["modifications", "-r", "LA"], 0, "position seuil 1, seuil 125,00"),
+    (["modifications", "-r", "LA", "--json"], 0, '"modifref.nox"'),
+    (["consulter", "CCAM_37", *PRIX, "-d", "2026-02-01", "-r", "LA"], 0, "180,00 €"),
+    (["acte", "HHFA001", "-d", "2026-02-01", "-r", "LA"], 0, "prix unitaire, depuis le 01/01/2026, activite 1, phase 0"),
+    (["acte", "HHFA001", "-d", "2026-02-01", "-r", "LA", "--html"], 0, "<li>prix unitaire, depuis le 01/01/2026"),
+    (["lister", "LA/modifref.nox"], 0, "modifref.nox"),
+    (["comparer", "LA", "LA/modifref.nox"], 2, "ce fichier ne contient que des modifications"),
+    (["annuler", "CCAM_37", *PRIX, "-r", "LA"], 0, "après : montant 176,79 €"),
+    (["annuler", "CCAM_37", *PRIX, "-r", "LA"], 1, "0xD005 : donnée non modifiée : rien à annuler"),
+    (["comparer", "LA", "LA"], 0, "Aucune différence."),
+    (["comparer", "LA", "AUTRE"], 0, "HHFA001         1      0  22/12/2024  176,79  180,50"),
+    (["comparer", "LA", "AUTRE", "--json"], 0, '"apres": 180.5'),
+    (["comparer", "LA", "LA/absent"], 2, "LA/absent : impossible à ouvrir"),
+    (["zone", "decoder", "LA/zone", "--hexa"], 0, '"acte": "HHFA001"'),
+    (["zone", "decoder", "LA/zone"], 2, "zone mal formée à l'octet"),
+    (["zone", "decoder", "LA/zone", "--hexa", "-o", "LA/zone.json"], 0, ""),
+    (["zone", "encoder", "LA/zone.json", "--hexa"], 0, "0BC40C074848464130303101310130\n"),
+    (["zone", "encoder", "LA/zone.json", "-o", "LA/nulle/part"], 2, "LA/nulle/part (ce fichier ou ce répertoire n'existe pas)"),
+    (["zone", "encoder", "LA/zone"], 2, "un tableau de groupes est attendu"),
+    (["verifier", "C_Executant", "specialite=04", *PRIX[:2], "-d", "2026-01-15", "-r", "LA"], 0, "oui"),
+    (["verifier", "C_Ccam", "specialite=1", "prestation=CS", "-d", "2026-01-15", "-r", "LA"], 0, "non"),
+]
+
+
+def verifier_journee(compte):
+    with tempfile.TemporaryDirectory() as dossier:
+        la, autre = f"{dossier}/la", f"{dossier}/autre"
+        os.mkdir(la)
+        shutil.copy(f"{REFERENCE}/tablebin.nox", la)
+        pathlib.Path(la, "zone").write_text("0BC40C074848464130303101310130\n")
+        shutil.copytree(f"{SOURCES}/reference/exemple", f"{dossier}/sources")
+        sources = pathlib.Path(dossier, "sources/actes_appareil_digestif.toml")
+        sources.write_text(sources.read_text().replace("prix = 176.79", "prix = 180.5"))
+        compte.verifier("another price", lancer("compiler", f"{dossier}/sources", "--socle", f"{SOURCES}/reference/socle", "-o",
+                                               autre)[0], 0)
+        for arguments, statut, dit in JOURNEE:
+            obtenu, sortie, erreurs = lancer(*(re.sub("^AUTRE", autre, re.sub("^LA", la, a)) for a in arguments))
+            dit = re.sub("^LA", la, dit)
+            compte.verifier(" ".join(arguments)[:90], (obtenu, dit if dit in sortie + erreurs else sortie + erreurs), (statut, dit))
+
+
 def verifier_sorties(compte):
     """An answer that cannot be written is a failure; nothing stays behind a run that a signal or a closed pipe ends."""
     for arguments in (["acte", "HHFA001", *ICI], ["zone", "decoder", "--hexa"], ["consulter", "TB11_3", "--json", *ICI]):
@@ -210,6 +260,7 @@ def main():
     verifier_fiche(compte)
     verifier_recherche(compte)
     verifier_lots(compte)
+    verifier_journee(compte)
     verifier_sorties(compte)
     verifier_tailles(compte)
     compte.finir()
