@@ -85,13 +85,13 @@ std::string parMorceaux(std::string_view cellule, F&& ranger) {
   return faute;
 }
 
+std::string listePleine() { return phrase("la liste dépasse ", std::to_string(PLAFOND_LISTE), " éléments"); }
+
 template <class T>
 requires(!std::is_base_of_v<Element, T>) std::string
     convertir(std::string_view cellule, std::vector<T>& cible) {
   return parMorceaux(cellule, [&](std::string_view morceau) {
-    return cible.size() == PLAFOND_LISTE
-               ? phrase("la liste dépasse ", std::to_string(PLAFOND_LISTE), " éléments")
-               : convertir(morceau, cible.emplace_back());
+    return cible.size() == PLAFOND_LISTE ? listePleine() : convertir(morceau, cible.emplace_back());
   });
 }
 
@@ -200,19 +200,28 @@ class LectureTableau {
     }
   }
 
+  // Where a column stands; the number of columns when it does not, which is a fault for one that must.
+  std::size_t placeDe(const std::vector<std::string>& titres, std::string_view nom, bool obligatoire,
+                      bool& toutes) {
+    const auto place = std::find(titres.begin(), titres.end(), nom);
+    if (place == titres.end() && obligatoire) {
+      refuser("il manque la colonne « ", nom, " »");
+      toutes = false;
+    }
+    return static_cast<std::size_t>(place - titres.begin());
+  }
+
   template <class E, class C>
   bool trouverColonnes(const std::vector<std::string>& titres, C& colonnes) {
     colonnes.resize(titres.size());
     bool toutes = true;
     const auto chercher = [&](const auto& cle) {
-      const auto place = std::find(titres.begin(), titres.end(), cle.nom);
-      if (place != titres.end()) {
+      if (const std::size_t place = placeDe(titres, cle.nom, cle.obligatoire, toutes);
+          place < titres.size()) {
         const auto membre = cle.membre;
-        colonnes[static_cast<std::size_t>(place - titres.begin())] =
-            [membre](std::string_view cellule, E& element) { return convertir(cellule, element.*membre); };
-      } else if (cle.obligatoire) {
-        refuser("il manque la colonne « ", cle.nom, " »");
-        toutes = false;
+        colonnes[place] = [membre](std::string_view cellule, E& element) {
+          return convertir(cellule, element.*membre);
+        };
       }
     };
     std::apply([&](const auto&... cle) { (chercher(cle), ...); }, CLES<E>);

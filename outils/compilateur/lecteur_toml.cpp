@@ -284,36 +284,39 @@ bool lireValeur(Contexte& contexte, const toml::node& noeud, std::vector<T>& cib
 }
 
 template <class E>
-void refuserClesInconnues(Contexte& contexte, const toml::table& table) {
+const std::vector<std::string>& nomsDesCles() {
+  static const std::vector<std::string> NOMS = std::apply(
+      [](const auto&... cle) { return std::vector<std::string>{std::string(cle.nom)...}; }, CLES<E>);
+  return NOMS;
+}
+
+void refuserClesInconnues(Contexte& contexte, const toml::table& table,
+                          const std::vector<std::string>& connues) {
   for (auto&& [cle, noeud] : table) {
     const std::string_view nom = cle.str();
-    std::string_view proche;
-    bool connue = false;
-    const auto comparer = [&](std::string_view candidate) {
-      connue = connue || nom == candidate;
-      if (ecart(nom, candidate) <= 2 && (proche.empty() || ecart(nom, candidate) < ecart(nom, proche))) {
-        proche = candidate;
-      }
-    };
-    std::apply([&](const auto&... c) { (comparer(c.nom), ...); }, CLES<E>);
-    if (!connue) {
+    if (std::find(connues.begin(), connues.end(), nom) == connues.end()) {
       const std::string dans = contexte.chemin.empty() ? "" : phrase(" dans « ", contexte.nomChemin(), " »");
-      contexte.rapport.signaler(
-          contexte.lieu(cle.source()),
-          phrase("clé inconnue « ", nom, " »", dans, proche.empty() ? "" : " ; vouliez-vous « ", proche,
-                 proche.empty() ? "" : " » ?"));
+      contexte.rapport.signaler(contexte.lieu(cle.source()),
+                                phrase("clé inconnue « ", nom, " »", dans, vouliezVous(nom, connues)));
     }
   }
+}
+
+// The value of a key, or nothing; one that must be there is told.
+const toml::node* valeurDe(Contexte& contexte, const toml::table& table, std::string_view nom,
+                           bool obligatoire) {
+  const toml::node* const noeud = table.get(nom);
+  if (noeud == nullptr && obligatoire) {
+    contexte.refuser(table, "clé absente");
+  }
+  return noeud;
 }
 
 template <class E, class C, class T>
 void lireCle(Contexte& contexte, const toml::table& table, const Cle<C, T>& cle, E& element) {
   const Etape etape(contexte, cle.nom);
-  const toml::node* const noeud = table.get(cle.nom);
+  const toml::node* const noeud = valeurDe(contexte, table, cle.nom, cle.obligatoire);
   if (noeud == nullptr) {
-    if (cle.obligatoire) {
-      contexte.refuser(table, "clé absente");
-    }
     return;
   }
   T& cible = element.*(cle.membre);
@@ -325,13 +328,13 @@ void lireCle(Contexte& contexte, const toml::table& table, const Cle<C, T>& cle,
 template <class E>
 void lireTable(Contexte& contexte, const toml::table& table, E& element) {
   element.lieu = contexte.lieu(table.source());
-  refuserClesInconnues<E>(contexte, table);
+  refuserClesInconnues(contexte, table, nomsDesCles<E>());
   std::apply([&](const auto&... cle) { (lireCle(contexte, table, cle, element), ...); }, CLES<E>);
 }
 
 // `[entete]` and `[recherche]` stand alone; the other kinds of items are arrays of tables.
 void lireModele(Contexte& contexte, const toml::table& table, Modele& modele) {
-  refuserClesInconnues<Modele>(contexte, table);
+  refuserClesInconnues(contexte, table, nomsDesCles<Modele>());
   const auto lire = [&](const auto& cle) {
     const toml::node* const noeud = table.get(cle.nom);
     if (noeud == nullptr) {
