@@ -52,6 +52,17 @@ test-python: release
 	@cd python && $(PYTHON) -m mypy --config-file pyproject.toml --cache-dir ../build/mypy noxlux
 	@$(PYTHON) tests/python/verifier-distribue.py build/release/noxlux build/release/libnoxlux.so build/exemple .
 
+# The page of the service in a real browser; tells where none can run, or where its accessibility cannot be checked.
+.PHONY: test-page
+test-page: AXE = build/page/node_modules/axe-core/axe.min.js
+test-page: release
+	@packaging/installer-paquets chromium chromium-driver python3-selenium || echo "test-page: the browser cannot be installed"
+	@command -v npm >/dev/null || packaging/installer-paquets npm || echo "test-page: npm cannot be installed"
+	@[ -f $(AXE) ] || npm install --no-save --no-audit --no-fund --prefix build/page axe-core@4.14.1 >/dev/null 2>&1 || \
+	  echo "test-page: axe-core cannot be had"
+	@build/release/noxlux compiler reference/exemple --socle reference/socle -o build/exemple >/dev/null
+	@$(PYTHON) tests/page/verifier-page.py build/release/noxlux build/exemple . $$([ ! -f $(AXE) ] || echo $(AXE)) || [ $$? -eq 77 ]
+
 # The packages, installed in a fresh Debian 12 and put to use there; tells where no such system can be made.
 test-paquets: package
 	@packaging/tester-paquets || [ $$? -eq 77 ]
@@ -113,6 +124,13 @@ bench: paquets
 	@$(call CONFIGURER,bench)
 	@cmake --build build/bench -j $(TACHES)
 	@bench/lancer build/bench
+
+# The service under load: 1, 8, 64 clients.
+.PHONY: bench-serveur
+bench-serveur: paquets
+	@$(call CONFIGURER,bench)
+	@cmake --build build/bench -j $(TACHES) --target noxlux_commande --target reference_exemple --target client_serveur
+	@bench/bench-serveur build/bench
 
 format:
 	@git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format -i

@@ -59,7 +59,7 @@ void rechercher(const OptionsRechercher& options, int& statut) {
   const std::string date = dateReference(options.date);
   const Bibliotheque bibliotheque(options.reference);
   const Catalogue catalogue(options.reference.fichierReference());
-  const Json resultat = rechercherActes(criteres, date, catalogue);
+  const Json resultat = rechercherActes(criteres, date, MotsDesActes(catalogue));
   if (options.json) {
     ecrireJson(resultat);
   } else {

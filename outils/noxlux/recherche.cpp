@@ -66,12 +66,11 @@ int accord(const std::string& cherche, const std::vector<std::string>& mots) {
 
 class Recherche {
  public:
-  Recherche(const CriteresRecherche& criteres, std::string date, const Catalogue& catalogue)
-      : criteres_(criteres), date_(std::move(date)), catalogue_(catalogue) {}
+  Recherche(const CriteresRecherche& criteres, std::string date, const MotsDesActes& mots)
+      : criteres_(criteres), date_(std::move(date)), catalogue_(mots.catalogue()), fiches_(mots.fiches()) {}
 
   Json chercher() {
     const std::vector<std::string> cherches = motsCherches(criteres_.texte);
-    preparer();
     std::unordered_map<std::string, int> points;
     Json suggestions = Json::array();
     bool premier = true;
@@ -93,18 +92,7 @@ class Recherche {
   }
 
  private:
-  // The words of an act, and how much each kind of them counts.
-  struct Fiche {
-    const ActeConnu* acte = nullptr;
-    std::vector<std::string> court;
-    std::vector<std::string> complet;
-  };
-
-  void preparer() {
-    for (const ActeConnu& acte : catalogue_.actes()) {
-      fiches_.push_back({&acte, motsSimples(acte.libelleCourt), motsSimples(acte.libelleLong)});
-    }
-  }
+  using Fiche = MotsDesActes::Fiche;
 
   std::unordered_map<std::string, int> pointsDuMot(const std::string& cherche) const {
     constexpr int COURT = 8;
@@ -221,7 +209,7 @@ class Recherche {
   const CriteresRecherche& criteres_;
   std::string date_;
   const Catalogue& catalogue_;
-  std::vector<Fiche> fiches_;
+  const std::vector<Fiche>& fiches_;
 };
 
 }  // namespace
@@ -248,8 +236,14 @@ void lirePrix(const std::string& texte, CriteresRecherche& criteres) {
   criteres.prixMaximum = borne(texte.substr(points + 2));
 }
 
-Json rechercherActes(const CriteresRecherche& criteres, const std::string& date, const Catalogue& catalogue) {
-  return Recherche(criteres, date, catalogue).chercher();
+MotsDesActes::MotsDesActes(const Catalogue& catalogue) : catalogue_(catalogue) {
+  for (const ActeConnu& acte : catalogue.actes()) {
+    fiches_.push_back({&acte, motsSimples(acte.libelleCourt), motsSimples(acte.libelleLong)});
+  }
+}
+
+Json rechercherActes(const CriteresRecherche& criteres, const std::string& date, const MotsDesActes& mots) {
+  return Recherche(criteres, date, mots).chercher();
 }
 
 void afficherRecherche(const Json& resultat, std::ostream& sortie) {

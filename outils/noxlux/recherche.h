@@ -5,6 +5,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "noxlux/catalogue.h"
 #include "noxlux/zone_json.h"
@@ -19,13 +20,32 @@ struct CriteresRecherche {
   std::size_t limite = 20;  // 0: all
 };
 
+// The words of every act, taken apart once for all the searches.
+class MotsDesActes {
+ public:
+  // REQUIRES: the catalogue outlives this.
+  explicit MotsDesActes(const Catalogue& catalogue);
+
+  struct Fiche {
+    const ActeConnu* acte = nullptr;
+    std::vector<std::string> court;
+    std::vector<std::string> complet;
+  };
+  const std::vector<Fiche>& fiches() const { return fiches_; }
+  const Catalogue& catalogue() const { return catalogue_; }
+
+ private:
+  const Catalogue& catalogue_;
+  std::vector<Fiche> fiches_;
+};
+
 // The bounds that "100..200", "100.." or "..200" tell, in euros. Throws ErreurUsage.
 void lirePrix(const std::string& texte, CriteresRecherche& criteres);
 
 // {"nombre", "actes": [{"code", "libelle", "prix", "chapitre": {"code", "titre"}}], "suggestions": [{"mot",
 // "propositions"}]}: accents, case, plurals and the ends of words are forgiven; a word that leads to no act
 // has its suggestions. Prices are those of the first activity and phase at the date, AAAAMMJJ.
-Json rechercherActes(const CriteresRecherche& criteres, const std::string& date, const Catalogue& catalogue);
+Json rechercherActes(const CriteresRecherche& criteres, const std::string& date, const MotsDesActes& mots);
 
 void afficherRecherche(const Json& resultat, std::ostream& sortie);
 

@@ -150,11 +150,11 @@ class Repondeur::Routes : private httplib::Server {
   explicit Routes(const serveur::Options& options)
       : options_(options),
         bibliotheque_(options.reference),
-        catalogue_(options.reference.fichierReference()) {
+        catalogue_(options.reference.fichierReference()),
+        mots_(catalogue_) {
     httplib::Headers champs;
     champs.insert(CHAMPS_DE_SECURITE.begin(), CHAMPS_DE_SECURITE.end());
     set_default_headers(champs);
-    catalogue_.actes();  // read before the first who searches waits for it
     for (const FichierPage& fichier : fichiersDeLaPage()) {
       Get(fichier.chemin, [&fichier](const httplib::Request&, httplib::Response& reponse) {
         reponse.set_content(fichier.contenu.data(), fichier.contenu.size(), fichier.type);
@@ -219,7 +219,7 @@ class Repondeur::Routes : private httplib::Server {
       }
       criteres.limite = static_cast<std::size_t>(*lue);
     }
-    repondreJson(reponse, rechercherActes(criteres, dateReference(parametre(demande, "date")), catalogue_));
+    repondreJson(reponse, rechercherActes(criteres, dateReference(parametre(demande, "date")), mots_));
   }
 
   // GET /actes/{code}
@@ -354,6 +354,7 @@ class Repondeur::Routes : private httplib::Server {
   const serveur::Options& options_;
   Bibliotheque bibliotheque_;
   commande::Catalogue catalogue_;
+  MotsDesActes mots_;
 };
 
 Repondeur::Repondeur(const Options& options) : routes_(std::make_unique<Routes>(options)) {}

@@ -289,7 +289,7 @@ function courbe(historique, date) {
 // A table whose columns from `chiffres` on are numbers.
 function tableau(titre, colonnes, lignes, chiffres) {
   const classe = i => i >= chiffres ? 'n' : null;
-  return el('div', {class: 'table', tabindex: 0, role: 'region', 'aria-label': titre}, el('table', {}, el('caption', {}, titre),
+  return el('div', {class: 'table', tabindex: 0, role: 'group', 'aria-label': titre}, el('table', {}, el('caption', {}, titre),
     el('thead', {}, el('tr', {}, ...colonnes.map((colonne, i) => el('th', {scope: 'col', class: classe(i)}, colonne)))),
     el('tbody', {}, ...lignes.map(ligne => el('tr', {}, ...ligne.map((cellule, i) => el('td', {class: classe(i)}, cellule)))))));
 }
@@ -487,8 +487,9 @@ function numeroter() {
 
 const saisieDe = (partie, nom) => $(`[data-champ="${nom}"]`, partie);
 
-// What the sheet of the act proposes, in the fields that nobody typed in.
-async function proposer(partie) {
+// The choices that the sheet of the act leaves, and, where `montants` says so, what it proposes for the fields that
+// nobody typed in.
+async function proposer(partie, montants = true) {
   const code = lireChamp(saisieDe(partie, 'acte'));
   const date = saisieDe(partie, 'date').value;
   if (!code) {
@@ -508,7 +509,9 @@ async function proposer(partie) {
   }
   const retenue = offrir(saisieDe(partie, 'phase'), activite.phases.map(({phase, prix}) => [phase, `${phase} (${euros(prix)})`]));
   const prix = activite.phases.find(({phase}) => phase === retenue)?.prix;
-  remplir(partie, {prestation: activite.regroupement?.code, prixUnitaire: prix, baseRemboursement: prix, baseTheoriqueAMO: prix});
+  if (montants) {
+    remplir(partie, {prestation: activite.regroupement?.code, prixUnitaire: prix, baseRemboursement: prix, baseTheoriqueAMO: prix});
+  }
   $('.admis', partie).textContent = `${fiche.libelleCourt}. Modificateurs admis : ${activite.modificateurs.map(({code: sien}) => sien).join(' ') || 'aucun'}.`;
 }
 
@@ -547,10 +550,20 @@ function lireFacture() {
   facture.beneficiaire = facture.beneficiaire || {};
   facture.lignes = lignes().map(partie => {
     const ligne = lirePartie(partie, {...partie.reste});
-    // A single line without an act yet has no amounts of its own.
     return partie.outrepassees.size ? {...ligne, outrepassees: [...partie.outrepassees]} : ligne;
   });
   return facture;
+}
+
+// What every invoice has: asked for here, one by one as it is typed, rather than refused by the service.
+const NECESSAIRES_FACTURE = ['professionnel.numeroPS', 'professionnel.specialitePS', 'beneficiaire.dateNaissance'];
+const NECESSAIRES_LIGNE = ['date', 'prestation'];
+
+function manquants() {
+  const vides = (partie, noms) => noms.map(nom => saisieDe(partie, nom)).filter(saisie => saisie.value.trim() === '')
+    .map(saisie => $(`label[for=${saisie.id}]`).textContent.toLowerCase());
+  return [...vides($('#champs-facture'), NECESSAIRES_FACTURE),
+    ...lignes().flatMap((partie, i) => vides(partie, NECESSAIRES_LIGNE).map(libelle => `${libelle} (ligne ${i + 1})`))];
 }
 
 const soumettre = derniere();
@@ -564,14 +577,22 @@ async function controler() {
   }
   if (!facture.lignes.some(ligne => ligne.acte || ligne.prestation)) {
     dire('', 'Choisir un acte pour commencer.');
-    return;
+    return null;
+  }
+  const absents = manquants();
+  if (absents.length) {
+    dire('', `Pas encore contrôlée ; il manque : ${absents.join(', ')}.`);
+    return null;
   }
   try {
-    montrerReponse(await soumettre('/controler?expliquer=1', {method: 'POST', headers: {'Content-Type': 'application/json'}, body: JSON.stringify(facture)}));
+    const reponse = await soumettre('/controler?expliquer=1', {method: 'POST', headers: {'Content-Type': 'application/json'}, body: JSON.stringify(facture)});
+    montrerReponse(reponse);
+    return reponse;
   } catch (erreur) {
     if (!estAbandon(erreur)) {
       dire('', `Pas encore contrôlée : ${enClair(erreur)}`);
     }
+    return null;
   }
 }
 
@@ -602,7 +623,7 @@ function montrerReponse(reponse) {
   const combien = reponse.erreurs.length;
   dire(reponse.verdict, `${VERDICTS[reponse.verdict]}${combien ? ` : ${combien} erreur${combien > 1 ? 's' : ''}` : ''}.`);
   $('#raisons').replaceChildren(...reponse.erreurs.map(raisonDe));
-  $('#montants').replaceChildren(...montantsDe(reponse.lignes));
+  $('#montants').replaceChildren(...montantsDe(reponse.lignes), ...exonerationDe(reponse.exoneration));
 }
 
 function raisonDe(erreur) {
@@ -612,13 +633,17 @@ function raisonDe(erreur) {
     el('p', {}, el('b', {}, erreur.reference), ou),
     el('p', {}, erreur.libelle),
     erreur.detail && erreur.detail !== erreur.libelle ? el('p', {}, erreur.detail) : null,
-    erreur.cause ? el('p', {class: 'pale'}, texteDe(erreur.cause)) : null,
+    erreur.donnees?.length ? el('ul', {class: 'pale donnees'}, ...erreur.donnees.map(donnee => el('li', {}, donneeDe(donnee)))) : null,
     outrepassable && erreur.lignes.length ? el('p', {}, el('button', {type: 'button', click: () => outrepasser(erreur)}, `Outrepasser ${erreur.reference}`))
       : el('p', {class: 'pale'}, outrepassable ? 'Peut être outrepassée.' : 'Ne peut pas être outrepassée.'));
 }
 
-const texteDe = valeur => typeof valeur === 'string' ? valeur
-  : Object.entries(valeur).map(([cle, sienne]) => `${cle} : ${jour(String(sienne))}`).join(' ; ');
+// A datum of the reference: what it is, of what, its value, since when, and whether it was changed here.
+function donneeDe({donnee, cles = {}, valeur, depuis, modifieeDepuis}) {
+  const quoi = Object.entries(cles).map(([cle, code]) => `${cle} ${code}`).join(', ');
+  return [`${donnee}${quoi ? ` (${quoi})` : ''} : ${cellule(valeur)}`, depuis && `depuis le ${jour(depuis)}`,
+    modifieeDepuis && `modifié ici depuis le ${jour(modifieeDepuis)}`].filter(Boolean).join(', ');
+}
 
 function outrepasser(erreur) {
   for (const numero of erreur.lignes) {
@@ -635,22 +660,53 @@ function montantsDe(detail) {
   return [tableau('Montants calculés', ['ligne', 'acte', 'prix', 'base'],
       detail.map(ligne => [String(ligne.numero), ligne.acte, euros(ligne.prixCalcule), euros(ligne.baseCalculee)]), 2),
     ...(reprise ? [el('p', {}, el('button', {type: 'button', click: () => reprendre(detail)}, 'Reprendre les montants calculés'))] : []),
-    ...detail.filter(ligne => ligne.etapes?.length).map(ligne => el('details', {open: true},
-      el('summary', {}, `Ligne ${ligne.numero} : étapes du calcul`), el('ol', {class: 'etapes'}, ...ligne.etapes.map(etape => el('li', {}, etapeDe(etape))))))];
+    ...detail.filter(ligne => ligne.etapes && etapesDe(ligne).length).map(ligne => el('details', {open: true},
+      el('summary', {}, `Ligne ${ligne.numero} : étapes du calcul`), ...etapesDe(ligne)))];
 }
 
-const etapeDe = etape => typeof etape === 'string' ? etape : texteDe(etape);
+const OPERATIONS = {depart: '', fois: '× ', plus: '+ ', plafond: 'au plus ', arrondi: ''};
 
-function reprendre(detail) {
+// From the price of the act to the base, step by step.
+function etapesDe({numero, etapes}) {
+  const {prix = [], base = [], modificateurs = [], association = {}} = etapes;
+  const tables = [['Prix', prix], ['Base', base]].filter(([, pas]) => pas.length).map(([nom, pas]) =>
+    tableau(`${nom} de la ligne ${numero}`, ['étape', 'calcul', 'résultat'], pas.map(({libelle, operation, operande, resultat, donnees = []}) => [
+      [libelle, ...donnees.map(donnee => el('span', {class: 'pale donnee'}, donneeDe(donnee)))],
+      operation === 'depart' || operation === 'arrondi' ? '' : OPERATIONS[operation] + (operation === 'fois' ? enNombre.format(operande) : euros(operande)),
+      operation === 'arrondi' || operation === 'depart' ? euros(resultat) : new Intl.NumberFormat('fr-FR', {maximumFractionDigits: 5}).format(resultat)]), 1));
+  const plusChere = association.ligneLaPlusChere;
+  const dits = [
+    plusChere && plusChere !== numero ? `L'acte le plus cher de l'association est celui de la ligne ${plusChere}.` : '',
+    ...modificateurs.map(({code, compte, nombreQuiComptent, ...valeurs}) => `Modificateur ${code} : ${compte ? effet(valeurs) : `non compté, au-delà des ${nombreQuiComptent} qui comptent`}.`)];
+  return [...tables, ...liste(dits.filter(Boolean), dit => el('li', {}, dit))];
+}
+
+// Which sum was compared with the threshold.
+function exonerationDe(exoneration) {
+  if (!exoneration) {
+    return [];
+  }
+  return [el('p', {}, `Facture ${exoneration.libelle}.`), ...liste(exoneration.seances || [], ({date, lignes: siennes, somme, seuil}) => el('li', {},
+    `Séance du ${jour(date)} : ${euros(somme)} (lignes ${siennes.map(({numero}) => numero).join(', ')})${seuil === null ? '' : ` pour un seuil de ${euros(seuil)}`}.`))];
+}
+
+// Prices first: the bases that are computed follow from those that are billed.
+async function reprendre(detail) {
+  recopier(detail, ['prixUnitaire'], 'prixCalcule');
+  const reponse = await controler();
+  if (reponse) {
+    recopier(reponse.lignes, ['baseRemboursement', 'baseTheoriqueAMO'], 'baseCalculee');
+    controler();
+  }
+}
+
+function recopier(detail, noms, calcule) {
   for (const ligne of detail) {
     const partie = lignes()[ligne.numero - 1];
-    for (const [nom, valeur] of [['prixUnitaire', ligne.prixCalcule], ['baseRemboursement', ligne.baseCalculee], ['baseTheoriqueAMO', ligne.baseCalculee]]) {
-      if (partie && valeur !== null) {
-        ecrireChamp(saisieDe(partie, nom), valeur);
-      }
+    for (const nom of partie && ligne[calcule] !== null ? noms : []) {
+      ecrireChamp(saisieDe(partie, nom), ligne[calcule]);
     }
   }
-  controler();
 }
 
 const formulaire = $('#facture');
@@ -685,7 +741,10 @@ function remettre(facture = null) {
   const {lignes: siennes = [], ...autres} = ecrirePartie($('#champs-facture'), facture || {natureAssurance: 'AS', professionnel: {conventionPS: '1'}});
   reste = autres;
   for (const ligne of facture ? facture.lignes : [null]) {
-    ajouterLigne(ligne);
+    const partie = ajouterLigne(ligne);
+    if (ligne) {
+      proposer(partie, false);
+    }
   }
   controler();
 }
@@ -758,8 +817,7 @@ function montrerEcran(evenement) {
 async function presenter() {
   try {
     const {noxlux, reference, actes, references} = await demander('/versions');
-    const version = reference.versionCCAM || reference.versionBaseCCAM || '';
-    $('#reference').textContent = [`${enNombre.format(actes)} actes`, version && `CCAM ${version}`, `noxlux ${noxlux}`].filter(Boolean).join(', ');
+    $('#reference').textContent = [`${enNombre.format(actes)} actes`, `CCAM version ${Number(reference.versionBaseCCAM)}`, `noxlux ${noxlux}`].join(', ');
     for (const [id, rang] of [['avant', references.length > 1 ? 1 : 0], ['apres', 0]]) {
       $(`#${id}`).replaceChildren(...references.map(nom => option([nom, nom === 'servie' ? 'celle de ce service' : nom])));
       $(`#${id}`).selectedIndex = rang;
