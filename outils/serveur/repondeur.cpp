@@ -30,6 +30,7 @@ using namespace noxlux::commande;
 using Parametres = std::vector<std::string>;
 
 constexpr const char* REFERENCE_SERVIE = "servie";
+constexpr std::size_t REPONSE_MAX = 64U << 20U;
 
 // A request that was received whole, and its answer.
 class Texte : public httplib::Stream {
@@ -296,6 +297,9 @@ class Repondeur::Routes : private httplib::Server {
         reporterSiennes(facture, reponse);
       }
       reponses += texteJson(reponse, -1);
+      if (reponses.size() > REPONSE_MAX) {
+        throw Refus{413, "la réponse serait trop grande : moins de factures à la fois", REPONSE_MAX};
+      }
     }
     return reponses;
   }

@@ -28,7 +28,7 @@ constexpr Veille::Cle PREMIERE_CONNEXION = 3;
 // Keys of processes: no number of connections reaches them.
 constexpr Veille::Cle PREMIER_OUVRIER = Veille::Cle{1} << 62U;
 
-constexpr std::size_t MEMOIRE_MAX = 256U << 20U;  // of all the bodies at once
+constexpr std::size_t MEMOIRE_MAX = 256U << 20U;  // of all that is received and answered at once
 constexpr milliseconds TOUR{100};
 constexpr seconds OISIVETE{60};       // of a connection between two requests
 constexpr seconds TETE_COMPLETE{10};  // from the first byte of a head to its last
@@ -220,7 +220,7 @@ bool Service::faireDeLaPlace() {
 void Service::fermer(Cle cle) {
   const auto trouvee = connexions_.find(cle);
   if (trouvee != connexions_.end()) {
-    promis_ -= trouvee->second.corps;
+    memoire_ -= trouvee->second.memoire;
     connexions_.erase(trouvee);
   }
 }
@@ -294,7 +294,7 @@ bool Service::admettre(Cle cle, Connexion& connexion) {
   connexion.fermer = arret_ || tete.fermeture() || tete.methode == "HEAD";
   std::size_t corps = 0;
   std::optional<Refus> refus = refuser(tete, connexion.adresse, options_, corps);
-  if (!refus && promis_ + corps > MEMOIRE_MAX) {
+  if (!refus && memoire_ + corps > MEMOIRE_MAX) {
     refus = Refus{503, "trop de grandes demandes à la fois"};
   }
   connexion.tete = std::move(tete);
@@ -303,7 +303,8 @@ bool Service::admettre(Cle cle, Connexion& connexion) {
     return false;
   }
   connexion.corps = corps;
-  promis_ += corps;
+  connexion.memoire = corps;
+  memoire_ += corps;
   connexion.echeance = maintenant() + seconds(options_.delai);
   const std::string* const attente = connexion.tete->champ("expect");
   if (attente != nullptr && connexion.recu.size() == connexion.tete->taille) {
@@ -349,6 +350,8 @@ void Service::livrer(Cle cle, std::string reponse) {
 
 void Service::repondre(Cle cle, Connexion& connexion, std::string reponse) {
   ++reponses_;
+  connexion.memoire += reponse.size();
+  memoire_ += reponse.size();
   connexion.envoi = std::move(reponse);
   connexion.envoyes = 0;
   connexion.etat = Etat::ECRIT;
@@ -378,7 +381,8 @@ void Service::ecrire(Cle cle, Connexion& connexion) {
     connexion.envoyes += static_cast<std::size_t>(n);
   }
   connexion.envoi.clear();
-  promis_ -= std::exchange(connexion.corps, 0U);
+  memoire_ -= std::exchange(connexion.memoire, 0U);
+  connexion.corps = 0;
   connexion.tete.reset();
   veille_.changer(connexion.fd.numero(), cle, EPOLLIN);
   if (connexion.fermer || (arret_ && connexion.recu.empty())) {

@@ -39,6 +39,7 @@ class Service {
     std::string recu;
     std::optional<Tete> tete;  // of the request that is being received or answered
     std::size_t corps = 0;     // bytes of its body
+    std::size_t memoire = 0;   // bytes that it holds or will hold: body, then answer too
     std::string envoi;
     std::size_t envoyes = 0;
     bool fermer = false;
@@ -75,7 +76,7 @@ class Service {
   Connexions connexions_;
   Cle prochaine_;
   std::vector<Cle> aReprendre_;  // with the beginning of a next request in what was received
-  std::size_t promis_ = 0;       // bytes of bodies received or to be received
+  std::size_t memoire_ = 0;      // of all the connections
   std::size_t reponses_ = 0;
   std::size_t refus_ = 0;
   bool annonce_ = false;
