@@ -1,19 +1,30 @@
 // The TOML form of the model: for each kind of item, its keys and the members they fill. A member's type
 // tells what its key may hold.
+//
+// The keys of an item that is a line are the names of the line's fields: they are told here only where the
+// item holds a field in a form of its own, and where it holds what the line does not.
 #ifndef NOXLUX_COMPILATEUR_CLES_TOML_H
 #define NOXLUX_COMPILATEUR_CLES_TOML_H
 
 #include <tuple>
+#include <utility>
 
 #include "compilateur/modele.h"
+#include "tables/niveaux_champs.h"
 
 namespace noxlux::compilateur {
 
 template <class E, class T>
 struct Cle {
+  using Valeur = T;
   T E::*membre;
   const char* nom;
   bool obligatoire;
+
+  template <auto CHAMP>
+  static constexpr bool dit() {
+    return false;
+  }
 };
 
 template <class E, class T>
@@ -25,6 +36,104 @@ constexpr Cle<E, T> option(const char* nom, T E::*membre) {
   return {membre, nom, false};
 }
 
+namespace detail {
+
+template <auto GAUCHE, auto DROITE>
+constexpr bool estLeMeme() {
+  if constexpr (std::is_same_v<decltype(GAUCHE), decltype(DROITE)>) {
+    return GAUCHE == DROITE;
+  } else {
+    return false;
+  }
+}
+
+template <class M>
+struct Membre;
+template <class L, class T>
+struct Membre<T L::*> {
+  using Ligne = L;
+  using Valeur = T;
+};
+
+template <class L>
+constexpr auto champsDe() {
+  if constexpr (requires { L::champs(); }) {
+    return L::champs();
+  } else {
+    return ChampsDuNiveau<L>::liste();
+  }
+}
+
+template <class L>
+inline constexpr auto CHAMPS = champsDe<L>();
+template <class L>
+using Rangs = std::make_index_sequence<std::tuple_size_v<decltype(champsDe<L>())>>;
+
+template <auto CHAMP>
+constexpr NomChamp nomDe() {
+  using L = typename Membre<decltype(CHAMP)>::Ligne;
+  NomChamp nom(nullptr);
+  const auto chercher = [&]<std::size_t... I>(std::index_sequence<I...>) {
+    ((estLeMeme<CHAMP, std::get<I>(CHAMPS<L>).membre>() ? void(nom = std::get<I>(CHAMPS<L>).nom) : void()),
+     ...);
+  };
+  chercher(Rangs<L>{});
+  return nom;
+}
+
+}  // namespace detail
+
+// The key of a field of the line that the item holds in a form of its own.
+template <auto CHAMP_, class E, class T>
+struct Forme : Cle<E, T> {
+  static constexpr auto CHAMP = CHAMP_;
+
+  template <auto AUTRE>
+  static constexpr bool dit() {
+    return detail::estLeMeme<CHAMP, AUTRE>();
+  }
+};
+template <auto CHAMP, class E, class T>
+constexpr Forme<CHAMP, E, T> forme(T E::*membre) {
+  constexpr NomChamp NOM = detail::nomDe<CHAMP>();
+  static_assert(NOM.texte != nullptr, "a field that the line does not describe");
+  return {{membre, NOM.texte, NOM.obligatoire}};
+}
+
+namespace detail {
+
+// The key of the field of that rank; none where another one tells it.
+template <class L, std::size_t I, class... A>
+constexpr auto cleDuChamp() {
+  constexpr auto CHAMP = std::get<I>(CHAMPS<L>);
+  using T = typename Membre<decltype(CHAMP.membre)>::Valeur;
+  if constexpr ((A::template dit<CHAMP.membre>() || ...)) {
+    return std::tuple{};
+  } else {
+    static_assert(!EST_PLAGE<T>, "a run, whose lines nothing tells");
+    return std::tuple{Cle<L, T>{CHAMP.membre, CHAMP.nom.texte, CHAMP.nom.obligatoire}};
+  }
+}
+
+}  // namespace detail
+
+// The keys of an item that is a line: those of its fields, then the others.
+template <class E, class... A>
+constexpr auto cles(A... autres) {
+  using L = typename E::Ligne;
+  return [&]<std::size_t... I>(std::index_sequence<I...>) {
+    return std::tuple_cat(detail::cleDuChamp<L, I, A...>()..., std::tuple{autres...});
+  }
+  (detail::Rangs<L>{});
+}
+
+// The keys of an item that holds every field of a level in a form of its own.
+template <class E, class... F>
+constexpr auto niveau(F... formes) {
+  static_assert(sizeof...(F) == detail::Rangs<typename E::Ligne>::size(), "a field that nothing tells");
+  return std::tuple{formes...};
+}
+
 // The start and end of validity, before the other keys.
 template <class... C>
 constexpr auto dates(C... autres) {
@@ -33,6 +142,9 @@ constexpr auto dates(C... autres) {
 
 template <class E>
 inline constexpr auto CLES = nullptr;
+
+template <class L>
+inline constexpr auto CLES<ElementDe<L>> = cles<ElementDe<L>>();
 
 template <>
 inline constexpr auto CLES<Entete> = std::tuple{requis("version", &Entete::version),
@@ -45,140 +157,99 @@ inline constexpr auto CLES<Entete> = std::tuple{requis("version", &Entete::versi
 
 template <>
 inline constexpr auto CLES<AssociationActe> =
-    std::tuple{requis("acte", &AssociationActe::acte), requis("regle", &AssociationActe::regle)};
+    niveau<AssociationActe>(forme<&Association::acte>(&AssociationActe::acte),
+                            forme<&Association::regleTarifaire>(&AssociationActe::regle));
 
 template <>
 inline constexpr auto CLES<HistoriquePhase> =
-    std::tuple{requis("effet", &HistoriquePhase::effet), requis("prix", &HistoriquePhase::prix),
-               option("supplement", &HistoriquePhase::supplement), option("dom", &HistoriquePhase::dom)};
+    niveau<HistoriquePhase>(forme<&HistoriqueNiveauPhase::dateEffet>(&HistoriquePhase::effet),
+                            forme<&HistoriqueNiveauPhase::prixUnitaire>(&HistoriquePhase::prix),
+                            forme<&HistoriqueNiveauPhase::supplementCharges>(&HistoriquePhase::supplement),
+                            forme<&HistoriqueNiveauPhase::majorationsDOM>(&HistoriquePhase::dom));
 
 template <>
-inline constexpr auto CLES<Phase> = std::tuple{requis("code", &Phase::code),
-                                               option("nombre_dents", &Phase::nombreDents),
-                                               option("age_minimum", &Phase::ageMinimum),
-                                               option("age_maximum", &Phase::ageMaximum),
-                                               option("dents_incompatibles", &Phase::dentsIncompatibles),
-                                               requis("historique", &Phase::historiques)};
+inline constexpr auto CLES<Phase> = niveau<Phase>(
+    forme<&NiveauPhase::codePhase>(&Phase::code), forme<&NiveauPhase::nombreDents>(&Phase::nombreDents),
+    forme<&NiveauPhase::ageMinimum>(&Phase::ageMinimum), forme<&NiveauPhase::ageMaximum>(&Phase::ageMaximum),
+    forme<&NiveauPhase::dentsIncompatibles>(&Phase::dentsIncompatibles),
+    forme<&NiveauPhase::historiques>(&Phase::historiques));
 
 template <>
-inline constexpr auto CLES<HistoriqueActivite> =
-    std::tuple{requis("effet", &HistoriqueActivite::effet),
-               option("categorie_medicale", &HistoriqueActivite::categorieMedicale),
-               option("regroupement", &HistoriqueActivite::regroupement),
-               option("modificateurs", &HistoriqueActivite::modificateurs),
-               option("classes_specialite", &HistoriqueActivite::classesSpecialite),
-               option("associations", &HistoriqueActivite::associations)};
+inline constexpr auto CLES<HistoriqueActivite> = niveau<HistoriqueActivite>(
+    forme<&HistoriqueNiveauActivite::dateEffet>(&HistoriqueActivite::effet),
+    forme<&HistoriqueNiveauActivite::categorieMedicale>(&HistoriqueActivite::categorieMedicale),
+    forme<&HistoriqueNiveauActivite::codeRegroupement>(&HistoriqueActivite::regroupement),
+    forme<&HistoriqueNiveauActivite::modificateurs>(&HistoriqueActivite::modificateurs),
+    forme<&HistoriqueNiveauActivite::classesSpecialites>(&HistoriqueActivite::classesSpecialite),
+    forme<&HistoriqueNiveauActivite::associations>(&HistoriqueActivite::associations));
 
 template <>
-inline constexpr auto CLES<Activite> = std::tuple{requis("code", &Activite::code),
-                                                  option("agrements_radio", &Activite::agrementsRadio),
-                                                  option("rmo", &Activite::rmo),
-                                                  option("extensions", &Activite::extensions),
-                                                  requis("historique", &Activite::historiques),
-                                                  requis("phase", &Activite::phases)};
+inline constexpr auto CLES<Activite> =
+    niveau<Activite>(forme<&NiveauActivite::codeActivite>(&Activite::code),
+                     forme<&NiveauActivite::agrementsRadio>(&Activite::agrementsRadio),
+                     forme<&NiveauActivite::rmo>(&Activite::rmo),
+                     forme<&NiveauActivite::extensionsDocumentaires>(&Activite::extensions),
+                     forme<&NiveauActivite::historiques>(&Activite::historiques),
+                     forme<&NiveauActivite::phases>(&Activite::phases));
 
 template <>
 inline constexpr auto CLES<HistoriqueActe> =
-    std::tuple{requis("effet", &HistoriqueActe::effet),
-               requis("admission", &HistoriqueActe::admission),
-               option("entente_prealable", &HistoriqueActe::ententePrealable),
-               option("exonerations", &HistoriqueActe::exonerations),
-               option("procedures", &HistoriqueActe::procedures),
-               option("incompatibles", &HistoriqueActe::incompatibles)};
+    niveau<HistoriqueActe>(forme<&HistoriqueNiveauActe::dateEffet>(&HistoriqueActe::effet),
+                           forme<&HistoriqueNiveauActe::admissionRemboursement>(&HistoriqueActe::admission),
+                           forme<&HistoriqueNiveauActe::ententePrealable>(&HistoriqueActe::ententePrealable),
+                           forme<&HistoriqueNiveauActe::exonerationsTM>(&HistoriqueActe::exonerations),
+                           forme<&HistoriqueNiveauActe::procedures>(&HistoriqueActe::procedures),
+                           forme<&HistoriqueNiveauActe::incompatibilites>(&HistoriqueActe::incompatibles));
 
 template <>
-inline constexpr auto CLES<Acte> = std::tuple{requis("code", &Acte::code),
-                                              requis("libelle_court", &Acte::libelleCourt),
-                                              requis("libelle_long", &Acte::libelleLong),
-                                              requis("type", &Acte::type),
-                                              option("conditions", &Acte::conditions),
-                                              option("notes", &Acte::notes),
-                                              option("sexe", &Acte::sexe),
-                                              requis("menu", &Acte::menu),
-                                              requis("creation", &Acte::creation),
-                                              option("fin", &Acte::fin),
-                                              option("frais_deplacement", &Acte::fraisDeplacement),
-                                              option("natures_assurance", &Acte::naturesAssurance),
-                                              requis("historique", &Acte::historiques),
-                                              requis("activite", &Acte::activites)};
+inline constexpr auto CLES<Acte> = niveau<Acte>(
+    forme<&NiveauActe::codeStructure>(&Acte::code), forme<&NiveauActe::libelleCourt>(&Acte::libelleCourt),
+    forme<&NiveauActe::libelleLong>(&Acte::libelleLong), forme<&NiveauActe::typeActe>(&Acte::type),
+    forme<&NiveauActe::conditionsGenerales>(&Acte::conditions), forme<&NiveauActe::notes>(&Acte::notes),
+    forme<&NiveauActe::sexeCompatible>(&Acte::sexe), forme<&NiveauActe::codeMenu>(&Acte::menu),
+    forme<&NiveauActe::dateCreation>(&Acte::creation), forme<&NiveauActe::dateFin>(&Acte::fin),
+    forme<&NiveauActe::fraisDeplacement>(&Acte::fraisDeplacement),
+    forme<&NiveauActe::naturesAssurance>(&Acte::naturesAssurance),
+    forme<&NiveauActe::historiques>(&Acte::historiques), forme<&NiveauActe::activites>(&Acte::activites));
 
 template <>
-inline constexpr auto CLES<Menu> = std::tuple{requis("code", &Menu::code), requis("libelle", &Menu::libelle),
-                                              option("pere", &Menu::pere), option("notes", &Menu::notes)};
+inline constexpr auto CLES<Menu> = cles<Menu>(forme<&Arborescence::libelle>(&Menu::libelle),
+                                              forme<&Arborescence::notes>(&Menu::notes));
 
 template <>
-inline constexpr auto CLES<AgeModificateur> = dates(option("minimum", &AgeModificateur::minimum),
-                                                    option("unite_minimum", &AgeModificateur::uniteMinimum),
-                                                    option("maximum", &AgeModificateur::maximum),
-                                                    option("unite_maximum", &AgeModificateur::uniteMaximum));
+inline constexpr auto CLES<CoherenceModificateur> = cles<CoherenceModificateur>(
+    forme<&HistoriqueCoherenceModificateur::topControleCoherence>(&CoherenceModificateur::controle),
+    forme<&HistoriqueCoherenceModificateur::topPresenceMultiple>(&CoherenceModificateur::presenceMultiple));
 
 template <>
-inline constexpr auto CLES<CodeModificateurDate> = dates(requis("code", &CodeModificateurDate::code));
-
-template <>
-inline constexpr auto CLES<CoherenceModificateur> =
-    dates(requis("controle", &CoherenceModificateur::controle),
-          requis("presence_multiple", &CoherenceModificateur::presenceMultiple));
-
-template <>
-inline constexpr auto CLES<ForfaitEtTaux> = dates(option("forfait", &ForfaitEtTaux::forfait),
-                                                  option("coefficient", &ForfaitEtTaux::coefficient));
-
-template <>
-inline constexpr auto CLES<ModificateurActe> =
-    std::tuple{requis("code", &ModificateurActe::code),
-               requis("libelle", &ModificateurActe::libelle),
-               option("activites", &ModificateurActe::activites),
-               option("ages", &ModificateurActe::ages),
-               option("compatibles", &ModificateurActe::compatibles),
-               option("coherences", &ModificateurActe::coherences),
-               option("valeurs", &ModificateurActe::valeurs),
-               option("oc", &ModificateurActe::oc)};
-
-template <>
-inline constexpr auto CLES<ClasseDate> = dates(requis("classe", &ClasseDate::classe));
+inline constexpr auto CLES<ModificateurActe> = cles<ModificateurActe>(
+    requis("libelle", &ModificateurActe::libelle), option("activites", &ModificateurActe::activites),
+    forme<&Modificateur::ages>(&ModificateurActe::ages),
+    forme<&Modificateur::compatibles>(&ModificateurActe::compatibles),
+    forme<&Modificateur::coherences>(&ModificateurActe::coherences),
+    forme<&Modificateur::valeurs>(&ModificateurActe::valeurs),
+    forme<&Modificateur::oc>(&ModificateurActe::oc));
 
 template <>
 inline constexpr auto CLES<SpecialitePS> =
-    std::tuple{requis("code", &SpecialitePS::code), option("libelle", &SpecialitePS::libelle),
-               option("profil", &SpecialitePS::profil), option("historiques", &SpecialitePS::historiques)};
+    cles<SpecialitePS>(option("libelle", &SpecialitePS::libelle), option("profil", &SpecialitePS::profil),
+                       forme<&Specialite::historiques>(&SpecialitePS::historiques));
+
+template <class L, class H>
+inline constexpr auto CLES<CodeACoefficients<L, H>> =
+    cles<CodeACoefficients<L, H>>(option("libelle", &CodeACoefficients<L, H>::libelle),
+                                  forme<&L::historiques>(&CodeACoefficients<L, H>::historiques));
 
 template <>
-inline constexpr auto CLES<CoefficientDate> = dates(requis("coefficient", &CoefficientDate::coefficient));
+inline constexpr auto CLES<Caisse> = cles<Caisse>(option("libelle", &Caisse::libelle),
+                                                  forme<&JourFerieCaisse::jours>(&Caisse::jours));
 
 template <>
-inline constexpr auto CLES<CodeACoefficients> =
-    std::tuple{requis("code", &CodeACoefficients::code), option("libelle", &CodeACoefficients::libelle),
-               requis("historiques", &CodeACoefficients::historiques)};
+inline constexpr auto CLES<Regroupement> = cles<Regroupement>(requis("libelle", &Regroupement::libelle));
 
 template <>
-inline constexpr auto CLES<SeuilDate> = dates(requis("metropole", &SeuilDate::metropole),
-                                              requis("antilles", &SeuilDate::antilles),
-                                              requis("reunion", &SeuilDate::reunion),
-                                              requis("guyane", &SeuilDate::guyane));
-
-template <>
-inline constexpr auto CLES<JourFerie> = dates(requis("jour", &JourFerie::jour),
-                                              option("type", &JourFerie::type));
-
-template <>
-inline constexpr auto CLES<Caisse> = std::tuple{
-    requis("code", &Caisse::code), option("libelle", &Caisse::libelle), option("jours", &Caisse::jours)};
-
-template <>
-inline constexpr auto CLES<Regroupement> = dates(requis("code", &Regroupement::code),
-                                                 requis("libelle", &Regroupement::libelle));
-
-template <>
-inline constexpr auto CLES<NombreDate> = dates(requis("nombre", &NombreDate::nombre));
-
-template <>
-inline constexpr auto CLES<SpecialiteObligee> =
-    std::tuple{requis("code", &SpecialiteObligee::code), requis("date", &SpecialiteObligee::date)};
-
-template <>
-inline constexpr auto CLES<Obligation> = std::tuple{requis("prestation", &Obligation::prestation),
-                                                    requis("specialites", &Obligation::specialites)};
+inline constexpr auto CLES<Obligation> =
+    cles<Obligation>(forme<&ObligationCodage::specialites>(&Obligation::specialites));
 
 template <>
 inline constexpr auto CLES<Recherche> = std::tuple{option("mots_vides", &Recherche::motsVides),
@@ -189,57 +260,48 @@ inline constexpr auto CLES<SynonymesDeMot> =
     std::tuple{requis("mot", &SynonymesDeMot::mot), requis("synonymes", &SynonymesDeMot::synonymes)};
 
 template <>
-inline constexpr auto CLES<ValeurDeCode> =
-    std::tuple{requis("code", &ValeurDeCode::code), requis("libelle", &ValeurDeCode::libelle)};
+inline constexpr auto CLES<ValeurDeCode> = niveau<ValeurDeCode>(
+    forme<&LibelleCode::code>(&ValeurDeCode::code), forme<&LibelleCode::libelle>(&ValeurDeCode::libelle));
 
 template <>
-inline constexpr auto CLES<TableDeCodes> =
-    std::tuple{requis("numero", &TableDeCodes::numero), option("nom", &TableDeCodes::nom),
-               requis("valeurs", &TableDeCodes::valeurs)};
+inline constexpr auto CLES<TableDeCodes> = cles<TableDeCodes>(requis("numero", &TableDeCodes::numero),
+                                                              option("nom", &TableDeCodes::nom),
+                                                              forme<&Codes::valeurs>(&TableDeCodes::valeurs));
 
 template <>
-inline constexpr auto CLES<ValeursDate> = dates(requis("valeurs", &ValeursDate::valeurs));
+inline constexpr auto CLES<ValeursDate> =
+    cles<ValeursDate>(forme<&HistoriqueConceptCCAM::valeurs>(&ValeursDate::valeurs));
 
 template <>
-inline constexpr auto CLES<Concept> =
-    std::tuple{requis("numero", &Concept::numero), option("libelle", &Concept::libelle),
-               requis("historiques", &Concept::historiques)};
+inline constexpr auto CLES<Concept> = cles<Concept>(requis("numero", &Concept::numero),
+                                                    option("libelle", &Concept::libelle),
+                                                    forme<&ConceptCCAM::historiques>(&Concept::historiques));
 
 template <>
-inline constexpr auto CLES<Regle> =
-    std::tuple{requis("identifiant", &Regle::identifiant), requis("reference", &Regle::reference),
-               requis("libelle", &Regle::libelle),         option("detail", &Regle::detail),
-               option("arguments", &Regle::arguments),     requis("niveau", &Regle::niveau),
-               option("forcage", &Regle::forcage),         option("non_verifiables", &Regle::nonVerifiables)};
+inline constexpr auto CLES<Regle> = cles<Regle>(option("arguments", &Regle::arguments),
+                                                option("non_verifiables", &Regle::nonVerifiables));
 
 template <>
 inline constexpr auto CLES<NonVerifiable> =
     std::tuple{requis("apres", &NonVerifiable::apres), requis("regles", &NonVerifiable::regles)};
 
 template <>
-inline constexpr auto CLES<PrioriteForcage> = std::tuple{requis("indicateur", &PrioriteForcage::indicateur),
-                                                         requis("priorite", &PrioriteForcage::priorite)};
+inline constexpr auto CLES<ExceptionForcage> = cles<ExceptionForcage>(requis("indicateur",
+                                                                             &ExceptionForcage::indicateur));
 
 template <>
-inline constexpr auto CLES<ExceptionForcage> = std::tuple{requis("indicateur", &ExceptionForcage::indicateur),
-                                                          requis("present", &ExceptionForcage::present),
-                                                          requis("resultat", &ExceptionForcage::resultat)};
+inline constexpr auto CLES<Service> = cles<Service>(forme<&ServiceDebrayable::regles>(&Service::regles));
 
 template <>
-inline constexpr auto CLES<Service> =
-    std::tuple{requis("identifiant", &Service::identifiant), requis("regles", &Service::regles)};
-
-template <>
-inline constexpr auto CLES<ChampZone> =
-    std::tuple{requis("nom", &ChampZone::nom),         option("format", &ChampZone::format),
-               requis("type", &ChampZone::type),       option("min", &ChampZone::min),
-               option("max", &ChampZone::max),         option("valeurs", &ChampZone::valeurs),
-               option("libelle", &ChampZone::libelle), option("repete", &ChampZone::repete)};
+inline constexpr auto CLES<ChampZone> = cles<ChampZone>(requis("nom", &ChampZone::nom),
+                                                        forme<&DescriptifChamp::valeurs>(&ChampZone::valeurs),
+                                                        option("libelle", &ChampZone::libelle),
+                                                        option("repete", &ChampZone::repete));
 
 template <>
 inline constexpr auto CLES<GroupeZone> =
-    std::tuple{requis("numero", &GroupeZone::numero), requis("nom", &GroupeZone::nom),
-               option("libelle", &GroupeZone::libelle), requis("champs", &GroupeZone::champs)};
+    cles<GroupeZone>(requis("nom", &GroupeZone::nom), option("libelle", &GroupeZone::libelle),
+                     forme<&DescriptifGroupe::listeChamps>(&GroupeZone::champs));
 
 template <>
 inline constexpr auto CLES<FilsZone> =

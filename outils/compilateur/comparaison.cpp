@@ -207,7 +207,7 @@ CodeRetour lireValeurs(const FichierReference& fichier, ValeursModificateurs& va
   for (const Modificateur& modificateur : modificateurs) {
     const std::size_t fin = std::size_t{modificateur.valeurs.premiere} + modificateur.valeurs.nombre;
     for (std::size_t i = modificateur.valeurs.premiere; i < std::min(fin, historiques.size()); ++i) {
-      valeurs[enTexte(modificateur.code)][historiques[i].dateDebut] = historiques[i];
+      valeurs[enTexte(modificateur.code)][historiques[i].debut] = historiques[i];
     }
   }
   return cr;
@@ -220,7 +220,7 @@ JsonOrdonne valeurAu(const std::map<DateBrute, HistoriqueValeurModificateur>& va
     return nullptr;
   }
   const HistoriqueValeurModificateur& valeur = std::prev(suivante)->second;
-  if (!valeur.dateFin.estNulle() && valeur.dateFin < date) {
+  if (!valeur.fin.estNulle() && valeur.fin < date) {
     return nullptr;
   }
   return {{"forfait", valeur.forfait}, {"coefficient", valeur.coefficient}};
@@ -263,8 +263,8 @@ CodeRetour nommer(const FichierReference& fichier, F&& nom, std::set<std::string
 }
 
 std::string decrire(const Seuil& seuil) {
-  std::string texte = phrase("du ", jour(seuil.dateDebut),
-                             seuil.dateFin.estNulle() ? "" : phrase(" au ", jour(seuil.dateFin)), " :");
+  std::string texte =
+      phrase("du ", jour(seuil.debut), seuil.fin.estNulle() ? "" : phrase(" au ", jour(seuil.fin)), " :");
   for (const double montant : {seuil.metropole, seuil.antilles, seuil.reunion, seuil.guyane}) {
     char nombre[32];
     std::snprintf(nombre, sizeof nombre, " %.2f", montant);

@@ -16,8 +16,8 @@ constexpr DateBrute DEBUT_DE_LA_CCAM{2005, 3, 25};
 constexpr unsigned DERNIERE_COLONNE = 2;  // grids 1 and 2 are the columns of the listing
 constexpr std::string_view TOUS = "*";
 
-template <class E, class K, class M>
-E* trouver(std::vector<E>& elements, M E::*membre, const K& cle) {
+template <class E, class K, class L, class M>
+E* trouver(std::vector<E>& elements, M L::*membre, const K& cle) {
   const auto trouve =
       std::find_if(elements.begin(), elements.end(), [&](const E& e) { return e.*membre == cle; });
   return trouve == elements.end() ? nullptr : &*trouve;
@@ -265,6 +265,16 @@ ForfaitEtTaux tarif(const ValeurDeModificateur& valeur, const DateBrute& debut) 
   return resultat;
 }
 
+// A new item of a list, of the place and the period of what tells it.
+template <class E>
+E& ajouterDurant(const ElementDate& dit, std::vector<E>& elements) {
+  E& element = elements.emplace_back();
+  element.lieu = dit.lieu;
+  element.debut = dit.debut;
+  element.fin = dit.fin;
+  return element;
+}
+
 }  // namespace
 
 void rassembler(Modele& modele, BilanImport& bilan) {
@@ -275,9 +285,7 @@ void rassembler(Modele& modele, BilanImport& bilan) {
       continue;
     }
     for (const char autre : dite.avec) {
-      CodeModificateurDate& compatible = modificateur->compatibles.emplace_back();
-      static_cast<ElementDate&>(compatible) = dite;
-      compatible.code = autre;
+      ajouterDurant(dite, modificateur->compatibles).code = autre;
     }
   }
   for (const JourDeCaisses& dit : modele.joursFeries) {
@@ -287,9 +295,7 @@ void rassembler(Modele& modele, BilanImport& bilan) {
         bilan.prevenir("jour férié d'une caisse inconnue", dit.lieu, enTexte(code));
         continue;
       }
-      JourFerie& jour = caisse->jours.emplace_back();
-      static_cast<ElementDate&>(jour) = dit;
-      jour.jour = dit.jour;
+      ajouterDurant(dit, caisse->jours).jour = dit.jour;
     }
   }
   modele.compatibilites.clear();

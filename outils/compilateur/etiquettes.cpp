@@ -15,7 +15,7 @@ Etiquettes::Etiquettes(const Modele& modele, Rapport& rapport) {
   for (const ModificateurActe& modificateur : modele.modificateurs) {
     ajouter(CODES_MODIFICATEUR, {&modificateur.code, 1}, modificateur.libelle, modificateur.lieu, rapport);
   }
-  for (const CodeACoefficients& association : modele.associationsNonPrevues) {
+  for (const CodeAssociation& association : modele.associationsNonPrevues) {
     ajouter(CODES_ASSOCIATION, {&association.code, 1}, association.libelle, association.lieu, rapport);
   }
   // A grouping code has one line for each period: the newest one gives the label.

@@ -177,7 +177,7 @@ void remplacerModificateurs(std::vector<ModificateurActe>& importes, std::vector
   garderListe(importes, modele, &ModificateurActe::coherences);
   garderListe(importes, modele, &ModificateurActe::oc);
   for (ModificateurActe& modificateur : importes) {
-    std::erase_if(modificateur.compatibles, [&](const CodeModificateurDate& compatible) {
+    std::erase_if(modificateur.compatibles, [&](const Compatibilite& compatible) {
       return trouver(importes, compatible.code) == nullptr;
     });
   }

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "basics/systeme.h"
+#include "compilateur/cles_toml.h"
 #include "compilateur/mots_cles.h"
 #include "compilateur/periodes.h"
 #include "types/date.h"
@@ -18,29 +19,88 @@ namespace {
 constexpr std::uint16_t AUCUNE_POSITION = 65535;
 constexpr std::uint16_t NOMBRE_CONCEPTS = 20;
 
-// The elements in ascending order of a key; equal keys keep the order of the sources.
-template <class E, class C>
-std::vector<const E*> trier(const std::vector<E>& elements, C cle) {
+// What a key compares by.
+std::string_view comparable(const TexteVariable& valeur) { return valeur.vue(); }
+template <class T>
+const T& comparable(const T& valeur) {
+  return valeur;
+}
+
+template <class E, class F>
+std::vector<const E*> trier(const std::vector<E>& elements, F&& precede) {
   std::vector<const E*> ordre;
   ordre.reserve(elements.size());
   for (const E& element : elements) {
     ordre.push_back(&element);
   }
-  std::stable_sort(ordre.begin(), ordre.end(), [&](const E* gauche, const E* droite) {
-    return std::invoke(cle, *gauche) < std::invoke(cle, *droite);
-  });
+  std::stable_sort(ordre.begin(), ordre.end(), [&](const E* g, const E* d) { return precede(*g, *d); });
   return ordre;
 }
 
-// Dated lines, the newest first: the library takes the first for the current one, which local changes follow.
+// The rank of the key "debut" or "effet" among the first two; 2 when neither is one.
 template <class E>
-std::vector<const E*> parDate(const std::vector<E>& elements) {
-  std::vector<const E*> ordre = trier(elements, [](const E& element) { return element.debut; });
-  std::reverse(ordre.begin(), ordre.end());
-  return ordre;
+constexpr std::size_t rangDeLaDate() {
+  const auto estDate = [](std::string_view nom) { return nom == "debut" || nom == "effet"; };
+  return estDate(std::get<0>(CLES<E>).nom) ? 0 : estDate(std::get<1>(CLES<E>).nom) ? 1 : 2;
+}
+
+// Items as lines lie: in ascending order of their first key, then of the start of validity that follows it.
+// Those that begin with it lie the newest first: the library takes the first one for the current one, which
+// local changes follow.
+template <class E>
+std::vector<const E*> ordonner(const std::vector<E>& elements) {
+  constexpr auto PREMIERE = std::get<0>(CLES<E>).membre;
+  if constexpr (rangDeLaDate<E>() == 0) {
+    return trier(elements, [](const E& g, const E& d) { return d.*PREMIERE < g.*PREMIERE; });
+  } else if constexpr (rangDeLaDate<E>() == 1) {
+    constexpr auto SECONDE = std::get<1>(CLES<E>).membre;
+    return trier(elements, [](const E& g, const E& d) {
+      return std::tie(g.*PREMIERE, g.*SECONDE) < std::tie(d.*PREMIERE, d.*SECONDE);
+    });
+  } else {
+    return trier(elements,
+                 [](const E& g, const E& d) { return comparable(g.*PREMIERE) < comparable(d.*PREMIERE); });
+  }
 }
 
 TexteVariable texte(std::string_view valeur) { return TexteVariable(valeur); }
+
+// What an item holds in a form of its own, as its line or its level holds it.
+template <class T>
+void traduire(T& cible, const T& valeur) {
+  cible = valeur;
+}
+void traduire(TexteVariable& cible, const std::string& valeur) { cible = texte(valeur); }
+void traduire(char& cible, bool valeur) { cible = valeur ? 'O' : 'N'; }
+template <class T>
+void traduire(ListeCompacte<T>& cible, const std::vector<T>& valeurs) {
+  cible = ListeCompacte<T>(std::span<const T>(valeurs));
+}
+
+template <class E>
+typename E::Ligne niveauDe(const E& element);
+
+void traduire(ListeCompacte<Association>& cible, const std::vector<AssociationActe>& elements) {
+  std::vector<Association> associations;
+  std::transform(elements.begin(), elements.end(), std::back_inserter(associations),
+                 niveauDe<AssociationActe>);
+  traduire(cible, associations);
+}
+// Histories and levels below alike.
+template <class N, class E>
+requires std::is_same_v<typename N::value_type, typename E::Ligne>
+void traduire(N& niveaux, const std::vector<E>& elements) {
+  for (const E* element : ordonner(elements)) {
+    niveaux.push_back(niveauDe(*element));
+  }
+}
+
+template <class E>
+typename E::Ligne niveauDe(const E& element) {
+  typename E::Ligne niveau;
+  std::apply([&](const auto&... f) { (traduire(niveau.*(f.CHAMP), element.*(f.membre)), ...); }, CLES<E>);
+  return niveau;
+}
 
 // Order of the families in the descriptor table, and the codes that mark them.
 struct Famille {
@@ -57,25 +117,26 @@ class Generateur {
 
   TablesReference generer() {
     genererIndex();
-    genererMenus();
-    genererCoefficients<AssociationNonPrevue>(modele_.associationsNonPrevues);
-    genererCoefficients<RegleTarifaire>(modele_.reglesTarifaires);
-    genererSpecialites();
+    ajouter(modele_.menus);
+    ajouter(modele_.associationsNonPrevues);
+    ajouter(modele_.reglesTarifaires);
+    ajouter(modele_.specialites);
     genererClasses();
-    genererSeuils();
-    genererCaisses();
-    genererRegroupements();
-    genererReductions();
-    genererObligations();
-    genererNombres<NombreModificateurTarifant>(modele_.nombresModificateursTarifants);
-    genererNombres<NombreModificateurTransmissible>(modele_.nombresModificateursTransmissibles);
-    genererNombres<NombreActeAssociation>(modele_.nombresActesAssociation);
-    genererModificateurs();
+    ajouter(modele_.seuils);
+    ajouter(modele_.caisses);
+    ajouter(modele_.regroupements);
+    ajouter(modele_.reductionsNonConventionne);
+    ajouter(modele_.obligations);
+    ajouter(modele_.nombresModificateursTarifants);
+    ajouter(modele_.nombresModificateursTransmissibles);
+    ajouter(modele_.nombresActesAssociation);
+    ajouter(modele_.modificateurs);
     genererCodes();
     genererConcepts();
     genererRegles();
-    genererForcages();
-    genererServices();
+    ajouter(modele_.prioritesForcage);
+    genererExceptions();
+    ajouter(modele_.services);
     genererGroupes();
     genererSuperGroupes();
     genererMotsCles(modele_, tables_, rapport_);
@@ -110,42 +171,68 @@ class Generateur {
     }
   }
 
+  // The line of an item, after the lines that its runs point to.
+  template <class E>
+  typename E::Ligne ligneDe(const E& element) {
+    typename E::Ligne ligne = element;
+    const auto remplacer = [&](const auto& cle) {
+      if constexpr (requires { cle.CHAMP; }) {
+        remplirChamp(ligne.*(cle.CHAMP), element.*(cle.membre), element.lieu);
+      }
+    };
+    std::apply([&](const auto&... cle) { (remplacer(cle), ...); }, CLES<E>);
+    return ligne;
+  }
+
+  template <class T, class V>
+  void remplirChamp(T& champ, const V& valeur, Lieu /*lieu*/) {
+    traduire(champ, valeur);
+  }
+  template <unsigned CIBLE, class P, class E>
+  void remplirChamp(Plage<CIBLE, P>& plage, const std::vector<E>& elements, Lieu lieu) {
+    remplir(plage, lieu, [&](auto& cible) {
+      for (const E* element : ordonner(elements)) {
+        cible.push_back(ligneDe(*element));
+      }
+    });
+  }
+  template <unsigned CIBLE, class P>
+  void remplirChamp(Plage<CIBLE, P>& plage, const std::vector<std::string>& textes, Lieu lieu) {
+    remplir(plage, lieu, [&](auto& cible) {
+      for (const std::string& valeur : textes) {
+        cible.push_back({texte(valeur)});
+      }
+    });
+  }
+  // Rules are named by identifier in the model, by reference where the library compares references.
+  template <unsigned CIBLE, class P>
+  void remplirChamp(Plage<CIBLE, P>& plage, const std::vector<CodeFixe<9>>& regles, Lieu lieu) {
+    remplir(plage, lieu, [&](auto& cible) {
+      for (const CodeFixe<9>& regle : regles) {
+        cible.push_back({references_.at(regle)});
+      }
+    });
+  }
+  // Fields of a zone keep the order of their sources.
+  template <unsigned CIBLE, class P>
+  void remplirChamp(Plage<CIBLE, P>& plage, const std::vector<ChampZone>& champs, Lieu lieu) {
+    remplir(plage, lieu, [&](auto& cible) {
+      for (const ChampZone& champ : champs) {
+        cible.push_back(ligneDe(champ));
+      }
+    });
+  }
+
+  template <class E>
+  void ajouter(const std::vector<E>& elements) {
+    for (const E* element : ordonner(elements)) {
+      lignes<typename E::Ligne>().push_back(ligneDe(*element));
+    }
+  }
+
   void genererIndex() {
-    for (const Acte* acte : trier(modele_.actes, &Acte::code)) {
+    for (const Acte* acte : ordonner(modele_.actes)) {
       lignes<Index>().push_back({acte->code, 0});
-    }
-  }
-
-  void genererMenus() {
-    for (const Menu* menu : trier(modele_.menus, &Menu::code)) {
-      lignes<Arborescence>().push_back({menu->code, texte(menu->libelle), menu->pere, texte(menu->notes)});
-    }
-  }
-
-  template <class L>
-  void genererCoefficients(const std::vector<CodeACoefficients>& codes) {
-    for (const CodeACoefficients* code : trier(codes, &CodeACoefficients::code)) {
-      L ligne;
-      ligne.code = code->code;
-      remplir(ligne.historiques, code->lieu, [&](auto& cible) {
-        for (const CoefficientDate* h : parDate(code->historiques)) {
-          cible.push_back({h->debut, h->fin, h->coefficient});
-        }
-      });
-      lignes<L>().push_back(ligne);
-    }
-  }
-
-  void genererSpecialites() {
-    for (const SpecialitePS* specialite : trier(modele_.specialites, &SpecialitePS::code)) {
-      Specialite ligne;
-      ligne.code = specialite->code;
-      remplir(ligne.historiques, specialite->lieu, [&](auto& cible) {
-        for (const ClasseDate* h : parDate(specialite->historiques)) {
-          cible.push_back({h->debut, h->fin, h->classe});
-        }
-      });
-      lignes<Specialite>().push_back(ligne);
     }
   }
 
@@ -155,9 +242,10 @@ class Generateur {
       CodeFixe<2> specialite;
     };
     std::map<CodeFixe<2>, std::vector<Membre>> classes;
-    for (const SpecialitePS* specialite : trier(modele_.specialites, &SpecialitePS::code)) {
+    for (const SpecialitePS* specialite : ordonner(modele_.specialites)) {
       for (const ClasseDate& historique : specialite->historiques) {
-        classes[historique.classe].push_back({historique, specialite->code});
+        classes[historique.classe].push_back(
+            {{{historique.lieu}, historique.debut, historique.fin}, specialite->code});
       }
     }
     for (const auto& classe : classes) {
@@ -167,8 +255,8 @@ class Generateur {
       remplir(ligne.historiques, membres.front().lieu, [&](auto& cible) {
         for (const ElementDate& intervalle : intervalles(membres)) {
           HistoriqueClasseSpecialite h;
-          h.dateDebut = intervalle.debut;
-          h.dateFin = intervalle.fin;
+          h.debut = intervalle.debut;
+          h.fin = intervalle.fin;
           remplir(h.specialites, membres.front().lieu, [&](auto& specialites) {
             for (const Membre& membre : membres) {
               if (couvre(membre, intervalle.debut)) {
@@ -180,92 +268,6 @@ class Generateur {
         }
       });
       lignes<ClasseSpecialite>().push_back(ligne);
-    }
-  }
-
-  void genererSeuils() {
-    for (const SeuilDate* s : parDate(modele_.seuils)) {
-      lignes<Seuil>().push_back({s->debut, s->fin, s->metropole, s->antilles, s->reunion, s->guyane});
-    }
-  }
-
-  void genererCaisses() {
-    for (const Caisse* caisse : trier(modele_.caisses, &Caisse::code)) {
-      JourFerieCaisse ligne;
-      ligne.caisse = caisse->code;
-      remplir(ligne.jours, caisse->lieu, [&](auto& cible) {
-        for (const JourFerie* jour : trier(caisse->jours, &JourFerie::jour)) {
-          cible.push_back({jour->jour, jour->type, jour->debut, jour->fin});
-        }
-      });
-      lignes<JourFerieCaisse>().push_back(ligne);
-    }
-  }
-
-  void genererRegroupements() {
-    const auto cle = [](const Regroupement& r) { return std::pair(r.code, r.debut); };
-    for (const Regroupement* r : trier(modele_.regroupements, cle)) {
-      lignes<CodeRegroupement>().push_back({r->code, r->debut, r->fin});
-    }
-  }
-
-  void genererReductions() {
-    for (const ForfaitEtTaux* r : parDate(modele_.reductionsNonConventionne)) {
-      lignes<ReductionNonConventionne>().push_back({r->debut, r->fin, r->forfait, r->coefficient});
-    }
-  }
-
-  void genererObligations() {
-    for (const Obligation* obligation : trier(modele_.obligations, &Obligation::prestation)) {
-      ObligationCodage ligne;
-      ligne.prestation = obligation->prestation;
-      remplir(ligne.specialites, obligation->lieu, [&](auto& cible) {
-        for (const SpecialiteObligee* s : trier(obligation->specialites, &SpecialiteObligee::code)) {
-          cible.push_back({s->code, s->date});
-        }
-      });
-      lignes<ObligationCodage>().push_back(ligne);
-    }
-  }
-
-  template <class L>
-  void genererNombres(const std::vector<NombreDate>& nombres) {
-    for (const NombreDate* n : parDate(nombres)) {
-      lignes<L>().push_back({n->debut, n->fin, n->nombre});
-    }
-  }
-
-  void genererModificateurs() {
-    for (const ModificateurActe* modificateur : trier(modele_.modificateurs, &ModificateurActe::code)) {
-      Modificateur ligne;
-      ligne.code = modificateur->code;
-      remplir(ligne.ages, modificateur->lieu, [&](auto& cible) {
-        for (const AgeModificateur* a : parDate(modificateur->ages)) {
-          cible.push_back({a->debut, a->fin, a->uniteMinimum, a->minimum, a->uniteMaximum, a->maximum});
-        }
-      });
-      remplir(ligne.compatibles, modificateur->lieu, [&](auto& cible) {
-        const auto cle = [](const CodeModificateurDate& c) { return std::pair(c.code, c.debut); };
-        for (const CodeModificateurDate* c : trier(modificateur->compatibles, cle)) {
-          cible.push_back({c->code, c->debut, c->fin});
-        }
-      });
-      remplir(ligne.coherences, modificateur->lieu, [&](auto& cible) {
-        for (const CoherenceModificateur* c : parDate(modificateur->coherences)) {
-          cible.push_back({c->debut, c->fin, c->controle ? 'O' : 'N', c->presenceMultiple ? 'O' : 'N'});
-        }
-      });
-      remplir(ligne.valeurs, modificateur->lieu, [&](auto& cible) {
-        for (const ForfaitEtTaux* v : parDate(modificateur->valeurs)) {
-          cible.push_back({v->debut, v->fin, v->forfait, v->coefficient});
-        }
-      });
-      remplir(ligne.modificateursOC, modificateur->lieu, [&](auto& cible) {
-        for (const CodeModificateurDate* c : parDate(modificateur->oc)) {
-          cible.push_back({c->debut, c->fin, c->code});
-        }
-      });
-      lignes<Modificateur>().push_back(ligne);
     }
   }
 
@@ -289,39 +291,18 @@ class Generateur {
       dernier = std::max(dernier, concept_.numero);
     }
     for (std::uint16_t numero = 1; numero <= dernier; ++numero) {
-      ConceptCCAM ligne;
       const auto trouve = concepts.find(numero);
-      if (trouve != concepts.end()) {
-        remplir(ligne.historiques, trouve->second->lieu,
-                [&](auto& cible) { genererHistoriquesConcept(*trouve->second, cible); });
-      }
-      lignes<ConceptCCAM>().push_back(ligne);
+      lignes<ConceptCCAM>().push_back(trouve == concepts.end() ? ConceptCCAM{} : ligneDe(*trouve->second));
     }
   }
 
-  void genererHistoriquesConcept(const Concept& concept_, std::vector<HistoriqueConceptCCAM>& cible) {
-    for (const ValeursDate* historique : parDate(concept_.historiques)) {
-      HistoriqueConceptCCAM h;
-      h.dateDebut = historique->debut;
-      h.dateFin = historique->fin;
-      remplir(h.valeurs, historique->lieu, [&](auto& valeurs) {
-        for (const std::string& valeur : historique->valeurs) {
-          valeurs.push_back({texte(valeur)});
-        }
-      });
-      cible.push_back(h);
-    }
-  }
-
-  // Rules are named by identifier in the model, by reference where the library compares references.
   void genererRegles() {
     std::map<CodeFixe<10>, std::set<CodeFixe<10>>> nonVerifiables;
     for (const Regle& regle : modele_.regles) {
       references_.emplace(regle.identifiant, regle.reference);
     }
-    for (const Regle* regle : trier(modele_.regles, &Regle::identifiant)) {
-      lignes<InformationRegle>().push_back({regle->identifiant, texte(regle->libelle), texte(regle->detail),
-                                            regle->niveau, regle->reference, regle->forcage});
+    for (const Regle* regle : ordonner(modele_.regles)) {
+      lignes<InformationRegle>().push_back(*regle);
       lignes<ReferenceCdC>().push_back({CodeFixe<10>(regle->identifiant.vue()), regle->reference});
       for (const CodeFixe<9>& autre : regle->nonVerifiables) {
         nonVerifiables[regle->reference].insert(references_.at(autre));
@@ -350,13 +331,10 @@ class Generateur {
     }
   }
 
-  void genererForcages() {
-    for (const PrioriteForcage* p : trier(modele_.prioritesForcage, &PrioriteForcage::indicateur)) {
-      lignes<PrioriteIndicateurForcage>().push_back({p->indicateur, p->priorite});
-    }
+  void genererExceptions() {
     std::map<char, std::map<char, char>> exceptions;
     for (const ExceptionForcage& e : modele_.exceptionsForcage) {
-      exceptions[e.indicateur][e.present] = e.resultat;
+      exceptions[e.indicateur][e.indicateurPresent] = e.indicateurRetourne;
     }
     for (const auto& [indicateur, valeurs] : exceptions) {
       ExceptionPrioriteIndicateur ligne;
@@ -370,36 +348,10 @@ class Generateur {
     }
   }
 
-  void genererServices() {
-    for (const Service* service : trier(modele_.services, &Service::identifiant)) {
-      ServiceDebrayable ligne;
-      ligne.identifiant = texte(service->identifiant);
-      remplir(ligne.regles, service->lieu, [&](auto& cible) {
-        for (const CodeFixe<9>& regle : service->regles) {
-          cible.push_back({references_.at(regle)});
-        }
-      });
-      lignes<ServiceDebrayable>().push_back(std::move(ligne));
-    }
-  }
-
   void genererGroupes() {
     for (const GroupeZone& groupe : modele_.groupes) {
       positionsGroupes_.emplace(groupe.numero, static_cast<std::uint16_t>(positionsGroupes_.size()));
-      DescriptifGroupe ligne;
-      ligne.numero = groupe.numero;
-      remplir(ligne.listeChamps, groupe.lieu, [&](auto& champs) {
-        for (const ChampZone& champ : groupe.champs) {
-          DescriptifChamp descriptif{champ.format, champ.type, champ.min, champ.max, {}};
-          remplir(descriptif.valeurs, champ.lieu, [&](auto& valeurs) {
-            for (const std::string& valeur : champ.valeurs) {
-              valeurs.push_back({texte(valeur)});
-            }
-          });
-          champs.push_back(descriptif);
-        }
-      });
-      lignes<DescriptifGroupe>().push_back(ligne);
+      lignes<DescriptifGroupe>().push_back(ligneDe(groupe));
     }
   }
 
@@ -458,86 +410,13 @@ class Generateur {
   std::map<std::string, std::uint16_t> positionsSuperGroupes_;
 };
 
-template <class T>
-ListeCompacte<T> liste(const std::vector<T>& valeurs) {
-  return ListeCompacte<T>(std::span<const T>(valeurs));
-}
-
-// From the newest effect date to the oldest.
-template <class E>
-std::vector<const E*> duPlusRecent(const std::vector<E>& historiques) {
-  std::vector<const E*> ordre = trier(historiques, &E::effet);
-  std::reverse(ordre.begin(), ordre.end());
-  return ordre;
-}
-
-NiveauPhase genererPhase(const Phase& phase) {
-  NiveauPhase niveau;
-  niveau.codePhase = phase.code;
-  niveau.nombreDents = phase.nombreDents;
-  niveau.ageMinimum = phase.ageMinimum;
-  niveau.ageMaximum = phase.ageMaximum;
-  niveau.dentsIncompatibles = liste(phase.dentsIncompatibles);
-  for (const HistoriquePhase* h : duPlusRecent(phase.historiques)) {
-    niveau.historiques.push_back({h->effet, h->prix, h->supplement, h->dom});
-  }
-  return niveau;
-}
-
-NiveauActivite genererActivite(const Activite& activite) {
-  NiveauActivite niveau;
-  niveau.codeActivite = activite.code;
-  niveau.agrementsRadio = liste(activite.agrementsRadio);
-  niveau.rmo = liste(activite.rmo);
-  niveau.extensionsDocumentaires = liste(activite.extensions);
-  for (const HistoriqueActivite* h : duPlusRecent(activite.historiques)) {
-    HistoriqueNiveauActivite& historique = niveau.historiques.emplace_back();
-    historique.dateEffet = h->effet;
-    historique.categorieMedicale = h->categorieMedicale;
-    historique.codeRegroupement = h->regroupement;
-    historique.modificateurs = liste(h->modificateurs);
-    historique.classesSpecialites = liste(h->classesSpecialite);
-    std::vector<Association> associations;
-    for (const AssociationActe& association : h->associations) {
-      associations.push_back({association.acte, association.regle});
-    }
-    historique.associations = liste(associations);
-  }
-  for (const Phase* phase : trier(activite.phases, &Phase::code)) {
-    niveau.phases.push_back(genererPhase(*phase));
-  }
-  return niveau;
-}
-
 }  // namespace
 
 TablesReference genererTables(const Modele& modele, const Etiquettes& etiquettes, Rapport& rapport) {
   return Generateur(modele, etiquettes, rapport).generer();
 }
 
-NiveauActe genererActe(const Acte& acte) {
-  NiveauActe niveau;
-  niveau.codeStructure = acte.code;
-  niveau.libelleCourt = texte(acte.libelleCourt);
-  niveau.libelleLong = texte(acte.libelleLong);
-  niveau.typeActe = acte.type;
-  niveau.conditionsGenerales = texte(acte.conditions);
-  niveau.notes = texte(acte.notes);
-  niveau.sexeCompatible = acte.sexe;
-  niveau.codeMenu = acte.menu;
-  niveau.dateCreation = acte.creation;
-  niveau.dateFin = acte.fin;
-  niveau.fraisDeplacement = acte.fraisDeplacement;
-  niveau.naturesAssurance = liste(acte.naturesAssurance);
-  for (const HistoriqueActe* h : duPlusRecent(acte.historiques)) {
-    niveau.historiques.push_back({h->effet, h->admission, h->ententePrealable ? 'O' : 'N',
-                                  liste(h->exonerations), liste(h->procedures), liste(h->incompatibles)});
-  }
-  for (const Activite* activite : trier(acte.activites, &Activite::code)) {
-    niveau.activites.push_back(genererActivite(*activite));
-  }
-  return niveau;
-}
+NiveauActe genererActe(const Acte& acte) { return niveauDe(acte); }
 
 EnteteReferentiel genererEntete(const Entete& entete) {
   EnteteReferentiel resultat;

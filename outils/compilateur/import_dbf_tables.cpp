@@ -14,8 +14,8 @@ constexpr unsigned GRILLE_COMMUNE = 0;
 double multiplicateur(double coefficient) { return coefficient < 1.0 ? 1.0 + coefficient : coefficient; }
 
 // The item of a code, made when it is not there yet. It has no place of its own: its records have.
-template <class E, class C>
-E& elementDe(std::vector<E>& elements, C E::*membre, const C& code) {
+template <class E, class L, class C>
+E& elementDe(std::vector<E>& elements, C L::*membre, const C& code) {
   const auto trouve =
       std::find_if(elements.begin(), elements.end(), [&](const E& e) { return e.*membre == code; });
   if (trouve != elements.end()) {
@@ -96,12 +96,13 @@ class LectureTables {
                    seuil.guyane = c.decimal(5);
                  });
     lirePeriodes("R_TB12", {"FORFAIT_RN", "COEF_RNC"}, base_.reductionsNonConventionne,
-                 [](ChampsDbf& c, ForfaitEtTaux& reduction) {
+                 [](ChampsDbf& c, Reduction& reduction) {
                    reduction.forfait = c.decimal(2);
                    reduction.coefficient = c.decimal(3);
                  });
-    lirePeriodes("R_TB19", {"NB_MODIFIC"}, base_.nombresModificateursTarifants,
-                 [](ChampsDbf& c, NombreDate& nombre) { nombre.nombre = c.court(2); });
+    lirePeriodes(
+        "R_TB19", {"NB_MODIFIC"}, base_.nombresModificateursTarifants,
+        [](ChampsDbf& c, ElementDe<NombreModificateurTarifant>& nombre) { nombre.nombre = c.court(2); });
   }
 
  private:
@@ -127,7 +128,10 @@ class LectureTables {
     lecture_.enchainer(elements);
   }
 
-  void lireCoefficients(const char* table, const char* colonneCode, std::vector<CodeACoefficients>& codes) {
+  template <class L, class H>
+  void lireCoefficients(const char* table, const char* colonneCode,
+                        std::vector<CodeACoefficients<L, H>>& codes) {
+    using CoefficientDate = ElementDe<H>;
     ParGrille<CoefficientDate> parGrille(grille_);
     Libelles<char> libelles;
     parcourirPeriodes<CoefficientDate>(table, {colonneCode, "COEF", "GRILLE_COD", "LIBELLE.."},
@@ -142,7 +146,7 @@ class LectureTables {
                                          return c.bons();
                                        });
     parGrille.pourChaque(lecture_, [&](char code, std::vector<CoefficientDate> valeurs) {
-      CodeACoefficients& element = codes.emplace_back();
+      CodeACoefficients<L, H>& element = codes.emplace_back();
       element.code = code;
       element.libelle = libelles.de(code, std::string(1, code));
       element.historiques = std::move(valeurs);
@@ -254,7 +258,7 @@ class LectureTables {
                       age.maximum = c.court(6);
                     });
     deModificateurs("R_TB09", "MODIF_COD1", {"MODIF_COD2"}, &ModificateurActe::compatibles,
-                    [&](ChampsDbf& c, CodeModificateurDate& compatible) {
+                    [&](ChampsDbf& c, Compatibilite& compatible) {
                       compatible.code = c.lettre(3);
                       if (modificateur(compatible.code) == nullptr) {
                         c.refuser("modificateur inconnu");
@@ -266,10 +270,10 @@ class LectureTables {
                       coherence.presenceMultiple = c.oui(4);
                     });
     deModificateurs("R_TB15", "MODIFI_COD", {"COD_MODOC"}, &ModificateurActe::oc,
-                    [](ChampsDbf& c, CodeModificateurDate& oc) { oc.code = c.lettre(3); });
+                    [](ChampsDbf& c, CodeOC& oc) { oc.code = c.lettre(3); });
     for (ModificateurActe& modificateur : base_.modificateurs) {
       lecture_.enchainer(modificateur.ages);
-      lecture_.enchainer(modificateur.compatibles, &CodeModificateurDate::code);
+      lecture_.enchainer(modificateur.compatibles, &Compatibilite::code);
       lecture_.enchainer(modificateur.coherences);
       lecture_.enchainer(modificateur.oc);
     }

@@ -26,6 +26,13 @@ std::string convertir(std::string_view cellule, std::string& cible) {
   return latin1.estFidele() ? std::string() : "un caractère n'existe pas en ISO-8859-1";
 }
 
+std::string convertir(std::string_view cellule, TexteVariable& cible) {
+  std::string texte;
+  std::string faute = convertir(cellule, texte);
+  cible = TexteVariable(texte);
+  return faute;
+}
+
 std::string convertirCode(std::string_view cellule, std::size_t largeur) {
   if (cellule.size() > largeur) {
     return phrase("le code « ", cellule, " » dépasse ", std::to_string(largeur), " caractères");

@@ -164,6 +164,13 @@ bool lireValeur(Contexte& contexte, const toml::node& noeud, char& cible) {
   return true;
 }
 
+bool lireValeur(Contexte& contexte, const toml::node& noeud, TexteVariable& cible) {
+  std::string texte;
+  const bool lu = convertirTexte(contexte, noeud, texte);
+  cible = TexteVariable(texte);
+  return lu;
+}
+
 template <std::size_t N>
 bool lireValeur(Contexte& contexte, const toml::node& noeud, CodeFixe<N>& cible) {
   std::string texte;
@@ -222,6 +229,7 @@ bool lireValeur(Contexte& contexte, const toml::node& noeud, DateBrute& cible) {
 
 // Whether a value read without fault is left blank.
 bool estVide(const std::string& valeur) { return valeur.empty(); }
+bool estVide(const TexteVariable& valeur) { return valeur.estVide(); }
 bool estVide(char valeur) { return valeur == ' '; }
 template <std::size_t N>
 bool estVide(const CodeFixe<N>& valeur) {

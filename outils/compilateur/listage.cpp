@@ -36,9 +36,7 @@ template <unsigned CIBLE, class P>
 JsonOrdonne enJson(const Plage<CIBLE, P>& valeur) {
   return {{"premiere", valeur.premiere}, {"nombre", valeur.nombre}};
 }
-JsonOrdonne enJson(const Association& valeur) {
-  return {{"acte", enJson(valeur.acte)}, {"regle", enJson(valeur.regleTarifaire)}};
-}
+JsonOrdonne enJson(const Association& valeur);
 template <class T>
 JsonOrdonne enListe(const T& valeurs) {
   JsonOrdonne liste = JsonOrdonne::array();
@@ -55,18 +53,9 @@ JsonOrdonne enJson(const std::array<double, N>& valeurs) {
 template <class L>
 JsonOrdonne ligneEnJson(const L& ligne) {
   JsonOrdonne objet = JsonOrdonne::object();
-  visiterChamps(ligne, [&](const auto& champ, const auto& valeur) { objet[champ.mots] = enJson(valeur); });
+  visiterChamps(ligne,
+                [&](const auto& champ, const auto& valeur) { objet[cleJson(champ.nom)] = enJson(valeur); });
   return objet;
-}
-
-// "Libelle long  : " gives "libelle long".
-std::string nomDeChamp(std::string_view libelle) {
-  std::string nom(libelle.substr(0, libelle.find(':')));
-  nom.erase(nom.find_last_not_of(' ') + 1);
-  for (char& c : nom) {
-    c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  }
-  return nom;
 }
 
 template <class N>
@@ -74,25 +63,18 @@ JsonOrdonne niveauEnJson(const N& niveau);
 
 template <class N, class T>
 void ajouterChamp(JsonOrdonne& objet, const N& niveau, const ValeurNiveau<N, T>& champ) {
-  objet[nomDeChamp(champ.libelle)] = enJson(niveau.*(champ.membre));
+  objet[cleJson(champ.nom)] = enJson(niveau.*(champ.membre));
 }
 template <class N, class T>
 void ajouterChamp(JsonOrdonne& objet, const N& niveau, const ListeNiveau<N, T>& champ) {
-  objet[nomDeChamp(champ.libelleElement)] = enListe(niveau.*(champ.membre));
+  objet[cleJson(champ.nom)] = enListe(niveau.*(champ.membre));
 }
-template <class N, class H>
-void ajouterChamp(JsonOrdonne& objet, const N& niveau, const HistoriquesNiveau<N, H>& champ) {
-  JsonOrdonne& liste = objet["historiques"] = JsonOrdonne::array();
-  for (const H& historique : niveau.*(champ.membre)) {
-    liste.push_back(niveauEnJson(historique));
-  }
-}
-template <class N, class S>
-void ajouterChamp(JsonOrdonne& objet, const N& niveau, const SousNiveaux<N, S>& champ) {
-  const std::string_view titre = champ.titre.texte();  // "ACTIVITE D'INDICE %u:"
-  JsonOrdonne& liste = objet[nomDeChamp(titre.substr(0, titre.find(' '))) + 's'] = JsonOrdonne::array();
-  for (const S& sousNiveau : niveau.*(champ.membre)) {
-    liste.push_back(niveauEnJson(sousNiveau));
+// Histories and levels below alike.
+template <class Champ, class N>
+void ajouterChamp(JsonOrdonne& objet, const N& niveau, const Champ& champ) {
+  JsonOrdonne& liste = objet[cleJson(champ.nom)] = JsonOrdonne::array();
+  for (const auto& dessous : niveau.*(champ.membre)) {
+    liste.push_back(niveauEnJson(dessous));
   }
 }
 
@@ -103,6 +85,8 @@ JsonOrdonne niveauEnJson(const N& niveau) {
              ChampsDuNiveau<N>::liste());
   return objet;
 }
+
+JsonOrdonne enJson(const Association& valeur) { return niveauEnJson(valeur); }
 
 template <class L>
 JsonOrdonne lignesEnJson(const LignesTable& lignes) {
@@ -133,6 +117,18 @@ const char* nomEtat(const FichierReference& fichier, EtatTable etat) {
 }
 
 }  // namespace
+
+std::string cleJson(const NomChamp& nom) {
+  std::string cle;
+  bool capitale = false;
+  for (const char c : std::string_view(nom.texte)) {
+    if (c != '_') {
+      cle += capitale ? static_cast<char>(std::toupper(static_cast<unsigned char>(c))) : c;
+    }
+    capitale = c == '_';
+  }
+  return cle;
+}
 
 JsonOrdonne listerFichier(const FichierReference& fichier) {
   const EnteteFichier& entete = fichier.entete();

@@ -4,6 +4,7 @@
 #define NOXLUX_COMPILATEUR_LISTAGE_H
 
 #include <nlohmann/json.hpp>
+#include <string>
 #include <string_view>
 
 #include "compilateur/fichier_reference.h"
@@ -12,6 +13,9 @@ namespace noxlux::compilateur {
 
 // Keeps the fields in file order.
 using JsonOrdonne = nlohmann::ordered_json;
+
+// The key of a field: the name that sources tell it by, in camel case ("age_minimum" gives "ageMinimum").
+std::string cleJson(const NomChamp& nom);
 
 // {"entete": {...}, "tables": [{"table", "nom", "lignes", "octets", "etat"}], "anomalie"}
 JsonOrdonne listerFichier(const FichierReference& fichier);

@@ -3,6 +3,10 @@
 // Texts are ISO-8859-1. Codes are valid (capital letters and digits) or empty: the readers see to it, and the
 // types to their width. Everything else is for the checks to find: duplicates, unknown codes, overlapping
 // dates. Each item keeps its place in the sources.
+//
+// What a line of the reference holds is told by its class in the catalogue; an item adds what the reference
+// does not keep, and replaces what grows while sources are read: a member that hides one of the line holds
+// the same thing as a text, a list, or the items that a run will point to.
 #ifndef NOXLUX_COMPILATEUR_MODELE_H
 #define NOXLUX_COMPILATEUR_MODELE_H
 
@@ -13,13 +17,20 @@
 #include <vector>
 
 #include "compilateur/rapport.h"
-#include "tables/valeurs_ligne.h"
+#include "tables/catalogue.h"
+#include "tables/niveaux_acte.h"
 #include "types/date.h"
 
 namespace noxlux::compilateur {
 
 struct Element {
   Lieu lieu;
+};
+
+// An item that is a line of class L.
+template <class L>
+struct ElementDe : Element, L {
+  using Ligne = L;
 };
 
 // What holds from a day to another; a null end is open.
@@ -38,13 +49,15 @@ struct Entete : Element {
   std::string commentaire;
 };
 
-// Acts.
+// Acts. Their records are made of lists of lists: the model has its own, that grow.
 struct AssociationActe : Element {
+  using Ligne = Association;
   CodeActe acte;
   char regle = ' ';
 };
 
 struct HistoriquePhase : Element {
+  using Ligne = HistoriqueNiveauPhase;
   DateBrute effet;
   double prix = 0.0;
   double supplement = 0.0;
@@ -52,6 +65,7 @@ struct HistoriquePhase : Element {
 };
 
 struct Phase : Element {
+  using Ligne = NiveauPhase;
   char code = ' ';
   CodeFixe<2> nombreDents;
   std::uint16_t ageMinimum = 0;
@@ -61,6 +75,7 @@ struct Phase : Element {
 };
 
 struct HistoriqueActivite : Element {
+  using Ligne = HistoriqueNiveauActivite;
   DateBrute effet;
   CodeFixe<2> categorieMedicale;
   CodeFixe<3> regroupement;
@@ -70,6 +85,7 @@ struct HistoriqueActivite : Element {
 };
 
 struct Activite : Element {
+  using Ligne = NiveauActivite;
   char code = ' ';
   std::vector<CodeFixe<2>> agrementsRadio;
   std::vector<CodeFixe<5>> rmo;
@@ -79,6 +95,7 @@ struct Activite : Element {
 };
 
 struct HistoriqueActe : Element {
+  using Ligne = HistoriqueNiveauActe;
   DateBrute effet;
   char admission = ' ';
   bool ententePrealable = false;
@@ -88,6 +105,7 @@ struct HistoriqueActe : Element {
 };
 
 struct Acte : Element {
+  using Ligne = NiveauActe;
   CodeActe code;
   std::string libelleCourt;
   std::string libelleLong;
@@ -104,44 +122,31 @@ struct Acte : Element {
   std::vector<Activite> activites;
 };
 
-struct Menu : Element {
-  std::uint32_t code = 0;
+struct Menu : ElementDe<Arborescence> {
   std::string libelle;
-  std::uint32_t pere = 0;
   std::string notes;
 };
 
 // Modifiers.
-struct AgeModificateur : ElementDate {
-  std::uint16_t minimum = 0;
-  char uniteMinimum = 'A';
-  std::uint16_t maximum = 0;
-  char uniteMaximum = 'A';
-};
+using AgeModificateur = ElementDe<HistoriqueAgeModificateur>;
+using Compatibilite = ElementDe<ModificateurCompatible>;
+using CodeOC = ElementDe<HistoriqueModificateurOC>;
 
-struct CodeModificateurDate : ElementDate {
-  char code = ' ';
-};
-
-struct CoherenceModificateur : ElementDate {
+struct CoherenceModificateur : ElementDe<HistoriqueCoherenceModificateur> {
   bool controle = false;
   bool presenceMultiple = false;
 };
 
-struct ForfaitEtTaux : ElementDate {
-  double forfait = 0.0;
-  double coefficient = 1.0;
-};
+using ForfaitEtTaux = ElementDe<HistoriqueValeurModificateur>;
 
-struct ModificateurActe : Element {
-  char code = ' ';
+struct ModificateurActe : ElementDe<Modificateur> {
   std::string libelle;
   std::vector<char> activites;  // those whose acts may bear it; empty: all of them
   std::vector<AgeModificateur> ages;
-  std::vector<CodeModificateurDate> compatibles;
+  std::vector<Compatibilite> compatibles;
   std::vector<CoherenceModificateur> coherences;
   std::vector<ForfaitEtTaux> valeurs;
-  std::vector<CodeModificateurDate> oc;
+  std::vector<CodeOC> oc;
 };
 
 // Which modifiers may stand beside one.
@@ -209,42 +214,29 @@ struct Correctif : Element {
 };
 
 // The other subjects.
-struct ClasseDate : ElementDate {
-  CodeFixe<2> classe;
-};
+using ClasseDate = ElementDe<HistoriqueSpecialite>;
 
-struct SpecialitePS : Element {
-  CodeFixe<2> code;
+struct SpecialitePS : ElementDe<Specialite> {
   std::string libelle;
   std::string profil;  // which values of modifiers its members are paid; empty: none of its own
   std::vector<ClasseDate> historiques;
 };
 
-struct CoefficientDate : ElementDate {
-  double coefficient = 0.0;
-};
-
 // An unforeseen association, or a tariff rule.
-struct CodeACoefficients : Element {
-  char code = ' ';
+template <class L, class H>
+struct CodeACoefficients : ElementDe<L> {
   std::string libelle;
-  std::vector<CoefficientDate> historiques;
+  std::vector<ElementDe<H>> historiques;
 };
+using CodeAssociation = CodeACoefficients<AssociationNonPrevue, HistoriqueAssociationNonPrevue>;
+using CodeRegleTarifaire = CodeACoefficients<RegleTarifaire, HistoriqueRegleTarifaire>;
 
-struct SeuilDate : ElementDate {
-  double metropole = 0.0;
-  double antilles = 0.0;
-  double reunion = 0.0;
-  double guyane = 0.0;
-};
+using SeuilDate = ElementDe<Seuil>;
+using Reduction = ElementDe<ReductionNonConventionne>;
 
-struct JourFerie : ElementDate {
-  DateBrute jour;
-  char type = 'F';
-};
+using JourFerie = ElementDe<JourFerieListe>;
 
-struct Caisse : Element {
-  CodeFixe<3> code;
+struct Caisse : ElementDe<JourFerieCaisse> {
   std::string libelle;
   std::vector<JourFerie> jours;
 };
@@ -256,22 +248,13 @@ struct JourDeCaisses : ElementDate {
   std::string nom;
 };
 
-struct Regroupement : ElementDate {
-  CodeFixe<3> code;
+struct Regroupement : ElementDe<CodeRegroupement> {
   std::string libelle;
 };
 
-struct NombreDate : ElementDate {
-  std::uint16_t nombre = 0;
-};
+using SpecialiteObligee = ElementDe<DateObligationCodage>;
 
-struct SpecialiteObligee : Element {
-  CodeFixe<2> code;
-  DateBrute date;
-};
-
-struct Obligation : Element {
-  CodeFixe<3> prestation;
+struct Obligation : ElementDe<ObligationCodage> {
   std::vector<SpecialiteObligee> specialites;
 };
 
@@ -287,35 +270,30 @@ struct SynonymesDeMot : Element {
 
 // Labels of codes, concepts.
 struct ValeurDeCode : Element {
+  using Ligne = LibelleCode;
   std::string code;
   std::string libelle;
 };
 
-struct TableDeCodes : Element {
+struct TableDeCodes : ElementDe<Codes> {
   std::uint16_t numero = 0;
   std::string nom;
   std::vector<ValeurDeCode> valeurs;
 };
 
-struct ValeursDate : ElementDate {
+struct ValeursDate : ElementDe<HistoriqueConceptCCAM> {
   std::vector<std::string> valeurs;
 };
 
-struct Concept : Element {
+struct Concept : ElementDe<ConceptCCAM> {
   std::uint16_t numero = 0;
   std::string libelle;
   std::vector<ValeursDate> historiques;
 };
 
 // The rule catalogue.
-struct Regle : Element {
-  CodeFixe<9> identifiant;
-  CodeFixe<10> reference;
-  std::string libelle;
-  std::string detail;
+struct Regle : ElementDe<InformationRegle> {
   std::vector<std::string> arguments;
-  char niveau = 'N';
-  char forcage = ' ';
   std::vector<CodeFixe<9>> nonVerifiables;
 };
 
@@ -325,36 +303,26 @@ struct NonVerifiable : Element {
   std::vector<CodeFixe<9>> regles;
 };
 
-struct PrioriteForcage : Element {
+using PrioriteForcage = ElementDe<PrioriteIndicateurForcage>;
+
+struct ExceptionForcage : ElementDe<ValeurException> {
   char indicateur = ' ';
-  std::uint16_t priorite = 0;
 };
 
-struct ExceptionForcage : Element {
-  char indicateur = ' ';
-  char present = ' ';
-  char resultat = ' ';
-};
-
-struct Service : Element {
-  std::string identifiant;
+struct Service : ElementDe<ServiceDebrayable> {
   std::vector<CodeFixe<9>> regles;
 };
 
 // The zones.
-struct ChampZone : Element {
+// A format is blank in answers.
+struct ChampZone : ElementDe<DescriptifChamp> {
   std::string nom;
-  char format = ' ';  // blank in answers
-  char type = ' ';
-  std::uint16_t min = 0;
-  std::uint16_t max = 0;
   std::vector<std::string> valeurs;
   std::string libelle;
   bool repete = false;
 };
 
-struct GroupeZone : Element {
-  std::uint16_t numero = 0;
+struct GroupeZone : ElementDe<DescriptifGroupe> {
   std::string nom;
   std::string libelle;
   std::vector<ChampZone> champs;
@@ -390,15 +358,15 @@ struct Modele {
   std::vector<Menu> menus;
   std::vector<ModificateurActe> modificateurs;
   std::vector<SpecialitePS> specialites;
-  std::vector<CodeACoefficients> associationsNonPrevues;
-  std::vector<CodeACoefficients> reglesTarifaires;
+  std::vector<CodeAssociation> associationsNonPrevues;
+  std::vector<CodeRegleTarifaire> reglesTarifaires;
   std::vector<SeuilDate> seuils;
   std::vector<Caisse> caisses;
   std::vector<Regroupement> regroupements;
-  std::vector<ForfaitEtTaux> reductionsNonConventionne;
-  std::vector<NombreDate> nombresModificateursTarifants;
-  std::vector<NombreDate> nombresModificateursTransmissibles;
-  std::vector<NombreDate> nombresActesAssociation;
+  std::vector<Reduction> reductionsNonConventionne;
+  std::vector<ElementDe<NombreModificateurTarifant>> nombresModificateursTarifants;
+  std::vector<ElementDe<NombreModificateurTransmissible>> nombresModificateursTransmissibles;
+  std::vector<ElementDe<NombreActeAssociation>> nombresActesAssociation;
   std::vector<Obligation> obligations;
   std::vector<Recherche> recherches;  // at most one
   std::vector<SynonymesDeMot> synonymes;

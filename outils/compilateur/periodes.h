@@ -1,4 +1,4 @@
-// Arithmetic of periods of validity: from a day to another, both included; a null end is open.
+// Arithmetic of periods of validity: from `debut` to `fin`, both included; a null end is open.
 #ifndef NOXLUX_COMPILATEUR_PERIODES_H
 #define NOXLUX_COMPILATEUR_PERIODES_H
 
@@ -23,11 +23,13 @@ inline DateBrute lendemain(DateBrute date) {
   return date;
 }
 
-inline bool finitAvant(const ElementDate& element, const DateBrute& date) {
+template <class E>
+bool finitAvant(const E& element, const DateBrute& date) {
   return !element.fin.estNulle() && element.fin < date;
 }
 
-inline bool couvre(const ElementDate& element, const DateBrute& date) {
+template <class E>
+bool couvre(const E& element, const DateBrute& date) {
   return element.debut <= date && !finitAvant(element, date);
 }
 

@@ -112,7 +112,7 @@ class VerificationNomenclature {
         classes_.insert(historique.classe);
       }
     }
-    for (const CodeACoefficients& regle : modele_.reglesTarifaires) {
+    for (const CodeRegleTarifaire& regle : modele_.reglesTarifaires) {
       reglesTarifaires_.insert(regle.code);
     }
     for (const Regroupement& regroupement : modele_.regroupements) {
@@ -181,7 +181,8 @@ class VerificationNomenclature {
   }
 
   // One period: its end is not before its start.
-  void verifierPeriode(const ElementDate& element) {
+  template <class E>
+  void verifierPeriode(const E& element) {
     if (!element.fin.estNulle() && element.fin < element.debut) {
       refuser(element.lieu, "la fin (", jour(element.fin), ") précède le début (", jour(element.debut), ")");
     }
@@ -370,7 +371,7 @@ class VerificationNomenclature {
       verifierPeriodes(modificateur.valeurs, nom + ", valeurs");
       verifierPeriodes(modificateur.oc, nom + ", codes OC");
       verifierPeriodesParCode(modificateur.compatibles, nom + ", compatibilité avec");
-      for (const CodeModificateurDate& compatible : modificateur.compatibles) {
+      for (const Compatibilite& compatible : modificateur.compatibles) {
         if (!modificateurs_.contains(compatible.code)) {
           refuser(compatible.lieu, "le modificateur compatible « ", enTexte(compatible.code),
                   " » est inconnu");
@@ -407,9 +408,10 @@ class VerificationNomenclature {
     }
   }
 
-  void verifierCoefficients(const std::vector<CodeACoefficients>& codes, const char* nom, bool avecLibelle) {
-    verifierUnicite(codes, &CodeACoefficients::code, nom);
-    for (const CodeACoefficients& code : codes) {
+  template <class C>
+  void verifierCoefficients(const std::vector<C>& codes, const char* nom, bool avecLibelle) {
+    verifierUnicite(codes, &C::code, nom);
+    for (const C& code : codes) {
       if (avecLibelle && code.libelle.empty()) {
         refuser(code.lieu, nom, " « ", enTexte(code.code), " » n'a pas de libellé");
       }

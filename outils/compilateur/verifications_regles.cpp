@@ -117,16 +117,16 @@ class VerificationRegles {
         argumentsConnus = false;
       }
     }
-    if (argumentsConnus && !regle.detail.empty()) {
-      const std::string ecart = comparerFormat(regle.detail, regle.arguments);
+    if (argumentsConnus && !regle.libelleSecondaire.estVide()) {
+      const std::string ecart = comparerFormat(regle.libelleSecondaire.vue(), regle.arguments);
       if (!ecart.empty()) {
         refuser(regle.lieu, "règle « ", regle.identifiant.vue(), " » : ", ecart);
       }
     }
-    if (regle.niveau != 'O' && regle.niveau != 'N') {
+    if (regle.typeRegle != 'O' && regle.typeRegle != 'N') {
       refuser(regle.lieu, "le niveau d'une règle est « O » (outrepassable) ou « N »");
     }
-    verifierIndicateur(regle.lieu, regle.forcage);
+    verifierIndicateur(regle.lieu, regle.indicateurForcage);
     verifierReferences(regle.lieu, regle.nonVerifiables);
   }
 
@@ -151,12 +151,13 @@ class VerificationRegles {
   void verifierExceptions() {
     std::set<std::pair<char, char>> paires;
     for (const ExceptionForcage& exception : modele_.exceptionsForcage) {
-      for (const char indicateur : {exception.indicateur, exception.present, exception.resultat}) {
+      for (const char indicateur :
+           {exception.indicateur, exception.indicateurPresent, exception.indicateurRetourne}) {
         verifierIndicateur(exception.lieu, indicateur);
       }
-      if (!paires.emplace(exception.indicateur, exception.present).second) {
+      if (!paires.emplace(exception.indicateur, exception.indicateurPresent).second) {
         refuser(exception.lieu, "l'exception de forçage « ", std::string(1, exception.indicateur),
-                " » sur « ", std::string(1, exception.present), " » est en double");
+                " » sur « ", std::string(1, exception.indicateurPresent), " » est en double");
       }
     }
   }
@@ -164,8 +165,8 @@ class VerificationRegles {
   void verifierServices() {
     std::set<std::string> services;
     for (const Service& service : modele_.services) {
-      if (!services.insert(service.identifiant).second) {
-        refuser(service.lieu, "le service « ", versUtf8(service.identifiant), " » est en double");
+      if (!services.emplace(service.identifiant.vue()).second) {
+        refuser(service.lieu, "le service « ", versUtf8(service.identifiant.vue()), " » est en double");
       }
       verifierReferences(service.lieu, service.regles);
     }

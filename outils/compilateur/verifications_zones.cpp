@@ -88,11 +88,11 @@ class VerificationZones {
   }
 
   void verifierTailles(const ChampZone& champ, const std::string& nom) {
-    if (champ.max != 0 && champ.max < champ.min) {
+    if (champ.tailleMax != 0 && champ.tailleMax < champ.tailleMin) {
       refuser(champ.lieu, nom, " : la taille maximale est inférieure à la taille minimale");
     }
     for (const std::string& valeur : champ.valeurs) {
-      if (valeur.size() < champ.min || (champ.max != 0 && valeur.size() > champ.max)) {
+      if (valeur.size() < champ.tailleMin || (champ.tailleMax != 0 && valeur.size() > champ.tailleMax)) {
         refuser(champ.lieu, nom, " : la valeur « ", versUtf8(valeur), " » n'est pas de la taille permise");
       }
     }

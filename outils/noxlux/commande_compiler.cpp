@@ -81,8 +81,8 @@ std::vector<std::string> cheminsToml(const OptionsCompiler& options) {
 
 // The tariff rule that an associated act is paid whole by.
 char reglePleine(const Modele& modele) {
-  for (const CodeACoefficients& regle : modele.reglesTarifaires) {
-    for (const CoefficientDate& historique : regle.historiques) {
+  for (const CodeRegleTarifaire& regle : modele.reglesTarifaires) {
+    for (const auto& historique : regle.historiques) {
       if (historique.coefficient == 1.0 && historique.fin.estNulle()) {
         return regle.code;
       }

@@ -41,6 +41,16 @@ void afficherFichier(const JsonOrdonne& fichier) {
   tableau.afficher(std::cout);
 }
 
+// "ageMinimum" gives "age minimum".
+std::string motsDe(const std::string& cle) {
+  std::string mots;
+  for (const char c : cle) {
+    const bool capitale = c >= 'A' && c <= 'Z';
+    mots += capitale ? std::string{' ', static_cast<char>(c - 'A' + 'a')} : std::string(1, c);
+  }
+  return mots;
+}
+
 void afficherTable(const JsonOrdonne& lignes) {
   if (lignes.empty()) {
     std::cout << "(aucune ligne)\n";
@@ -48,7 +58,7 @@ void afficherTable(const JsonOrdonne& lignes) {
   }
   std::vector<std::string> titres{"n°"};
   for (const auto& [nom, valeur] : lignes[0].items()) {
-    titres.push_back(nom);
+    titres.push_back(motsDe(nom));
   }
   Tableau tableau(std::move(titres));
   std::size_t numero = 0;
@@ -65,7 +75,8 @@ void afficherTable(const JsonOrdonne& lignes) {
 // One field a line; lists of records are blocks set further to the right.
 void afficherObjet(const JsonOrdonne& objet, std::size_t retrait) {
   const std::string marge(retrait, ' ');
-  for (const auto& [nom, valeur] : objet.items()) {
+  for (const auto& [cle, valeur] : objet.items()) {
+    const std::string nom = motsDe(cle);
     if (valeur.is_array() && !valeur.empty() && valeur[0].is_object()) {
       for (const JsonOrdonne& membre : valeur) {
         std::cout << marge << nom << '\n';
@@ -108,7 +119,7 @@ int listerSujet(const FichierReference& fichier, const OptionsLister& options) {
     throw ErreurUsage("« " + options.sujet + " » est illisible : " + signification(cr));
   }
   if (options.json) {
-    ecrireJsonCamel(resultat);
+    ecrireJson(resultat);
   } else if (resultat.is_array()) {
     afficherTable(resultat);
   } else {

@@ -44,8 +44,8 @@ constexpr Sujet SUJETS[] = {
 
 // Splits a line into where the change is, since when, and to which value.
 JsonOrdonne changement(const char* sujet, JsonOrdonne ligne) {
-  JsonOrdonne objet = {{"donnée", sujet}, {"depuis", ligne["date d'effet"]}};
-  ligne.erase("date d'effet");
+  JsonOrdonne objet = {{"donnée", sujet}, {"depuis", ligne["effet"]}};
+  ligne.erase("effet");
   objet.update(ligne);
   return objet;
 }

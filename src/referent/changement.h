@@ -63,8 +63,8 @@ template <class H, class F>
 CodeRetour preparerLigne(const H& courante, const Date& dateEffet, F&& changer, H& nouvelle) {
   static_assert(std::is_trivially_copyable_v<H>);
   if (!estValideALaDate(courante, dateEffet)) {
-    const DateBrute& debut = courante.dateDebut;
-    const DateBrute& fin = courante.dateFin;
+    const DateBrute& debut = courante.debut;
+    const DateBrute& fin = courante.fin;
     Trace::erreur(TRACE_MODIFICATION,
                   "Date d'effet non inclue dans l'intervalle de validite du dernier historique");
     Trace::ecrire(TRACE_MODIFICATION, "Date de debut dernier historique  : %04u/%02u/%02u", debut.annee,
@@ -74,14 +74,14 @@ CodeRetour preparerLigne(const H& courante, const Date& dateEffet, F&& changer, 
     return NOX_CR_DATE_EFFET;
   }
   nouvelle = courante;
-  nouvelle.dateDebut = dateEffet.lireBrute();
+  nouvelle.debut = dateEffet.lireBrute();
   changer(nouvelle);
   return NOX_CR_OK;
 }
 
 template <class H>
 void fermerLigne(H& ligne, const Date& dateEffet) {
-  ligne.dateFin = (dateEffet - 1).lireBrute();
+  ligne.fin = (dateEffet - 1).lireBrute();
 }
 
 // --- The run that one line of table L owns in the shared table of histories H -----------------------------

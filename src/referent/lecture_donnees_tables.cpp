@@ -123,14 +123,14 @@ bool LectureDonnees::rechercherExistenceModificateur(const Code& modificateur, c
 CodeRetour LectureDonnees::rechercherAgeMaximumModificateur(const Code& modificateur, const Date& date,
                                                             Periode& age) {
   using H = HistoriqueAgeModificateur;
-  return lireAge(__func__, donnees(), &H::uniteAgeMaximum, &H::ageMaximum,
+  return lireAge(__func__, donnees(), &H::uniteMaximum, &H::maximum,
                  "unite de temps de l'age maximum inconnue : %c", modificateur, date, age);
 }
 
 CodeRetour LectureDonnees::rechercherAgeMinimumModificateur(const Code& modificateur, const Date& date,
                                                             Periode& age) {
   using H = HistoriqueAgeModificateur;
-  return lireAge(__func__, donnees(), &H::uniteAgeMinimum, &H::ageMinimum,
+  return lireAge(__func__, donnees(), &H::uniteMinimum, &H::minimum,
                  "unite de temps de l'age minimum inconnue : %c", modificateur, date, age);
 }
 
@@ -175,8 +175,8 @@ CodeRetour LectureDonnees::rechercherModificateursCompatibles(const Code& modifi
 
 CodeRetour LectureDonnees::rechercherModificateurOC(const Code& modificateur, const Date& date,
                                                     Code& modificateurOC) {
-  return lireHistorique(__func__, &Modificateur::modificateursOC, &HistoriqueModificateurOC::code,
-                        modificateurOC, modificateur, date);
+  return lireHistorique(__func__, &Modificateur::oc, &HistoriqueModificateurOC::code, modificateurOC,
+                        modificateur, date);
 }
 
 CodeRetour LectureDonnees::rechercherTopControleCoherence(const Code& modificateur, const Date& date,
@@ -329,8 +329,8 @@ CodeRetour LectureDonnees::rechercherDateObligationCodage(const Code& prestation
       return cr;
     }
     for (const auto& ligne : lignesDe<DateObligationCodage>(donnees(), obligation->specialites)) {
-      if (ligne.specialite == cle) {
-        return copier(ligne.dateObligation, dateObligation);
+      if (ligne.code == cle) {
+        return copier(ligne.date, dateObligation);
       }
     }
     return refuser(NOX_CR_CODE_INCONNU,

@@ -65,9 +65,9 @@ CodeRetour annulerHistoriquesTable(Referentiel& referentiel, const Code& code, P
   EditeurPlage editeur(referentiel.lignes<L>(), *ligne, plage, historiques);
   exiger(editeur.lignes().size() > nombre, "nombreHistoriques > nombre");
   Trace::ecrire(TRACE_MODIFICATION, "Nombre d'historiques a supprimer : %u", static_cast<unsigned>(nombre));
-  const DateBrute fin = editeur.lignes().front().dateFin;
+  const DateBrute fin = editeur.lignes().front().fin;
   editeur.supprimer(0, nombre);
-  editeur.lignes().front().dateFin = fin;
+  editeur.lignes().front().fin = fin;
   std::erase_if(modifications, [&](const M& modification) { return cle.egale(modification); });
   return cr;
 }
@@ -96,9 +96,9 @@ void insererEnTete(std::vector<H>& lignes, const Date& dateEffet, H&& nouvelle) 
 template <class H>
 void retirerEnTete(std::vector<H>& lignes, std::size_t nombre) {
   exiger(lignes.size() > nombre, "nombreLignes > nombre");
-  const DateBrute fin = lignes.front().dateFin;
+  const DateBrute fin = lignes.front().fin;
   lignes.erase(lignes.begin(), lignes.begin() + static_cast<std::ptrdiff_t>(nombre));
-  lignes.front().dateFin = fin;
+  lignes.front().fin = fin;
 }
 
 }  // namespace
@@ -406,7 +406,7 @@ CodeRetour ModificationDonnees::ajouterCodeRegroupement(const Date& dateEffet, c
     std::vector<M>* modifications = enregistrer ? &donnees().lignes<M>() : nullptr;
     std::vector<CodeRegroupement>& codes = donnees().lignes<CodeRegroupement>();
     CodeRegroupement nouveau;
-    nouveau.dateDebut = dateEffet.lireBrute();
+    nouveau.debut = dateEffet.lireBrute();
     CodeRetour cr = composerCle(code, nouveau.code);
     if (cr != NOX_CR_OK) {
       return cr;
@@ -423,7 +423,7 @@ CodeRetour ModificationDonnees::ajouterCodeRegroupement(const Date& dateEffet, c
     M modification;
     try {
       libelleCode = {TexteVariable(code.vue()), TexteVariable(libelle.vue())};
-      modification = {nouveau.dateDebut, nouveau.code, TexteVariable(libelle.vue())};
+      modification = {nouveau.debut, nouveau.code, TexteVariable(libelle.vue())};
     } catch (const std::bad_alloc&) {
       return refuserChangement(NOX_CR_MEMOIRE, "probleme d'allocation memoire");
     }

@@ -102,7 +102,7 @@ constexpr auto cleDe(std::type_identity<ClasseSpecialite>) {
                   "Code classe specialite non trouve dans la table Classes Specialites"};
 }
 constexpr auto cleDe(std::type_identity<JourFerieCaisse>) {
-  return CleTable{&JourFerieCaisse::caisse, "Code caisse non trouve dans la table des Jours Feries Caisse"};
+  return CleTable{&JourFerieCaisse::code, "Code caisse non trouve dans la table des Jours Feries Caisse"};
 }
 constexpr auto cleDe(std::type_identity<ObligationCodage>) {
   return CleTable{&ObligationCodage::prestation,

@@ -26,8 +26,8 @@ std::span<const H> lignesDe(const Referentiel& referentiel, const Plage<CIBLE, P
 
 template <class H>
 const DateBrute& debutValidite(const H& ligne) {
-  if constexpr (requires { ligne.dateDebut; }) {
-    return ligne.dateDebut;
+  if constexpr (requires { ligne.debut; }) {
+    return ligne.debut;
   } else {
     return ligne.dateEffet;
   }
@@ -37,7 +37,7 @@ const DateBrute& debutValidite(const H& ligne) {
 template <class H>
 bool estValideALaDate(const H& ligne, const Date& date) {
   return debutValidite(ligne) <= date.lireBrute() &&
-         (!ligne.dateFin.estComplete() || date.lireBrute() <= ligne.dateFin);
+         (!ligne.fin.estComplete() || date.lireBrute() <= ligne.fin);
 }
 
 inline constexpr FormatVerifie<> PAS_D_HISTORIQUE = "ERREUR : pas d'historique trouve a la date de reference";

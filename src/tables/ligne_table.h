@@ -1,5 +1,6 @@
 // What a table line is: a class with its table identifier, its name and the list of its fields. Reading,
-// checking, writing, dumping and listing a line are all made from that one list.
+// checking, writing, dumping and listing a line are all made from that one list, and so are the keys that
+// sources tell it by. Fields that a source leaves out keep the values that the class gives them.
 #ifndef NOXLUX_TABLES_LIGNE_TABLE_H
 #define NOXLUX_TABLES_LIGNE_TABLE_H
 
@@ -25,24 +26,42 @@ enum class Controle : std::uint8_t {
   NonNul            // not 0
 };
 
+// The name of a field in sources and in listings. Sources may leave the optional ones out.
+struct NomChamp {
+  const char* texte;
+  bool obligatoire = true;
+
+  // Not explicit: a name alone is that of a field that sources must tell.
+  constexpr NomChamp(const char* nom, bool requis = true) : texte(nom), obligatoire(requis) {}
+};
+constexpr NomChamp facultatif(const char* nom) { return {nom, false}; }
+
 template <class L, class T>
 struct DescriptionChamp {
   T L::*membre;
+  NomChamp nom;
   Controle controle;
-  const char* mots;   // the field's name in messages
-  const char* refus;  // the message of a refused value; null: the name and "incorrect"
+  const char* mots;   // what messages call it
+  const char* refus;  // the message of a refused value; null: its words and "incorrect"
 };
 
 template <class L, class T>
-constexpr DescriptionChamp<L, T> champ(T L::*membre, const char* mots, Controle controle = Controle::Libre,
-                                       const char* refus = nullptr) {
-  return {membre, controle, mots, refus};
+constexpr DescriptionChamp<L, T> champ(T L::*membre, NomChamp nom, const char* mots,
+                                       Controle controle = Controle::Libre, const char* refus = nullptr) {
+  return {membre, nom, controle, mots, refus};
+}
+
+// The fields of a line that begins with its first and last days of validity.
+template <class L, class... C>
+constexpr auto periode(C... autres) {
+  return std::tuple{champ(&L::debut, "debut", "date debut", Controle::DateValide),
+                    champ(&L::fin, facultatif("fin"), "date de fin", Controle::DateFacultative), autres...};
 }
 
 template <class T>
-struct EstPlage : std::false_type {};
+inline constexpr bool EST_PLAGE = false;
 template <unsigned CIBLE, class P>
-struct EstPlage<Plage<CIBLE, P>> : std::true_type {};
+inline constexpr bool EST_PLAGE<Plage<CIBLE, P>> = true;
 
 // Calls f(field, value) for each field of a line, in file order.
 template <class L, class F>

@@ -336,7 +336,7 @@ def verifier_questions(compte, base, quoi):
 def verifier_regles(compte, base):
     """The tariff rule of an association, which no consultation tells."""
     acte_lu = json.loads(subprocess.run([COMMANDE, "lister", base.sortie, A, "--json"], capture_output=True, check=True).stdout)
-    regles = {h["dateEffet"]: h["association"] for h in acte_lu["activites"][0]["historiques"]}
+    regles = {h["effet"]: h["associations"] for h in acte_lu["activite"][0]["historique"]}
     compte.verifier("rules of an association", regles, {
         "2016-03-01": [{"acte": B, "regle": "B"}], "2012-01-01": [{"acte": B, "regle": "A"}], "2005-03-25": []})
 

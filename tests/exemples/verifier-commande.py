@@ -66,7 +66,7 @@ ESSAIS = [
     (["acte", "hhfa001", "-d", "2026-01-15", *ICI], 0, "176,79 € depuis le 22/12/2024"),
     (["identifiants"], 0, "CCAM_37"),
     (["tables", *ICI], 0, "Arborescence"),
-    (["lister", REFERENCE, "HHFA001", "--json"], 0, '"dateEffet": "2024-12-22"'),
+    (["lister", REFERENCE, "HHFA001", "--json"], 0, '"effet": "2024-12-22"'),
     (["zone", "decoder", "/"], 2, "c'est un répertoire"),
     (["completer", "--", "modif"], 0, "modifier\nmodifications\n"),
     (["completer", "--", "consulter", "ccam_37", "-r", REFERENCE, "acte=hhfa00"], 0, "acte=HHFA001\nacte=HHFA002\n"),

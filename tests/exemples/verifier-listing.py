@@ -296,8 +296,8 @@ def main():
 def listes(reference, acte):
     """The prices of an act as the listing of the compiled file shows them."""
     fini = subprocess.run([COMMANDE, "lister", reference, acte, "--json"], capture_output=True, text=True, check=True)
-    return {(acte, a["codeActivite"], p["codePhase"]): p["historiques"][0]["prixUnitaire"]
-            for a in json.loads(fini.stdout)["activites"] for p in a["phases"]}
+    return {(acte, a["code"], p["code"]): p["historique"][0]["prix"]
+            for a in json.loads(fini.stdout)["activite"] for p in a["phase"]}
 
 
 if __name__ == "__main__":

@@ -112,7 +112,7 @@ def lister(reference, *acte):
 
 def vie(reference, acte):
     lu = lister(reference, acte)
-    return lu["dateCreation"], lu["dateFin"]
+    return lu["creation"], lu["fin"]
 
 
 def verifier_listes(compte, dossier):

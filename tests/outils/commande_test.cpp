@@ -40,9 +40,9 @@ TEST(Commande, CompileEtListe) {
     const char* fragment;
   } cas[] = {
       {"", 0, "CRC"},
-      {" 026", 0, "coefficient modificateur"},
+      {" 026", 0, "coefficient"},
       {" MotCle --json", 0, "\"formeCanonique\""},
-      {" HHFA001", 0, "prix unitaire"},
+      {" HHFA001", 0, "age minimum"},
       {" 028", 2, "028"},
       {" ZZZZ999", 2, "ZZZZ999"},
       {" 026 trop", 2, "trop"},
@@ -104,7 +104,8 @@ TEST(Commande, ModifieAvecDAutres) {
   EXPECT_EQ(std::system(ligne.c_str()), 0);
   const std::string liste = lancer(dossier, "modifications -r " + produit).sortie;
   for (char prix = '1'; prix <= '8'; ++prix) {
-    EXPECT_NE(liste.find(phrase("prix unitaire 20", std::string(1, prix), ",00")), std::string::npos) << liste;
+    EXPECT_NE(liste.find(phrase("prix 20", std::string(1, prix), ",00")), std::string::npos)
+        << liste;
   }
 }
 

@@ -3,12 +3,15 @@
 
 #include <cmath>
 #include <map>
+#include <set>
+#include <sstream>
 
 #include "compilateur/listage.h"
 #include "compilateur/mots_cles.h"
 #include "outils/nomenclature_essai.h"
 #include "referent/lecture_donnees.h"
 #include "referent/referentiel.h"
+#include "tables/niveaux_champs.h"
 
 namespace noxlux::essai {
 namespace {
@@ -60,31 +63,30 @@ TEST_F(Compilation, EcritLEnteteEtLesTables) {
   EXPECT_EQ(fichier_->tables().size(), NOMBRE_TABLES_REFERENCE);
   EXPECT_EQ(fichier_->tables().back().numero, 0U);
   EXPECT_EQ(fichier_->anomalie(), "");
-  EXPECT_EQ(lister(10)[0].dump(),
-            R"({"date debut":"2005-03-25","date de fin":null,"seuil metropole":120.0,"seuil antilles":121.5,)"
-            R"("seuil reunion":122.0,"seuil guyane":123.0})");
+  EXPECT_EQ(
+      lister(10)[0].dump(),
+      R"({"debut":"2005-03-25","fin":null,"metropole":120.0,"antilles":121.5,"reunion":122.0,"guyane":123.0})");
 }
 
 TEST_F(Compilation, EcritLesActesEntiers) {
   NiveauActe acte;
   ASSERT_EQ(fichier_->lireActe(CodeActe("HHFA001"), acte), NOX_CR_OK);
-  EXPECT_EQ(
-      listerActe(acte).dump(),
-      R"({"code structure":"HHFA001","libelle court":"Appendicectomie",)"
-      R"("libelle long":"Ablation de l'appendice du rein gauche","type d'acte":"1",)"
-      R"("conditions generales":"Hospitalisation","notes":"Avec ou sans drainage","sexe compatible":"",)"
-      R"("code menu":3,"date de creation":"2005-03-25","date de fin":null,"frais de deplacement":"",)"
-      R"("nature d'assurance":["10"],"historiques":[{"date d'effet":"2005-03-25",)"
-      R"("admission au remboursement":"1","entente prealable":"O","exoneration tm":["1"],"procedure":[],)"
-      R"("acte incompatible":["ZZLP025"]}],"activites":[{"code activite":"1","agrement radio":[],)"
-      R"("rmo":["RMO01"],"extension documentaire":[],"historiques":[{"date d'effet":"2005-03-25",)"
-      R"("categorie medicale":"01","code regroupement":"ADC","modificateur":["A","F"],)"
-      R"("classe specialite":["10"],"association":[{"acte":"ZZLP025","regle":"A"}]}],)"
-      R"("phases":[{"code phase":"0","nombre de dents a traiter":"","age minimum":2,"age maximum":90,)"
-      R"("dent incompatible":[],"historiques":[{"date d'effet":"2012-07-01","prix unitaire":193.51,)"
-      R"("supplement de charges":12.5,"majoration dom":[1.1,1.2,1.3,1.4]},)"
-      R"({"date d'effet":"2005-03-25","prix unitaire":100.01,"supplement de charges":0.0,)"
-      R"("majoration dom":[1.0,1.0,1.0,1.0]}]}]}]})");
+  EXPECT_EQ(listerActe(acte).dump(),
+            R"({"code":"HHFA001","libelleCourt":"Appendicectomie",)"
+            R"("libelleLong":"Ablation de l'appendice du rein gauche","type":"1",)"
+            R"("conditions":"Hospitalisation","notes":"Avec ou sans drainage","sexe":"",)"
+            R"("menu":3,"creation":"2005-03-25","fin":null,"fraisDeplacement":"",)"
+            R"("naturesAssurance":["10"],"historique":[{"effet":"2005-03-25",)"
+            R"("admission":"1","ententePrealable":"O","exonerations":["1"],"procedures":[],)"
+            R"("incompatibles":["ZZLP025"]}],"activite":[{"code":"1","agrementsRadio":[],)"
+            R"("rmo":["RMO01"],"extensions":[],"historique":[{"effet":"2005-03-25",)"
+            R"("categorieMedicale":"01","regroupement":"ADC","modificateurs":["A","F"],)"
+            R"("classesSpecialite":["10"],"associations":[{"acte":"ZZLP025","regle":"A"}]}],)"
+            R"("phase":[{"code":"0","nombreDents":"","ageMinimum":2,"ageMaximum":90,)"
+            R"("dentsIncompatibles":[],"historique":[{"effet":"2012-07-01","prix":193.51,)"
+            R"("supplement":12.5,"dom":[1.1,1.2,1.3,1.4]},)"
+            R"({"effet":"2005-03-25","prix":100.01,"supplement":0.0,)"
+            R"("dom":[1.0,1.0,1.0,1.0]}]}]}]})");
   EXPECT_EQ(fichier_->lireActe(CodeActe("HHFA002"), acte), NOX_CR_CODE_INCONNU);
 }
 
@@ -149,10 +151,10 @@ TEST_F(Compilation, DonneATouteRegleSesTroisLignes) {
   const JsonOrdonne regles = lister(34);
   ASSERT_GT(regles.size(), 50U);
   for (const JsonOrdonne& regle : regles) {
-    const Code identifiant(regle["identifiant de la regle"].get<std::string>());
+    const Code identifiant(regle["identifiant"].get<std::string>());
     Code reference;
     ASSERT_EQ(lecture_.rechercherReferenceCdC(identifiant, reference), NOX_CR_OK) << identifiant.lireTexte();
-    EXPECT_EQ(std::string(reference.vue()), regle["reference CdC de la regle"].get<std::string>());
+    EXPECT_EQ(std::string(reference.vue()), regle["reference"].get<std::string>());
     ListeCodes nonVerifiables;
     EXPECT_EQ(lecture_.rechercherReglesNonVerifiables(reference, nonVerifiables), NOX_CR_OK)
         << reference.lireTexte();
@@ -163,11 +165,11 @@ TEST_F(Compilation, RangeLesFonctionsParFamilleEtParNom) {
   std::string precedent;
   std::size_t controlesComplets = 0;
   for (const JsonOrdonne& ligne : lister(49)) {
-    const std::string code = ligne["code fonction"];
+    const std::string code = ligne["fonction"];
     if (code.empty()) {
       continue;
     }
-    std::string cle = code + ligne["nom du super-groupe"].get<std::string>();
+    std::string cle = code + ligne["nom"].get<std::string>();
     for (char& c : cle) {
       c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }
@@ -177,6 +179,47 @@ TEST_F(Compilation, RangeLesFonctionsParFamilleEtParNom) {
   }
   EXPECT_EQ(precedent[0], '6');
   EXPECT_EQ(controlesComplets, 1U);
+}
+
+template <class Liste>
+std::string cles(const Liste& champs) {
+  std::string texte;
+  const auto ajouter = [&](const NomChamp& nom) {
+    texte += (texte.empty() ? "`" : ", `") + cleJson(nom) + "`";
+  };
+  std::apply([&](const auto&... champ) { (ajouter(champ.nom), ...); }, champs);
+  return texte;
+}
+
+// What hosts may count on: the keys of every table and of every level, in the order of the file.
+TEST(Listage, ALesClesQueSonDocumentDit) {
+  std::set<std::string> attendues;
+  const auto attendre = [&]<class... L>(std::type_identity<std::tuple<L...>>) {
+    (attendues.insert(phrase("| ", std::to_string(1000 + L::IDENTIFIANT).substr(1), " | `", L::NOM, "` | ",
+                             cles(L::champs()), " |")),
+     ...);
+  };
+  attendre(std::type_identity<Catalogue>{});
+  const auto niveau = [&]<class N>(const char* nom, std::type_identity<N>) {
+    attendues.insert(phrase("| ", nom, " | ", cles(ChampsDuNiveau<N>::liste()), " |"));
+  };
+  niveau("an act", std::type_identity<NiveauActe>{});
+  niveau("`historique` of an act", std::type_identity<HistoriqueNiveauActe>{});
+  niveau("`activite`", std::type_identity<NiveauActivite>{});
+  niveau("`historique` of an activity", std::type_identity<HistoriqueNiveauActivite>{});
+  niveau("an element of `associations`", std::type_identity<Association>{});
+  niveau("`phase`", std::type_identity<NiveauPhase>{});
+  niveau("`historique` of a phase", std::type_identity<HistoriqueNiveauPhase>{});
+  std::set<std::string> dites;
+  std::istringstream document(lireOctets(depot() / "docs/listage.md"));
+  bool desCles = false;
+  for (std::string ligne; std::getline(document, ligne);) {
+    desCles = desCles || ligne.starts_with("## ");
+    if (desCles && ligne.starts_with("| ") && ligne.find("`") != ligne.npos) {
+      dites.insert(ligne);
+    }
+  }
+  EXPECT_EQ(dites, attendues);
 }
 
 // A damaged file is shown all the same, and its damage told.
@@ -218,7 +261,7 @@ TEST_F(Compilation, RelitLesModifications) {
   EXPECT_EQ(modifications->tables().size(), NOMBRE_TABLES_MODIFICATION);
   CodeRetour cr = NOX_CR_OK;
   EXPECT_EQ(listerTable(*modifications, *modifications->chercherTable(39), cr).dump(),
-            R"([{"position seuil":2,"date d'effet":"2026-03-01","seuil":130.5}])");
+            R"([{"position":2,"effet":"2026-03-01","seuil":130.5}])");
   NiveauActe acte;
   EXPECT_EQ(modifications->lireActe(CodeActe("HHFA001"), acte), NOX_CR_CODE_INCONNU);
 }

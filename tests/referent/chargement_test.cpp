@@ -216,7 +216,7 @@ TEST_F(Chargement, modifications) {
   ASSERT_EQ(charger(), 0);
   EXPECT_EQ(referentiel_->entete.numeroRevision, 12);
   EXPECT_EQ(referentiel_->lignes<Seuil>()[0].metropole, 125.0);
-  EXPECT_EQ(referentiel_->lignes<Seuil>()[1].dateFin, (DateBrute{2025, 12, 31}));
+  EXPECT_EQ(referentiel_->lignes<Seuil>()[1].fin, (DateBrute{2025, 12, 31}));
 
   retirerTables("modifref.nox", "043");
   EXPECT_EQ(charger(), 0xD651);
