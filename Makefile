@@ -58,7 +58,7 @@ test-page: AXE = build/page/node_modules/axe-core/axe.min.js
 test-page: release
 	@packaging/installer-paquets chromium chromium-driver python3-selenium || echo "test-page: the browser cannot be installed"
 	@command -v npm >/dev/null || packaging/installer-paquets npm || echo "test-page: npm cannot be installed"
-	@[ -f $(AXE) ] || npm install --no-save --no-audit --no-fund --prefix build/page axe-core@4.14.1 >/dev/null 2>&1 || \
+	@[ -f $(AXE) ] || npm install --no-save --no-audit --no-fund --fetch-retries 1 --prefix build/page axe-core@4.14.1 >/dev/null 2>&1 || \
 	  echo "test-page: axe-core cannot be had"
 	@build/release/noxlux compiler reference/exemple --socle reference/socle -o build/exemple >/dev/null
 	@$(PYTHON) tests/page/verifier-page.py build/release/noxlux build/exemple . $$([ ! -f $(AXE) ] || echo $(AXE)) || [ $$? -eq 77 ]
