@@ -34,7 +34,7 @@ struct Question {
   const char* date = JANVIER;
 };
 
-TEST_F(Consultation, AnswersOfEveryIdentifier) {
+TEST_F(Consultation, repondAToutIdentifiant) {
   const Question questions[] = {
       {"CCAM_1", acte("HBFD008"), {{3116, {"O"}}}},
       {"CCAM_1", acte("ZZZZ999"), {{3116, {"N"}}}},
@@ -157,7 +157,7 @@ TEST_F(Consultation, AnswersOfEveryIdentifier) {
   EXPECT_EQ(vus.size(), 55U);
 }
 
-TEST_F(Consultation, DatesAtTheBounds) {
+TEST_F(Consultation, tientLesBornesDesDates) {
   const struct {
     Zone entree;
     const char* date;
@@ -190,7 +190,7 @@ TEST_F(Consultation, DatesAtTheBounds) {
   EXPECT_EQ(consulter("TB07_1", "20050324", {{3017, {"971"}}}).code, 0xD003U);
 }
 
-TEST_F(Consultation, RefusedQuestions) {
+TEST_F(Consultation, refuseLesQuestionsMalPosees) {
   const struct {
     const char* identifiant;
     Zone entree;
@@ -215,7 +215,7 @@ TEST_F(Consultation, RefusedQuestions) {
   }
 }
 
-TEST_F(Consultation, Messages) {
+TEST_F(Consultation, messages) {
   const TraceEssai trace({1});
   consulter("CCAM_37", "20140531", phase("HBLD036"));
   consulter("CCAM_37", "20190401", phase("HBLD036"));

@@ -6,7 +6,7 @@ namespace {
 
 class Regles : public AvecReference {};
 
-TEST_F(Regles, Messages) {
+TEST_F(Regles, messages) {
   const TraceEssai trace({1, 4});
   // The rules that disengage a service are asked before the request is read.
   EXPECT_EQ(appliquer("C_Pu", {{3400, {"1", "7511"}}}).code, 0x9002U);

@@ -196,7 +196,7 @@ class Base:
 
     def compiler(self, *options, tables=None, sortie=None):
         return subprocess.run([COMMANDE, "compiler", "--base-dbf", tables or self.tables, "--socle", SOURCES / "reference/socle",
-                               "-o", sortie or self.sortie, *options], capture_output=True, text=True, timeout=300)
+                               "--complement", SOURCES / "reference/public", "-o", sortie or self.sortie, *options], capture_output=True, text=True, timeout=300)
 
     def consulter(self, identifiant, champs, date):
         nommes = [f"{nom}={valeur}" for nom, valeur in zip(self.champs[identifiant], champs, strict=True)]

@@ -129,7 +129,7 @@ class Fils : public AvecReference {
   std::string trace_ = dossier_.fichier("trace");
 };
 
-TEST_F(Fils, AnswersAreThoseOfAThreadAlone) {
+TEST_F(Fils, repondCommeUnFilSeul) {
   // Alone first: the answers, before and after the changes, and the lines that the trace may hold.
   demandes_ = demandes();
   tracer(2);

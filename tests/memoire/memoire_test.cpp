@@ -183,7 +183,7 @@ class Memoire : public AvecReference {
   long essais_ = 0;
 };
 
-TEST_F(Memoire, RequestsOnLoadedData) {
+TEST_F(Memoire, demandesSurDonneesChargees) {
   Bloc controle(RADIO);
   const std::string trace = dossier_.fichier("trace.txt");
   char resultat = 0;
@@ -230,7 +230,7 @@ TEST_F(Memoire, RequestsOnLoadedData) {
   }
 }
 
-TEST_F(Memoire, FullCheck) {
+TEST_F(Memoire, controleComplet) {
   Zone facture = {{1110, {"123456789", "01", "", "", "1", "08", "", "", "", "", "", "", "19800229"}},
                   {1511, {"N"}}};
   for (const char* numero : {"1", "2"}) {
@@ -260,7 +260,7 @@ TEST_F(Memoire, FullCheck) {
 }
 
 // What is read on first use is read again after a failure.
-TEST_F(Memoire, FirstUse) {
+TEST_F(Memoire, premierUsage) {
   const Appel appels[] = {
       consultation("CCAM_37", PHASE),
       consultation("CCAM_16a", {{3010, {"HBFD008"}}}),
@@ -281,7 +281,7 @@ TEST_F(Memoire, FirstUse) {
   }
 }
 
-TEST_F(Memoire, ChangesCancellationsAndSaves) {
+TEST_F(Memoire, changementsAnnulationsEtSauvegardes) {
   const struct {
     const char* identifiant;
     Zone changement;
@@ -342,7 +342,7 @@ TEST_F(Memoire, ChangesCancellationsAndSaves) {
   }
 }
 
-TEST_F(Memoire, StartUp) {
+TEST_F(Memoire, demarrage) {
   // With something to apply again.
   ASSERT_EQ(modifier("TB07_1", DATE, {{3205, {"972", "15000"}}}), NOX_CR_OK);
   ASSERT_EQ(modifier("TB11_1", DATE, {{3206, {"M", "3000"}}}), NOX_CR_OK);
@@ -367,7 +367,7 @@ TEST_F(Memoire, StartUp) {
   essais_ = n;
 }
 
-TEST(BlocsDeZone, OutOfMemory) {
+TEST(BlocsDeZone, sansMemoire) {
 #if !defined(__SANITIZE_ADDRESS__)
   void* zone = &echec;
   restantes = 0;

@@ -24,7 +24,7 @@ Resultat lancer(const Repertoire& dossier, const std::string& arguments) {
   return {WIFEXITED(etat) ? WEXITSTATUS(etat) : -1, lireOctets(sortie), lireOctets(erreurs)};
 }
 
-TEST(Commande, CompileEtListe) {
+TEST(Commande, compileEtListe) {
   const Repertoire dossier;
   const std::string socleEtExemple =
       phrase((depot() / "reference/exemple").string(), " --socle ", (depot() / "reference/socle").string());
@@ -55,7 +55,7 @@ TEST(Commande, CompileEtListe) {
 }
 
 // What is changed locally, found by the options that every other subcommand has.
-TEST(Commande, DitCeQuiEstModifie) {
+TEST(Commande, ditCeQuiEstModifie) {
   const Repertoire dossier;
   const std::string produit = (dossier.chemin() / "produit").string();
   const std::string ici = phrase(" -r ", produit, " --modifications ", dossier.chemin().string());
@@ -90,7 +90,7 @@ TEST(Commande, DitCeQuiEstModifie) {
 }
 
 // Each holds the lock from its load to its save: none is lost, even by a save in between.
-TEST(Commande, ModifieAvecDAutres) {
+TEST(Commande, modifieAvecDAutres) {
   const Repertoire dossier;
   const std::string produit = (dossier.chemin() / "produit").string();
   ASSERT_EQ(lancer(dossier, phrase("compiler ", (depot() / "reference/exemple").string(), " --socle ",
@@ -109,7 +109,7 @@ TEST(Commande, ModifieAvecDAutres) {
   }
 }
 
-TEST(Commande, RefuseAvecLeStatut2) {
+TEST(Commande, refuseAvecLeStatut2) {
   const Repertoire dossier;
   const std::string faux = dossier.ecrire("faux.toml", "[[menu]]\ncode = \"un\"\n").string();
   const std::string produit = (dossier.chemin() / "produit").string();

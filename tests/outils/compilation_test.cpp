@@ -54,7 +54,7 @@ class Compilation : public testing::Test {
   std::unique_ptr<FichierReference> fichier_;
 };
 
-TEST_F(Compilation, EcritLEnteteEtLesTables) {
+TEST_F(Compilation, ecritLEnteteEtLesTables) {
   const EnteteFichier& entete = fichier_->entete();
   EXPECT_EQ(entete.crc, entete.crcCalcule);
   EXPECT_EQ(entete.version + entete.versionBaseCCAM + entete.date + entete.versionMinimum + entete.revision +
@@ -68,7 +68,7 @@ TEST_F(Compilation, EcritLEnteteEtLesTables) {
       R"({"debut":"2005-03-25","fin":null,"metropole":120.0,"antilles":121.5,"reunion":122.0,"guyane":123.0})");
 }
 
-TEST_F(Compilation, EcritLesActesEntiers) {
+TEST_F(Compilation, ecritLesActesEntiers) {
   NiveauActe acte;
   ASSERT_EQ(fichier_->lireActe(CodeActe("HHFA001"), acte), NOX_CR_OK);
   EXPECT_EQ(listerActe(acte).dump(),
@@ -90,13 +90,13 @@ TEST_F(Compilation, EcritLesActesEntiers) {
   EXPECT_EQ(fichier_->lireActe(CodeActe("HHFA002"), acte), NOX_CR_CODE_INCONNU);
 }
 
-TEST_F(Compilation, DonneLesMemesOctetsDeuxFois) {
+TEST_F(Compilation, donneLesMemesOctetsDeuxFois) {
   const Repertoire autre;
   ASSERT_EQ(compilerTexte(NOMENCLATURE, autre.chemin()).size(), 0U);
   EXPECT_EQ(lireOctets(autre.chemin() / "tablebin.nox"), lireOctets(sortie_.chemin() / "tablebin.nox"));
 }
 
-TEST_F(Compilation, IndexeLesMotsParCadre) {
+TEST_F(Compilation, indexeLesMotsParCadre) {
   const struct {
     const char* mot;
     unsigned long cadre;
@@ -127,7 +127,7 @@ TEST_F(Compilation, IndexeLesMotsParCadre) {
 }
 
 // The members of a class follow from the class of each speciality over time.
-TEST_F(Compilation, DeduitLesClassesDeSpecialites) {
+TEST_F(Compilation, deduitLesClassesDeSpecialites) {
   const auto membres = [&](const char* classe, const Date& date) {
     ListeCodes codes;
     std::string resultat;
@@ -147,7 +147,7 @@ TEST_F(Compilation, DeduitLesClassesDeSpecialites) {
 }
 
 // Every rule that the catalogue tells can be looked up by what the library looks it up with.
-TEST_F(Compilation, DonneATouteRegleSesTroisLignes) {
+TEST_F(Compilation, donneATouteRegleSesTroisLignes) {
   const JsonOrdonne regles = lister(34);
   ASSERT_GT(regles.size(), 50U);
   for (const JsonOrdonne& regle : regles) {
@@ -161,7 +161,7 @@ TEST_F(Compilation, DonneATouteRegleSesTroisLignes) {
   }
 }
 
-TEST_F(Compilation, RangeLesFonctionsParFamilleEtParNom) {
+TEST_F(Compilation, rangeLesFonctionsParFamilleEtParNom) {
   std::string precedent;
   std::size_t controlesComplets = 0;
   for (const JsonOrdonne& ligne : lister(49)) {
@@ -192,7 +192,7 @@ std::string cles(const Liste& champs) {
 }
 
 // What hosts may count on: the keys of every table and of every level, in the order of the file.
-TEST(Listage, ALesClesQueSonDocumentDit) {
+TEST(Listage, aLesClesQueSonDocumentDit) {
   std::set<std::string> attendues;
   const auto attendre = [&]<class... L>(std::type_identity<std::tuple<L...>>) {
     (attendues.insert(phrase("| ", std::to_string(1000 + L::IDENTIFIANT).substr(1), " | `", L::NOM, "` | ",
@@ -223,7 +223,7 @@ TEST(Listage, ALesClesQueSonDocumentDit) {
 }
 
 // A damaged file is shown all the same, and its damage told.
-TEST_F(Compilation, RelitUnFichierAbime) {
+TEST_F(Compilation, relitUnFichierAbime) {
   const std::string octets = lireOctets(sortie_.chemin() / "tablebin.nox");
   const auto relire = [&](const std::string& contenu, std::string& raison) {
     return FichierReference::ouvrir(sortie_.ecrire("abime.nox", contenu).string(), raison);
@@ -249,7 +249,7 @@ TEST_F(Compilation, RelitUnFichierAbime) {
   EXPECT_EQ(relire(perdu, raison)->lireActe(CodeActe("HHFA001"), acte), NOX_CR_LECTURE_REFERENCE);
 }
 
-TEST_F(Compilation, RelitLesModifications) {
+TEST_F(Compilation, relitLesModifications) {
   referentiel_.lignes<ModificationSeuil>().push_back({2, {2026, 3, 1}, 130.5});
   ASSERT_EQ(referentiel_.sauvegarderModifications(), NOX_CR_OK);
   std::string raison;
@@ -267,7 +267,7 @@ TEST_F(Compilation, RelitLesModifications) {
 }
 
 // The example: every price asked from the store is the one its source tells.
-TEST(Exemple, RepondCeQueSesSourcesDisent) {
+TEST(Exemple, repondCeQueSesSourcesDisent) {
   Modele modele;
   Rapport rapport;
   Bilan bilan;

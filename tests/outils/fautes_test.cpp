@@ -93,12 +93,12 @@ std::size_t ligneDe(const std::string& texte, const char* passage) {
   return static_cast<std::size_t>(std::count(texte.begin(), texte.begin() + position, '\n')) + 1;
 }
 
-TEST(Fautes, LaNomenclatureDEssaiNEnAPas) {
+TEST(Fautes, laNomenclatureDEssaiNEnAPas) {
   const Repertoire sortie;
   EXPECT_EQ(compilerTexte(NOMENCLATURE, sortie.chemin()), std::vector<std::string>());
 }
 
-TEST(Fautes, SontDitesAvecLeurPlace) {
+TEST(Fautes, sontDitesAvecLeurPlace) {
   for (const Cas& cas : FAUTES) {
     const std::string texte = remplacer(NOMENCLATURE, cas.ancien, cas.nouveau);
     const Repertoire sortie;
@@ -158,7 +158,7 @@ constexpr CasSocle FAUTES_SOCLE[] = {
     {"[[fonction]]\nfamille=\"controle_complet\"\nnom=\"X\"\nnumero=9999", "une et une seule"},
 };
 
-TEST(Fautes, DuSocle) {
+TEST(Fautes, duSocle) {
   for (const CasSocle& cas : FAUTES_SOCLE) {
     const Repertoire sortie;
     const std::vector<std::string> fautes =
@@ -170,7 +170,7 @@ TEST(Fautes, DuSocle) {
   }
 }
 
-TEST(Fautes, DUneListeQuUnActeNePeutTenir) {
+TEST(Fautes, dUneListeQuUnActeNePeutTenir) {
   Modele modele;
   Rapport rapport;
   Bilan bilan;
@@ -183,7 +183,7 @@ TEST(Fautes, DUneListeQuUnActeNePeutTenir) {
       std::ranges::any_of(fautes, [](const auto& f) { return f.find("65540 ") != std::string::npos; }));
 }
 
-TEST(Fautes, SontToutesDitesEnUneFois) {
+TEST(Fautes, sontToutesDitesEnUneFois) {
   std::string texte = remplacer(NOMENCLATURE, "prix = 48", "prix = \"48\"");
   texte = remplacer(texte, "revision = 7", "revision = -7");
   texte = remplacer(texte, "pere = 2", "pere = 8");
@@ -195,7 +195,7 @@ TEST(Fautes, SontToutesDitesEnUneFois) {
   EXPECT_NE(fautes[2].find("menu"), std::string::npos);
 }
 
-TEST(Fautes, DesFichiers) {
+TEST(Fautes, desFichiers) {
   const Repertoire sources;
   const Repertoire vide;
   const auto premiere = [](const std::string& chemin) {
@@ -221,7 +221,7 @@ TEST(Fautes, DesFichiers) {
   EXPECT_EQ(modele.menus.size(), 1U);
 }
 
-TEST(Fautes, NAbimentPasLaReferenceEnPlace) {
+TEST(Fautes, nAbimentPasLaReferenceEnPlace) {
   const Repertoire sortie;
   ASSERT_EQ(compilerTexte(NOMENCLATURE, sortie.chemin()).size(), 0U);
   const std::string avant = lireOctets(sortie.chemin() / "tablebin.nox");

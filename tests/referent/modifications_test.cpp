@@ -98,7 +98,7 @@ class Modifications : public testing::Test, protected MagasinEssai {
   NiveauActe* acte;
 };
 
-TEST_F(Modifications, LignesCommunesADeuxCodes) {
+TEST_F(Modifications, lignesCommunesADeuxCodes) {
   // A compact reference may let two codes share their histories: a change of one leaves the other alone.
   poser<AssociationNonPrevue>({{'1', {0, 2}}, {'2', {0, 2}}, {'3', {1, 1}}});
   poser<HistoriqueAssociationNonPrevue>(
@@ -122,7 +122,7 @@ TEST_F(Modifications, LignesCommunesADeuxCodes) {
   }
 }
 
-TEST_F(Modifications, BeaucoupDeChangementsDUnePhase) {
+TEST_F(Modifications, beaucoupDeChangementsDUnePhase) {
   // The processor time of n changes of a phase, and of their re-application to the act read again.
   const auto duree = [this](unsigned n, const char* code) {
     NiveauActe& change = poserActe(code);
@@ -141,7 +141,7 @@ TEST_F(Modifications, BeaucoupDeChangementsDUnePhase) {
   EXPECT_LT(duree(64000, "JAAA002"), simple * 24) << "eight times the changes, eight times the time";
 }
 
-TEST_F(Modifications, TablePleine) {
+TEST_F(Modifications, tablePleine) {
   auto& historiques = referentiel.lignes<HistoriqueValeurModificateur>();
   historiques.resize(65534, historiques[0]);
   EXPECT_EQ(modification.modifierForfaitModificateur(Code("A"), date(20220101), Montant(9)), NOX_CR_OK);
@@ -151,7 +151,7 @@ TEST_F(Modifications, TablePleine) {
   EXPECT_EQ(forfait("U", 20220101), 4);
 }
 
-TEST_F(Modifications, NouveauxCodesRegroupement) {
+TEST_F(Modifications, nouveauxCodesRegroupement) {
   const std::string avant = contenu();
   for (const char* code : {"AXI", "ZZZ", "AAA"}) {
     EXPECT_EQ(modification.ajouterCodeRegroupement(date(20220101), Code(code), Texte(code)), NOX_CR_OK);
@@ -181,7 +181,7 @@ TEST_F(Modifications, NouveauxCodesRegroupement) {
             NOX_CR_DONNEE_ABSENTE);
 }
 
-TEST_F(Modifications, ReapplicationDonneLeMemeMagasin) {
+TEST_F(Modifications, reapplicationDonneLeMemeMagasin) {
   // Recorded as the files keep them: each table in its own order, so that dates interleave.
   modification.modifierSupplementCharges(ACTE, UN, ZERO, date(20210101), Montant(4));
   modification.modifierPrixUnitaire(ACTE, UN, ZERO, date(20220101), Montant(50));

@@ -19,7 +19,7 @@ using Numeros = std::vector<std::int32_t>;
 
 class ReglesSeance : public ReglesEssai {};
 
-TEST_F(ReglesSeance, UnGesteComplementaireAccompagneUnActe) {
+TEST_F(ReglesSeance, unGesteComplementaireAccompagneUnActe) {
   LigneCCAM& geste = ajouter("ZZZZ001");
   grouper();
   verifier("avec un acte isolé", reglementation, &R::appliquerProd580, geste, RIEN);
@@ -33,7 +33,7 @@ TEST_F(ReglesSeance, UnGesteComplementaireAccompagneUnActe) {
   verifier("la veille", reglementation, &R::appliquerProd580, geste, {"R580", {"ZZZZ001"}});
 }
 
-TEST_F(ReglesSeance, ActesIncompatibles) {
+TEST_F(ReglesSeance, actesIncompatibles) {
   ligne->acte = Code("CCCC001");
   LigneCCAM& autre = ajouter("DDDD001");
   grouper();
@@ -47,7 +47,7 @@ TEST_F(ReglesSeance, ActesIncompatibles) {
   verifier("le lendemain", reglementation, &R::appliquerProd600, *ligne, RIEN);
 }
 
-TEST_F(ReglesSeance, ModificateurSurUnSeulActe) {
+TEST_F(ReglesSeance, modificateurSurUnSeulActe) {
   LigneCCAM& autre = ajouter("BBBB001");
   ligne->modificateur = codes({"E", "F"});
   autre.modificateur = codes({"F", "E"});
@@ -138,7 +138,7 @@ const std::vector<CasAssociation> CAS_ASSOCIATION{
 };
 
 // A fact is told once: each association of the table is put before all the rules.
-TEST_P(ReglesAssociation, UneSeuleRegleLeve) {
+TEST_P(ReglesAssociation, uneSeuleRegleLeve) {
   const CasAssociation& cas = GetParam();
   facture.lignes.clear();
   for (const Ligne& attendue : cas.lignes) {
@@ -166,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(Toutes, ReglesAssociation, ::testing::ValuesIn(CAS_ASSO
 
 class NombreActes : public ReglesEssai {};
 
-TEST_F(NombreActes, LimiteSaufCategoriesLibres) {
+TEST_F(NombreActes, limiteSaufCategoriesLibres) {
   for (int i = 0; i < 2; ++i) {
     ajouter("BBBB001");
   }
@@ -213,7 +213,7 @@ class Compatibilite : public ReglesEssai {
   }
 };
 
-TEST_F(Compatibilite, QuatreReponses) {
+TEST_F(Compatibilite, quatreReponses) {
   EXPECT_EQ(comparer("AAAA001", "DDDD001"), "C ");
   EXPECT_EQ(comparer("CCCC001", "DDDD001"), "I ");
   EXPECT_EQ(comparer("DDDD001", "CCCC001", "759999999"), "I ");
@@ -230,7 +230,7 @@ TEST_F(Compatibilite, QuatreReponses) {
             NOX_CR_CODE_INCONNU);
 }
 
-TEST_F(Compatibilite, AssociationPrevue) {
+TEST_F(Compatibilite, associationPrevue) {
   const auto type = [&](std::initializer_list<const char*> actes, CodeRetour attendu = NOX_CR_OK) {
     facture.lignes.clear();
     for (const char* code : actes) {

@@ -14,7 +14,7 @@ class ReglesLigne : public ReglesEssai {
       ReglesEssai::ligne, ReglesEssai::poser, ReglesEssai::codes, ReglesEssai::JOUR;
 };
 
-TEST_F(ReglesLigne, UneLigneCorrecteNeLeveRien) {
+TEST_F(ReglesLigne, uneLigneCorrecteNeLeveRien) {
   ligne->modificateur = codes({"E", "A"});
   for (const auto regle :
        {&R::appliquerProd500,  &R::appliquerProd510,  &R::appliquerProd511A, &R::appliquerProd890,
@@ -215,7 +215,7 @@ const std::vector<Cas>& lesCas() {
 
 class ReglesLigneCas : public ReglesLigne, public ::testing::WithParamInterface<std::size_t> {};
 
-TEST_P(ReglesLigneCas, Leve) {
+TEST_P(ReglesLigneCas, leve) {
   const Cas& cas = lesCas()[GetParam()];
   for (const Changement& changement : cas.changements) {
     changement(*this);
@@ -224,7 +224,7 @@ TEST_P(ReglesLigneCas, Leve) {
 }
 INSTANTIATE_TEST_SUITE_P(Toutes, ReglesLigneCas, ::testing::Range(std::size_t{0}, lesCas().size()));
 
-TEST_F(ReglesLigne, LignesNonCcam) {
+TEST_F(ReglesLigne, lignesNonCcam) {
   LigneActe prestation;
   prestation.date = date(JOUR);
   prestation.specialitePS = Code("04");
@@ -249,7 +249,7 @@ TEST_F(ReglesLigne, LignesNonCcam) {
   verifier("frais d'un acte inconnu", reglementation, &R::appliquerProd690A, kilometres, RIEN);
 }
 
-TEST_F(ReglesLigne, Questions) {
+TEST_F(ReglesLigne, questions) {
   const auto demander = [&](CodeRetour (R::*question)(const LigneCCAM&, Booleen&), const char* code) {
     Booleen reponse;
     ligne->acte = Code(code);
@@ -264,7 +264,7 @@ TEST_F(ReglesLigne, Questions) {
   EXPECT_FALSE(demander(&R::appliquerProd580A, "AAAA001"));
 }
 
-TEST_F(ReglesLigne, ControleDesDonnees) {
+TEST_F(ReglesLigne, controleDesDonnees) {
   const Code a("AAAA001");
   const Code e("EEEE001");
   const Code un("1");
@@ -310,7 +310,7 @@ TEST_F(ReglesLigne, ControleDesDonnees) {
 }
 
 // A datum that the reference lacks stops the rule with the code of the query, and raises nothing.
-TEST_F(ReglesLigne, UneLectureManqueeArreteLaRegle) {
+TEST_F(ReglesLigne, uneLectureManqueeArreteLaRegle) {
   Erreur erreur;
   Constat constat(reglementation, "PROD530", erreur);
   ligne->acte = Code("XXXX999");

@@ -23,7 +23,7 @@ class Prix : public ReglesEssai {
   }
 };
 
-TEST_F(Prix, PrixUnitaireEtMajorationDOM) {
+TEST_F(Prix, prixUnitaireEtMajorationDOM) {
   EXPECT_DOUBLE_EQ(prix("751"), 100.0);
   EXPECT_DOUBLE_EQ(prix(""), 100.0);
   EXPECT_DOUBLE_EQ(prix("971"), 150.0);
@@ -33,7 +33,7 @@ TEST_F(Prix, PrixUnitaireEtMajorationDOM) {
   EXPECT_DOUBLE_EQ(prix("975"), 100.0);
 }
 
-TEST_F(Prix, PrixFacture) {
+TEST_F(Prix, prixFacture) {
   const auto comparer = [&](double calcule, double facture_, const Attente& attente) {
     ligne->prixCalcule = Montant(calcule);
     ligne->prixUnitaire = Montant(facture_);
@@ -45,7 +45,7 @@ TEST_F(Prix, PrixFacture) {
   comparer(100.00, 99.99, {"R850", {"100.00"}});
 }
 
-TEST_F(Prix, BasesFacturees) {
+TEST_F(Prix, basesFacturees) {
   ligne->baseCalculee = Montant(80.0);
   facturerBase(80.00, 80.00);
   verifier("base égale", tarification, &T::appliquerProd880, *ligne, RIEN);
@@ -59,7 +59,7 @@ TEST_F(Prix, BasesFacturees) {
   verifier("non facturée", tarification, &T::appliquerProd880A, *ligne, RIEN);
 }
 
-TEST_F(Prix, ActeRembourse) {
+TEST_F(Prix, acteRembourse) {
   const auto rembourse = [&](char admission, const char* exceptionnel) {
     Booleen reponse;
     acte("AAAA001").historiques[0].admissionRemboursement = admission;
@@ -115,7 +115,7 @@ class Bases : public ReglesEssai {
   std::optional<Code> identifiant;
 };
 
-TEST_F(Bases, Modificateurs) {
+TEST_F(Bases, modificateurs) {
   calculer("aucun", "1", {{"AAAA001", "", 80.0, {}, 80.0, 80.0}});
   calculer("un forfait", "1", {{"AAAA001", "", 80.0, {"A"}, 90.0, 80.0}});
   calculer("un taux", "1", {{"AAAA001", "", 80.0, {"E"}, 120.0, 120.0}});
@@ -126,7 +126,7 @@ TEST_F(Bases, Modificateurs) {
   calculer("aucun ne compte", "1", {{"AAAA001", "", 100.0, {"E"}, 100.0, 100.0}});
 }
 
-TEST_F(Bases, Associations) {
+TEST_F(Bases, associations) {
   calculer("règle tarifaire", "1",
            {{"AAAA001", "", 100.0, {}, 100.0, 100.0}, {"BBBB001", "", 60.0, {}, 45.0, 45.0}});
   calculer("le second est le plus cher", "1",
@@ -154,7 +154,7 @@ TEST_F(Bases, Associations) {
   EXPECT_EQ(tarification.appliquerCBase(Code("1"), association()), NOX_CR_DONNEE_ABSENTE);
 }
 
-TEST_F(Bases, SupplementPourCharges) {
+TEST_F(Bases, supplementPourCharges) {
   const auto base = [&](std::optional<const char*> s, std::optional<const char*> l,
                         std::optional<const char*> i, double attendue) {
     const auto code = [](std::optional<const char*> texte) {
@@ -173,7 +173,7 @@ TEST_F(Bases, SupplementPourCharges) {
   base("1", "2", "750000001", 80.0);
 }
 
-TEST_F(Bases, NonConventionnes) {
+TEST_F(Bases, nonConventionnes) {
   calculer("forfait, base plus petite", "0", {{"AAAA001", "", 8.0, {}, 8.0, 8.0}});
   calculer("forfait, base plus grande", "0", {{"AAAA001", "", 100.0, {}, 10.0, 100.0}});
   quand = 20191231;
@@ -225,7 +225,7 @@ const std::vector<CasExoneration> CAS_EXONERATION{
     {"plus que le taux plein", {'1'}, "4", 1.01, 20.0, {"R795A", {"AAAA001", "1.01"}}},
 };
 
-TEST_P(ExonerationLigne, UneSeuleRegleLeve) {
+TEST_P(ExonerationLigne, uneSeuleRegleLeve) {
   const CasExoneration& cas = GetParam();
   acte("AAAA001").historiques[0].exonerationsTM = compacte<char>(cas.codesActe);
   ligne->exonerationTM = Code(cas.motif);
@@ -266,7 +266,7 @@ class ExonerationFacture : public ReglesEssai {
   LigneActe* deplacement = nullptr;
 };
 
-TEST_F(ExonerationFacture, SommeDeLaSeance) {
+TEST_F(ExonerationFacture, sommeDeLaSeance) {
   EXPECT_EQ(etatSeance("751"), "2") << "120 atteint le seuil de métropole";
   EXPECT_EQ(etatSeance("975"), "2");
   EXPECT_EQ(etatSeance("971"), "3") << "130";
@@ -297,7 +297,7 @@ TEST_F(ExonerationFacture, SommeDeLaSeance) {
       << "sans le concept 13 rien ne se décide";
 }
 
-TEST_F(ExonerationFacture, CeQueReclamentLesLignes) {
+TEST_F(ExonerationFacture, ceQueReclamentLesLignes) {
   verifier("due avec la séance", tarification, &T::appliquerProd792, *ligne, {"R792", {"AAAA001"}});
   acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'1', '3'});
   verifier("exonéré par nature", tarification, &T::appliquerProd792, *ligne, RIEN);
@@ -328,7 +328,7 @@ TEST_F(ExonerationFacture, CeQueReclamentLesLignes) {
   verifier("la séance n'atteint pas le seuil", tarification, &T::appliquerProd792, *ligne, RIEN);
 }
 
-TEST_F(ExonerationFacture, LesLignesSontAjustees) {
+TEST_F(ExonerationFacture, lesLignesSontAjustees) {
   const Code metropole("751");
   ASSERT_EQ(tarification.appliquerProd790C(*ligne, metropole, Code("3")), NOX_CR_OK);
   EXPECT_DOUBLE_EQ(ligne->tauxRemboursement->lireValeur(), 0.7);
@@ -345,7 +345,7 @@ TEST_F(ExonerationFacture, LesLignesSontAjustees) {
   EXPECT_EQ(autre->exonerationTM->vue(), "4") << "une autre exonération reste";
 }
 
-TEST_F(ExonerationFacture, UnActeSeul) {
+TEST_F(ExonerationFacture, unActeSeul) {
   const auto decider = [&](const char* caisse, double base, const char* motif, double tauxLigne) {
     std::optional<Coefficient> taux(tauxLigne);
     Code code(motif);
@@ -367,7 +367,7 @@ TEST_F(ExonerationFacture, UnActeSeul) {
   EXPECT_EQ(decider("751", 120.0, "0", 0.7), "faux 0 70") << "sans le concept 23, le 13 sert aux deux";
 }
 
-TEST_F(ExonerationFacture, Prevention) {
+TEST_F(ExonerationFacture, prevention) {
   acte("AAAA001").historiques[0].exonerationsTM = compacte<char>({'5', '7'});
   Coefficient taux(0.6);
   Code code("0");
