@@ -482,7 +482,7 @@ struct FonctionsConsulter::Table {
       {100, "TB15_2", &F::valeur<LIBRE, &L::rechercherNombreModificateursTransmissibles>},
   });
   // clang-format on
-  static_assert(LIGNES.size() == 55 && estOrdonnee(LIGNES));
+  static_assert(estOrdonnee(LIGNES));
 };
 
 CodeRetour FonctionsConsulter::executer(std::uint16_t numero, ZoneSortie& zoneOut) {
