@@ -31,6 +31,7 @@ using Parametres = std::vector<std::string>;
 
 constexpr const char* REFERENCE_SERVIE = "servie";
 constexpr std::size_t REPONSE_MAX = 64U << 20U;
+constexpr std::size_t MOTS_MAX = 300;  // bytes of a search: each word is compared with all those of the acts
 
 // A request that was received whole, and its answer.
 class Texte : public httplib::Stream {
@@ -210,6 +211,9 @@ class Repondeur::Routes : private httplib::Server {
     criteres.texte = parametre(demande, "q");
     if (criteres.texte.find_first_not_of(' ') == std::string::npos) {
       throw Refus{400, "il faut des mots à chercher : /actes?q=fracture+fémur"};
+    }
+    if (criteres.texte.size() > MOTS_MAX) {
+      throw Refus{400, "trop de mots à chercher", MOTS_MAX};
     }
     criteres.chapitre = parametre(demande, "chapitre");
     lirePrix(parametre(demande, "prix"), criteres);

@@ -131,6 +131,7 @@ def verifier_document(s, compte):
             ("GET", "/actes?q=x&dat=2026-01-01", None, {}, 400, "DEMANDE", "« date »"),
             ("GET", "/actes?q=x&q=y", None, {}, 400, "DEMANDE", "plusieurs fois"),
             ("GET", "/actes?q=x&date=2026-02-31", None, {}, 400, "DEMANDE", "2026-02-31"),
+            ("GET", "/actes?q=" + "mot+" * 100, None, {}, 400, "DEMANDE", "trop de mots"),
             ("GET", "/actes?q=x&limite=1.5", None, {}, 400, "DEMANDE", "1.5"),
             ("GET", "/actes/HHFA00", None, {}, 404, "0xD002", "« HHFA001 »"),
             ("GET", "/consulter/CCAM_73", None, {}, 404, "0xD000", "« CCAM_37 »"),

@@ -639,7 +639,10 @@ function raisonDe(erreur) {
 }
 
 // A datum of the reference: what it is, of what, its value, since when, and whether it was changed here.
-function donneeDe({donnee, cles = {}, valeur, depuis, modifieeDepuis}) {
+function donneeDe({donnee, cles = {}, valeur, depuis, modifieeDepuis, phrase}) {
+  if (phrase) {
+    return phrase;
+  }
   const quoi = Object.entries(cles).map(([cle, code]) => `${cle} ${code}`).join(', ');
   return [`${donnee}${quoi ? ` (${quoi})` : ''} : ${cellule(valeur)}`, depuis && `depuis le ${jour(depuis)}`,
     modifieeDepuis && `modifié ici depuis le ${jour(modifieeDepuis)}`].filter(Boolean).join(', ');
@@ -664,19 +667,24 @@ function montantsDe(detail) {
       el('summary', {}, `Ligne ${ligne.numero} : étapes du calcul`), ...etapesDe(ligne)))];
 }
 
+// Steps that change nothing are left out.
+const compte = ({operation, operande}) => !(operation === 'fois' && operande === 1) && !(operation === 'plus' && operande === 0);
 const OPERATIONS = {depart: '', fois: '× ', plus: '+ ', plafond: 'au plus ', arrondi: ''};
 
 // From the price of the act to the base, step by step.
 function etapesDe({numero, etapes}) {
   const {prix = [], base = [], modificateurs = [], association = {}} = etapes;
   const tables = [['Prix', prix], ['Base', base]].filter(([, pas]) => pas.length).map(([nom, pas]) =>
-    tableau(`${nom} de la ligne ${numero}`, ['étape', 'calcul', 'résultat'], pas.map(({libelle, operation, operande, resultat, donnees = []}) => [
+    tableau(`${nom} de la ligne ${numero}`, ['étape', 'calcul', 'résultat'], pas.filter(compte).map(({libelle, operation, operande, resultat, donnees = []}) => [
       [libelle, ...donnees.map(donnee => el('span', {class: 'pale donnee'}, donneeDe(donnee)))],
       operation === 'depart' || operation === 'arrondi' ? '' : OPERATIONS[operation] + (operation === 'fois' ? enNombre.format(operande) : euros(operande)),
       operation === 'arrondi' || operation === 'depart' ? euros(resultat) : new Intl.NumberFormat('fr-FR', {maximumFractionDigits: 5}).format(resultat)]), 1));
   const plusChere = association.ligneLaPlusChere;
+  const selon = association.codeAssociation ? `, code association ${association.codeAssociation}`
+    : association.regleTarifaire ? `, règle tarifaire ${association.regleTarifaire}` : '';
   const dits = [
-    plusChere && plusChere !== numero ? `L'acte le plus cher de l'association est celui de la ligne ${plusChere}.` : '',
+    plusChere && plusChere !== numero ? `L'acte le plus cher de l'association est celui de la ligne ${plusChere}, ${euros(association.prixLePlusCher)}.` : '',
+    association.complementaire ? 'Acte complémentaire, jamais réduit.' : association.reduite ? `Acte réduit${selon}.` : '',
     ...modificateurs.map(({code, compte, nombreQuiComptent, ...valeurs}) => `Modificateur ${code} : ${compte ? effet(valeurs) : `non compté, au-delà des ${nombreQuiComptent} qui comptent`}.`)];
   return [...tables, ...liste(dits.filter(Boolean), dit => el('li', {}, dit))];
 }
@@ -772,7 +780,7 @@ const enMots = cle => cle.replace(/[A-Z]/g, lettre => ` ${lettre.toLowerCase()}`
 const TITRES = {actesAjoutes: 'actes ajoutés', libelles: 'libellés'};
 
 function cellule(valeur) {
-  return valeur === null || valeur === undefined ? '' : typeof valeur === 'number' ? enNombre.format(valeur)
+  return valeur === null || valeur === undefined ? '' : typeof valeur === 'boolean' ? (valeur ? 'oui' : 'non') : typeof valeur === 'number' ? enNombre.format(valeur)
     : typeof valeur === 'object' ? Object.values(valeur).map(cellule).join(' ') : jour(String(valeur));
 }
 
