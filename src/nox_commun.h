@@ -15,6 +15,7 @@
 #include "interapp/interface.h"
 #include "manip/zone_sortie.h"
 #include "referent/modification_donnees.h"
+#include "regles/observateur.h"
 #include "types/date.h"
 
 namespace noxlux {
@@ -139,6 +140,7 @@ template <class Action>
 Requete& Requete::lire(const Action& action) {
   return exigerAcces().suivre([&] {
     LectureDonnees lecture(bibliotheque.referentiel.get());
+    lecture.ecouter(Ecoute::observateur());
     return action(lecture);
   });
 }
@@ -147,6 +149,7 @@ template <class Action>
 Requete& Requete::ecrire(const Action& action) {
   return exigerAcces().suivre([&] {
     ModificationDonnees modification(bibliotheque.referentiel.get());
+    modification.ecouter(Ecoute::observateur());
     return action(modification);
   });
 }

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "compilateur/systeme.h"
+#include "noxlux/donnees_lues.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/noxlux.h"
 #include "noxlux/zone_json.h"
@@ -57,15 +58,16 @@ class Bibliotheque {
   std::string repertoireIni_;                                      // what REPERTOIRE_SYSTEME points at
 };
 
-// An answer: its code, and its zone when there is one.
+// An answer: its code, its zone when there is one, and why it is no better one, as Faute::cause tells it.
 struct Reponse {
   unsigned short code = 0;
   std::string zone;
+  Json cause;
 };
 
-// Calls an exported function that answers a zone, and takes the zone over.
-template <class F>
-Reponse appeler(F fonction) {
+// Calls an exported function that answers a zone, and takes the zone over; `ecoute` listens meanwhile.
+template <class E, class F>
+Reponse appelerEnEcoutant(const E& ecoute, F fonction) {
   void* zone = nullptr;
   unsigned int taille = 0;
   Reponse reponse;
@@ -74,7 +76,14 @@ Reponse appeler(F fonction) {
     reponse.zone.assign(static_cast<const char*>(zone), taille);
     NOX_LibererZoneMem(zone);
   }
+  if (reponse.code != 0) {
+    reponse.cause = ecoute.cause(reponse.code);
+  }
   return reponse;
+}
+template <class F>
+Reponse appeler(F fonction) {
+  return appelerEnEcoutant(EcouteFaute(), fonction);
 }
 
 // The same for a function whose only good answer is 0. Throws ErreurBibliotheque otherwise.
@@ -82,7 +91,7 @@ template <class F>
 std::string appelerOuEchouer(const std::string& nom, F fonction) {
   Reponse reponse = appeler(fonction);
   if (reponse.code != 0) {
-    throw ErreurBibliotheque(nom, reponse.code);
+    throw ErreurBibliotheque(nom, reponse.code, reponse.cause);
   }
   return std::move(reponse.zone);
 }

@@ -121,13 +121,15 @@ void BilanLot::compter(const Json& facture, const Json& reponse, const std::stri
       refusee["erreurs"].push_back({{"reference", erreur["reference"]},
                                     {"niveau", erreur["niveau"]},
                                     {"lignes", erreur["lignes"]},
-                                    {"libelle", erreur["libelle"]}});
+                                    {"libelle", erreur["libelle"]},
+                                    {"detail", membre(erreur, "detail")}});
     }
     if (reponse.contains("erreur")) {
       refusee["erreurs"].push_back({{"reference", membre(reponse, "code")},
                                     {"niveau", ""},
                                     {"lignes", Json::array()},
-                                    {"libelle", reponse["erreur"]}});
+                                    {"libelle", reponse["erreur"]},
+                                    {"detail", ""}});
     }
     refusees_.push_back(std::move(refusee));
   } else if (fautive) {
@@ -235,7 +237,8 @@ std::string pageBilan(const Json& bilan) {
       }
       raisons += (raisons.empty() ? "" : "<br>") +
                  ("<b>" + echapperHtml(texte(erreur["reference"])) + "</b>" + echapperHtml(ou) + " : " +
-                  echapperHtml(texte(erreur["libelle"])));
+                  echapperHtml(texte(erreur["libelle"])) + "<br><span class=\"pale\">" +
+                  echapperHtml(texte(erreur["detail"])) + "</span>");
     }
     const std::string reference = texte(refusee["reference"]);
     lignes.push_back({echapperHtml(reference.empty() ? "n° " + texte(refusee["rang"]) : reference) +
@@ -292,7 +295,7 @@ void ecrireLigne(std::ostream& sortie, const std::vector<std::string>& cellules)
 
 void ecrireTitresCsv(std::ostream& sortie) {
   ecrireLigne(sortie, {"rang", "fichier", "reference", "verdict", "code", "regle", "niveau", "lignes",
-                       "actes", "libelle"});
+                       "actes", "libelle", "detail"});
 }
 
 void ecrireErreursCsv(std::ostream& sortie, std::size_t rang, const Json& facture, const Json& reponse,
@@ -309,10 +312,10 @@ void ecrireErreursCsv(std::ostream& sortie, std::size_t rang, const Json& factur
   for (const Json& erreur : erreursDe(reponse)) {
     const std::set<std::string> actes = actesDe(erreur, parNumero);
     ecrire({membre(erreur, "reference"), membre(erreur, "niveau"), joindre(erreur["lignes"]),
-            joindre(Json(actes)), membre(erreur, "libelle")});
+            joindre(Json(actes)), membre(erreur, "libelle"), membre(erreur, "detail")});
   }
   if (reponse.contains("erreur")) {
-    ecrire({"", "", "", "", texte(reponse["erreur"])});
+    ecrire({"", "", "", "", texte(reponse["erreur"]), ""});
   }
 }
 

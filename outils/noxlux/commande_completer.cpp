@@ -11,6 +11,7 @@
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
 #include "noxlux/noms_commandes.h"
+#include "noxlux/regle_documentee.h"
 #include "noxlux/requete.h"
 
 namespace noxlux::commande {
@@ -80,6 +81,8 @@ Mots candidats(const CLI::App& application, const Mots& ligne) {
     }
   } else if (ligne.front() == "rechercher" && ligne.size() == 2) {
     noms = {"mot", "filtre"};
+  } else if (ligne.front() == "regle" && ligne.size() == 2) {
+    noms = nomsDeRegles();
   } else if (ligne.front() == "help" || ligne.front() == "aide") {
     return candidats(application, {mot});
   }

@@ -10,6 +10,7 @@
 #include "noxlux/bilan_lot.h"
 #include "noxlux/commandes.h"
 #include "noxlux/controle_par_profils.h"
+#include "noxlux/explication.h"
 #include "noxlux/facture_json.h"
 #include "noxlux/lot.h"
 #include "noxlux/presentation.h"
@@ -29,7 +30,12 @@ struct OptionsControler {
   bool json = false;
   bool lot = false;
   bool detail = false;
+  bool expliquer = false;
   bool csv = false;
+
+  Detail combien(Detail minimum) const {
+    return expliquer ? Detail::ETAPES : detail ? Detail::MONTANTS : minimum;
+  }
 
   // One answer a line: asked for, or the only form that so many invoices have.
   bool estUnLot() const {
@@ -64,6 +70,23 @@ void afficherLignes(const Json& resultat) {
   tableau.afficher(std::cout);
 }
 
+void ecrireRetrait(std::size_t marge, const std::string& texte) {
+  for (const std::string& pli : plier(texte, largeurTerminal() - marge)) {
+    std::cout << std::string(marge, ' ') << pli << '\n';
+  }
+}
+
+// What decided. All of it is in the JSON.
+void afficherDonnees(const Json& donnees) {
+  constexpr std::size_t MONTREES = 6;
+  for (std::size_t i = 0; i < donnees.size() && i < MONTREES; ++i) {
+    ecrireRetrait(4, "· " + donnees[i]["phrase"].get<std::string>());
+  }
+  if (donnees.size() > MONTREES) {
+    ecrireRetrait(4, "· et " + std::to_string(donnees.size() - MONTREES) + " autres données (--json)");
+  }
+}
+
 void afficherErreurs(const Json& erreurs) {
   for (const Json& erreur : erreurs) {
     const bool outrepassable = erreur["niveau"] == "O";
@@ -75,14 +98,19 @@ void afficherErreurs(const Json& erreurs) {
                 << texteValeur(erreur["lignes"], 'N');
     }
     std::cout << '\n';
-    for (const std::string& pli : plier(erreur["libelle"].get<std::string>(), largeurTerminal() - 2)) {
-      std::cout << "  " << pli << '\n';
+    ecrireRetrait(2, erreur["libelle"].get<std::string>());
+    if (erreur.contains("detail") && erreur["detail"] != "") {
+      ecrireRetrait(2, erreur["detail"].get<std::string>());
     }
+    afficherDonnees(erreur.value("donnees", Json::array()));
   }
 }
 
 void afficher(const Json& resultat) {
   afficherLignes(resultat);
+  if (resultat.contains("exoneration")) {
+    afficherEtapes(resultat, std::cout);
+  }
   afficherErreurs(resultat["erreurs"]);
   const std::size_t n = resultat["erreurs"].size();
   const std::string erreurs = std::to_string(n) + (n > 1 ? " erreurs" : " erreur");
@@ -111,7 +139,7 @@ int controlerUne(const OptionsControler& options) {
     reference.reference = profils.referencePour(facture);
   }
   const Bibliotheque bibliotheque(reference);
-  const Json resultat = controlerFacture(facture);
+  const Json resultat = controlerFacture(facture, options.combien(Detail::MONTANTS));
   if (options.json) {
     ecrireJson(resultat);
   } else {
@@ -134,15 +162,15 @@ struct Compte {
   }
 };
 
-Json repondre(const FactureLue& lue, bool detail) {
+Json repondre(const FactureLue& lue, Detail detail) {
   Json reponse;
   try {
     if (!lue.faute.empty()) {
       throw ErreurUsage(lue.faute);
     }
-    return controlerFacture(lue.facture, detail ? Detail::MONTANTS : Detail::VERDICT);
+    return controlerFacture(lue.facture, detail);
   } catch (const ErreurBibliotheque& erreur) {
-    reponse = {{"code", hexadecimal(erreur.code())}, {"erreur", signification(erreur.code())}};
+    reponse = erreur.enJson();
   } catch (const ErreurUsage& erreur) {
     reponse = {{"code", nullptr}, {"erreur", erreur.what()}};
   }
@@ -168,9 +196,10 @@ int controlerLot(const OptionsControler& options) {
     if (options.csv || !options.rapport.empty()) {
       throw ErreurUsage("--csv et --rapport demandent une référence, et non un répertoire de profils");
     }
-    return controlerParProfils(
-        profils, fichiers,
-        options.detail ? std::vector<std::string>{"--detail"} : std::vector<std::string>());
+    return controlerParProfils(profils, fichiers,
+                               options.expliquer ? std::vector<std::string>{"--expliquer"}
+                               : options.detail  ? std::vector<std::string>{"--detail"}
+                                                 : std::vector<std::string>());
   }
   LectureLot lecture(fichiers);
   const Bibliotheque bibliotheque(options.reference);
@@ -185,7 +214,7 @@ int controlerLot(const OptionsControler& options) {
   {
     Progression progression;
     for (FactureLue lue; lecture.suivante(lue);) {
-      const Json reponse = repondre(lue, options.detail);
+      const Json reponse = repondre(lue, options.combien(Detail::VERDICT));
       compte.compter(reponse);
       if (options.csv) {
         ecrireErreursCsv(std::cout, compte.factures, lue.facture, reponse, lue.fichier);
@@ -226,6 +255,8 @@ void enregistrerControler(CLI::App& application, int& statut) {
   auto* lot =
       commande->add_flag("--lot", options->lot, "une réponse par ligne, dans l'ordre des factures ; filtre");
   commande->add_flag("--detail", options->detail, "montants calculés dans les réponses d'un lot")->needs(lot);
+  commande->add_flag("--expliquer", options->expliquer,
+                     "étapes de chaque montant et de l'exonération, avec leurs données");
   commande->add_flag("--csv", options->csv, "d'un lot, une ligne de CSV par erreur");
   commande
       ->add_option("--rapport", options->rapport,

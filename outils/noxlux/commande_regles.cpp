@@ -1,12 +1,10 @@
 // noxlux verifier and appliquer: data controls and single rules.
 #include <CLI/CLI.hpp>
 #include <iostream>
-#include <map>
 #include <memory>
 
 #include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
-#include "noxlux/facture_json.h"
 #include "noxlux/requete.h"
 #include "noxlux/sortie.h"
 
@@ -36,10 +34,11 @@ void verifier(const OptionsRegle& options) {
   const std::string date = dateReference(options.date);
   const Bibliotheque bibliotheque(options.reference);
   char reponse = 'N';
+  const EcouteFaute ecoute;
   const unsigned short code = NOX_ControlerDonnees(fonction.nom.c_str(), date.c_str(), zone.data(),
                                                    static_cast<unsigned int>(zone.size()), &reponse);
   if (code != NOX_CR_OK) {
-    throw ErreurBibliotheque("NOX_ControlerDonnees", code);
+    throw ErreurBibliotheque("NOX_ControlerDonnees", code, ecoute.cause(code));
   }
   if (options.json) {
     ecrireJson(Json{{"controle", fonction.nom}, {"reponse", reponse == 'O'}});
@@ -55,27 +54,32 @@ std::string zoneDemandee(const FonctionDecrite& fonction, const OptionsRegle& op
   return encoderZone(lireTout(options.demande), options.demande);
 }
 
-constexpr unsigned GROUPE_ENTETE_PRIX = 3400;
-constexpr unsigned GROUPE_LIGNE_PRIX = 3410;
 constexpr unsigned GROUPE_PRIX = 3411;
 constexpr const char* PRIX_A_FACTURER = "prixAFacturer";
 
-// C_Pu answers amounts cut to the cent below, while the check compares a price with the nearest cent: beside
-// each price stands the one to bill.
-void ajouterPrixAFacturer(const std::string& demande, Json& reponses) {
-  std::string caisse;
-  std::map<Json, Json> lignes;  // by number
-  for (Json& groupe : decoderZone(demande, false)) {
-    if (groupe["groupe"] == GROUPE_ENTETE_PRIX) {
-      caisse = groupe["champs"].value("caissePS", "");
-    } else if (groupe["groupe"] == GROUPE_LIGNE_PRIX) {
-      lignes[groupe["champs"]["numero"]] = groupe["champs"];
+// The prices that a rule computes, line after line.
+class EcoutePrix final : public EcouteFaute {
+ public:
+  void etapeDite(const EtapeCalcul& etape) override {
+    if (etape.operation == Operation::DEPART) {
+      prix_.emplace_back(etape.resultat);
+    } else if (!prix_.empty()) {
+      prix_.back() = Montant(etape.resultat);
     }
   }
+  const std::vector<Montant>& prix() const { return prix_; }
+
+ private:
+  std::vector<Montant> prix_;
+};
+
+// C_Pu answers amounts cut to the cent below, while the check compares a price with the nearest cent: beside
+// each price stands the one to bill.
+void ajouterPrixAFacturer(const std::vector<Montant>& prix, Json& reponses) {
+  std::size_t rang = 0;
   for (Json& reponse : reponses) {
-    const auto ligne = lignes.find(reponse["champs"].value("numero", Json()));
-    if (reponse["groupe"] == GROUPE_PRIX && ligne != lignes.end()) {
-      reponse[PRIX_A_FACTURER] = prixAFacturer(ligne->second, caisse);
+    if (reponse["groupe"] == GROUPE_PRIX && rang < prix.size()) {
+      reponse[PRIX_A_FACTURER] = prix[rang++].arrondir(Montant::DECIMALES);
     }
   }
 }
@@ -94,16 +98,17 @@ void appliquer(const OptionsRegle& options, int& statut) {
   const FonctionDecrite& fonction = trouverFonction("regle", options.identifiant);
   std::string zone = zoneDemandee(fonction, options);
   const Bibliotheque bibliotheque(options.reference);
-  const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
+  const EcoutePrix ecoute;
+  const Reponse reponse = appelerEnEcoutant(ecoute, [&](void** sortie, unsigned int* taille) {
     return NOX_AppliquerRegle(fonction.nom.c_str(), zone.data(), static_cast<unsigned int>(zone.size()),
                               sortie, taille);
   });
   if (reponse.zone.empty() && reponse.code != NOX_CR_OK) {
-    throw ErreurBibliotheque("NOX_AppliquerRegle", reponse.code);
+    throw ErreurBibliotheque("NOX_AppliquerRegle", reponse.code, reponse.cause);
   }
   Json groupes = decoderZone(reponse.zone, true);
   if (fonction.nom == "C_Pu") {
-    ajouterPrixAFacturer(zone, groupes);
+    ajouterPrixAFacturer(ecoute.prix(), groupes);
   }
   if (options.json) {
     ecrireJson(groupes);

@@ -21,6 +21,8 @@ void enregistrerVersion(CLI::App& application);
 void enregistrerConsulter(CLI::App& application);
 void enregistrerActe(CLI::App& application);
 void enregistrerIdentifiants(CLI::App& application);
+void enregistrerRegle(CLI::App& application);
+void enregistrerSimuler(CLI::App& application);
 void enregistrerTables(CLI::App& application);
 // What a shell may complete a line with; for the completion scripts, and shown by no help.
 void enregistrerCompleter(CLI::App& application);

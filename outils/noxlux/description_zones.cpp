@@ -11,7 +11,7 @@
 #define TOML_EXCEPTIONS 0
 #include <toml++/toml.h>
 
-#include "noxlux/zones_toml.h"
+#include "noxlux/textes_embarques.h"
 
 namespace noxlux::commande {
 

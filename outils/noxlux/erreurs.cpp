@@ -7,6 +7,8 @@
 
 namespace noxlux::commande {
 
+using Json = nlohmann::ordered_json;
+
 namespace {
 
 struct Signification {
@@ -117,8 +119,25 @@ std::string signification(unsigned short code) {
   return "code inconnu";
 }
 
-ErreurBibliotheque::ErreurBibliotheque(const std::string& fonction, unsigned short code)
-    : std::runtime_error(fonction + " a répondu " + hexadecimal(code) + " : " + signification(code)),
-      code_(code) {}
+namespace {
+
+std::string avecCause(unsigned short code, const Json& cause) {
+  return signification(code) + (cause.is_object() ? " : " + cause["phrase"].get<std::string>() : "");
+}
+
+}  // namespace
+
+ErreurBibliotheque::ErreurBibliotheque(const std::string& fonction, unsigned short code, Json cause)
+    : std::runtime_error(fonction + " a répondu " + hexadecimal(code) + " : " + avecCause(code, cause)),
+      code_(code),
+      cause_(std::move(cause)) {}
+
+Json ErreurBibliotheque::enJson() const {
+  Json json = {{"code", hexadecimal(code_)}, {"erreur", avecCause(code_, cause_)}};
+  if (cause_.is_object()) {
+    json["cause"] = cause_;
+  }
+  return json;
+}
 
 }  // namespace noxlux::commande

@@ -2,6 +2,7 @@
 #ifndef NOXLUX_COMMANDE_ERREURS_H
 #define NOXLUX_COMMANDE_ERREURS_H
 
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <string>
 
@@ -20,11 +21,15 @@ class ErreurUsage : public std::runtime_error {
 // The library answered with an error code. Ends with status 1.
 class ErreurBibliotheque : public std::runtime_error {
  public:
-  ErreurBibliotheque(const std::string& fonction, unsigned short code);
+  ErreurBibliotheque(const std::string& fonction, unsigned short code,
+                     nlohmann::ordered_json cause = nullptr);
   unsigned short code() const { return code_; }
+  // {"code", "erreur", "cause"}: the last one, and what it says in the sentence, when it is known.
+  nlohmann::ordered_json enJson() const;
 
  private:
   unsigned short code_;
+  nlohmann::ordered_json cause_;
 };
 
 // What a return code says, in a French sentence without final stop.

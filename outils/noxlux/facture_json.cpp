@@ -3,12 +3,10 @@
 #include <algorithm>
 
 #include "noxlux/erreurs.h"
+#include "noxlux/facture_montants.h"
 #include "noxlux/noxlux.h"
 
 namespace noxlux::commande {
-
-Json controlerZone(std::string entree);
-Json detaillerLignes(const Json& facture);
 
 namespace {
 
@@ -75,7 +73,8 @@ namespace {
 constexpr unsigned GROUPE_REPONSE_FORCAGE = 2000;
 constexpr unsigned GROUPE_REPONSE_ERREUR = 3520;
 
-Json erreurLisible(Json& champs) {
+// An error as it is told: what the zone says of it, and why the rule found it.
+Json erreurLisible(Json& champs, const Json& raison) {
   Json erreur = Json::object();
   for (const auto& [nom, champ] : {std::pair{"reference", "reference"},
                                    {"niveau", "niveau"},
@@ -84,6 +83,7 @@ Json erreurLisible(Json& champs) {
                                    {"lignes", "prestation"}}) {
     erreur[nom] = std::move(champs[champ]);
   }
+  erreur.update(raison);
   return erreur;
 }
 
@@ -98,16 +98,14 @@ const char* verdict(unsigned short code) {
   }
 }
 
-}  // namespace
-
-Json controlerZone(std::string entree) {
-  const Reponse reponse = appeler([&](void** sortie, unsigned int* taille) {
+Json controlerZone(std::string entree, const Explication& explication) {
+  const Reponse reponse = appelerEnEcoutant(explication, [&](void** sortie, unsigned int* taille) {
     return NOX_ControleComplet(entree.data(), static_cast<unsigned int>(entree.size()), sortie, taille);
   });
   const bool controlee = reponse.code == NOX_CR_OK || reponse.code == NOX_CR_CONTROLE_NIVEAU_1 ||
                          reponse.code == NOX_CR_CONTROLE_NIVEAU_2;
   if (!controlee) {
-    throw ErreurBibliotheque("NOX_ControleComplet", reponse.code);
+    throw ErreurBibliotheque("NOX_ControleComplet", reponse.code, reponse.cause);
   }
   Json resultat = {{"code", hexadecimal(reponse.code)},
                    {"verdict", verdict(reponse.code)},
@@ -116,13 +114,16 @@ Json controlerZone(std::string entree) {
   Json groupes = decoderZone(reponse.zone, true);
   for (Json& element : groupes) {
     if (element["groupe"] == GROUPE_REPONSE_ERREUR) {
-      resultat["erreurs"].push_back(erreurLisible(element["champs"]));
+      resultat["erreurs"].push_back(
+          erreurLisible(element["champs"], explication.raisons().at(resultat["erreurs"].size())));
     } else if (element["groupe"] == GROUPE_REPONSE_FORCAGE) {
       resultat["forcages"].push_back(std::move(element["champs"]));
     }
   }
   return resultat;
 }
+
+}  // namespace
 
 void reporterSiennes(const Json& facture, Json& reponse) {
   for (const char* sienne : {"reference", "libre"}) {
@@ -133,9 +134,14 @@ void reporterSiennes(const Json& facture, Json& reponse) {
 }
 
 Json controlerFacture(const Json& facture, Detail detail) {
-  Json resultat = controlerZone(zoneDeFacture(facture));
+  const std::string zone = zoneDeFacture(facture);
+  const Explication explication;
+  Json resultat = controlerZone(zone, explication);
   if (detail != Detail::VERDICT) {
-    resultat["lignes"] = detaillerLignes(facture);
+    resultat["lignes"] = detaillerLignes(facture, explication, detail == Detail::ETAPES);
+  }
+  if (detail == Detail::ETAPES) {
+    resultat["exoneration"] = explication.exoneration();
   }
   reporterSiennes(facture, resultat);
   return resultat;

@@ -23,22 +23,15 @@ std::string zoneDeFacture(const Json& facture);
 // to them.
 enum class Detail { VERDICT, MONTANTS, ETAPES };
 
-// The answer to one invoice: {"code", "verdict", "erreurs": [...], "forcages": [...]}, and from
+// The answer to one invoice: {"code", "verdict", "erreurs": [{"reference", "niveau", "indicateurForcage",
+// "libelle", "lignes", "regle", "detail", "donnees"}], "forcages": [...]}, and from
 // Detail::MONTANTS on "lignes": [...]; what the office carries along ("reference", "libre") comes back.
 // Throws ErreurUsage with the JSON path of a fault, and ErreurBibliotheque when the invoice was not checked
 // to its end.
 Json controlerFacture(const Json& facture, Detail detail = Detail::MONTANTS);
 
-// The price that the check compares with: the act's, with the increase of the fund, to the nearest cent. Null
-// where the reference has none. `ligne` has a date, an act, an activity and a phase. C_Pu does not tell it:
-// an amount in a zone is cut to the cent below.
-Json prixAFacturer(const Json& ligne, const std::string& caisse);
-
 // Carries what is the office's own ("reference", "libre") to an answer.
 void reporterSiennes(const Json& facture, Json& reponse);
-
-// Each line of "lignes": {"numero", "acte", "prixFacture", "prixCalcule", "baseFacturee", "baseCalculee"}; a
-// computed amount is null where the check computes none.
 
 }  // namespace noxlux::commande
 

@@ -173,6 +173,8 @@ int executer(int argc, char** argv) {
   enregistrerActe(application);
   enregistrerControler(application, statut);
   enregistrerServeur(application);
+  enregistrerRegle(application);
+  enregistrerSimuler(application);
   enregistrerConsulter(application);
   enregistrerVerifier(application);
   enregistrerAppliquer(application, statut);
@@ -238,8 +240,7 @@ int main(int argc, char** argv) {
     repondreEnJson(argc, argv, {{"code", hexadecimal(NOX_CR_CODE_INCONNU)}, {"erreur", erreur.what()}});
     return echouer(sorties, erreur.what(), STATUT_CODE_ERREUR);
   } catch (const ErreurBibliotheque& erreur) {
-    repondreEnJson(argc, argv,
-                   {{"code", hexadecimal(erreur.code())}, {"erreur", signification(erreur.code())}});
+    repondreEnJson(argc, argv, erreur.enJson());
     return echouer(sorties, erreur.what(), STATUT_CODE_ERREUR);
   } catch (const ErreurEcriture& erreur) {
     return erreur.erreur() == EPIPE ? finirSansLecteur()

@@ -275,6 +275,9 @@ void FonctionControleComplet::lireSuites(CodeRetour& cr, const Facture& facture,
                                          std::unique_ptr<LigneActe>& ligne) {
   const auto position = static_cast<std::uint16_t>(facture.lignes.size() + 1);
   const Nombre numero = ligne->numero;
+  if (reglementation_->observateur() != nullptr) [[unlikely]] {
+    reglementation_->observateur()->ligneLue(numero.lireValeur());
+  }
   for (const Table::Suite& suite : std::span(Table::SUITES).first(nombre)) {
     if (groupeDeLaLigne(cr, suite.groupe, numero, position)) {
       (this->*suite.lire)(cr, ligne);
@@ -337,6 +340,9 @@ FonctionControleComplet::Restituees FonctionControleComplet::filtrer(const Liste
       continue;
     }
     restituees.push_back(&erreur);
+    if (reglementation_->observateur() != nullptr) [[unlikely]] {
+      reglementation_->observateur()->erreurRendue(erreur);
+    }
     if (erreur.lireNiveau().vue() == "N") {
       niveau = NIVEAU_NON_OUTREPASSABLE;
     } else if (erreur.estOutrepassable() && niveau == 0) {

@@ -14,7 +14,9 @@
 
 #include "basics/codes_retour.h"
 #include "basics/format_verifie.h"
+#include "referent/observateur_lecture.h"
 #include "referent/referentiel.h"
+#include "referent/requete_cadre.h"
 #include "types/booleen.h"
 #include "types/date.h"
 #include "types/decimal.h"
@@ -26,6 +28,26 @@ class LectureDonnees {
  public:
   // `referentiel` is not owned. REQUIRES: an access to it is held while questions are asked.
   explicit LectureDonnees(Referentiel* referentiel) : referentiel_(referentiel) {}
+
+  // Tells every datum read from now on; nobody by default.
+  void ecouter(ObservateurLecture* observateur) { observateur_ = observateur; }
+
+  // The frame of a query about data: runs corps(releve), and tells who listens what was asked and answered.
+  template <class S, class F, class... T>
+  CodeRetour demander(const char* methode, const S& sortie, F&& corps, const Entree<T>&... entrees) {
+    Releve releve;
+    const CodeRetour cr = requete(
+        methode, [&] { return corps(releve); }, entrees...);
+    if (observateur_ != nullptr) [[unlikely]] {
+      observateur_->donneeLue({methode,
+                               {valeurLue(entrees.valeur)...},
+                               cr,
+                               cr == NOX_CR_OK ? valeurLue(sortie) : ValeurLue(),
+                               cr == NOX_CR_OK ? releve.depuis() : std::nullopt,
+                               std::nullopt});
+    }
+    return cr;
+  }
 
   // Starts or stops counting the values read that a local modification covers; the count goes back to 0.
   void activerVerificationModification(bool activer);
@@ -265,6 +287,7 @@ class LectureDonnees {
   template <class M, class... C>
   void compterModification(CodeRetour cr, const Date& date, const C&... cles);
 
+  ObservateurLecture* observateur_ = nullptr;
   bool verification_ = false;
   std::uint32_t compteurModifications_ = 0;
   // The last act found, and its rank: queries on one act come in a row.

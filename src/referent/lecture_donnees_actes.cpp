@@ -5,8 +5,9 @@ namespace noxlux {
 
 CodeRetour LectureDonnees::rechercherExistenceActe(const Code& acte) {
   std::uint32_t rang = 0;
-  return requete(
-      __func__, [&] { return chercherActeDansIndex(acte, rang); }, Entree{"Code acte recherche    ", acte});
+  return demander(
+      __func__, rang, [&](Releve&) { return chercherActeDansIndex(acte, rang); },
+      Entree{"Code acte recherche    ", acte});
 }
 
 CodeRetour LectureDonnees::rechercherPositionActe(const Code& acte, std::uint32_t& position) {
@@ -26,12 +27,12 @@ CodeRetour LectureDonnees::rechercherChargementActe(const Code& acte, Booleen& c
 }
 
 CodeRetour LectureDonnees::rechercherActivites(const Code& acte, ListeCodes& activites) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve&) {
     NiveauActe* niveau = nullptr;
     const CodeRetour cr = chercherActe(acte, niveau);
     return cr == NOX_CR_OK ? copierCodes(niveau->activites, activites, &NiveauActivite::codeActivite) : cr;
   };
-  return requete(__func__, corps, Entree{"Code acte recherche    ", acte});
+  return demander(__func__, activites, corps, Entree{"Code acte recherche    ", acte});
 }
 
 CodeRetour LectureDonnees::rechercherCodeMenu(const Code& acte, std::uint32_t& codeMenu) {
@@ -117,13 +118,13 @@ CodeRetour LectureDonnees::rechercherCodesExtensionDocumentaire(const Code& acte
 
 CodeRetour LectureDonnees::rechercherPhasesDeTraitement(const Code& acte, const Code& activite,
                                                         ListeCodes& phases) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve&) {
     NiveauActivite* niveau = nullptr;
     const CodeRetour cr = chercherActivite(acte, activite, niveau);
     return cr == NOX_CR_OK ? copierCodes(niveau->phases, phases, &NiveauPhase::codePhase) : cr;
   };
-  return requete(__func__, corps, Entree{"Code acte recherche    ", acte},
-                 Entree{"Code activite recherche", activite});
+  return demander(__func__, phases, corps, Entree{"Code acte recherche    ", acte},
+                  Entree{"Code activite recherche", activite});
 }
 
 CodeRetour LectureDonnees::rechercherRMO(const Code& acte, const Code& activite, ListeCodes& rmo) {
@@ -132,19 +133,23 @@ CodeRetour LectureDonnees::rechercherRMO(const Code& acte, const Code& activite,
 
 CodeRetour LectureDonnees::rechercherActesCompatibles(const Code& acte, const Code& activite,
                                                       const Date& date, ListeCodes& actes) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const HistoriqueNiveauActivite* historique = nullptr;
     const CodeRetour cr = chercherHistoActivite(acte, activite, date, historique);
-    return cr == NOX_CR_OK ? copierCodes(historique->associations, actes, &Association::acte) : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*historique);
+    return copierCodes(historique->associations, actes, &Association::acte);
   };
-  return requete(__func__, corps, Entree{"Code acte recherche    ", acte},
-                 Entree{"Code activite recherche", activite}, Entree{"Date de reference", date});
+  return demander(__func__, actes, corps, Entree{"Code acte recherche    ", acte},
+                  Entree{"Code activite recherche", activite}, Entree{"Date de reference", date});
 }
 
 CodeRetour LectureDonnees::rechercherRegleAssociation(const Code& acte, const Code& activite,
                                                       const Code& acteAssocie, const Date& date,
                                                       Code& regle) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const HistoriqueNiveauActivite* historique = nullptr;
     CodeActe cle;
     CodeRetour cr = chercherHistoActivite(acte, activite, date, historique);
@@ -152,6 +157,7 @@ CodeRetour LectureDonnees::rechercherRegleAssociation(const Code& acte, const Co
     if (cr != NOX_CR_OK) {
       return cr;
     }
+    releve.dater(*historique);
     for (const Association& association : historique->associations) {
       if (association.acte == cle) {
         return copier(association.regleTarifaire, regle);
@@ -159,9 +165,9 @@ CodeRetour LectureDonnees::rechercherRegleAssociation(const Code& acte, const Co
     }
     return refuser(NOX_CR_CODE_INCONNU, "ERREUR: pas d'association trouve pour ce couple acte-activite");
   };
-  return requete(__func__, corps, Entree{"Code acte recherche    ", acte},
-                 Entree{"Code activite recherche", activite}, Entree{"Code acte associe      ", acteAssocie},
-                 Entree{"Date de reference", date});
+  return demander(__func__, regle, corps, Entree{"Code acte recherche    ", acte},
+                  Entree{"Code activite recherche", activite}, Entree{"Code acte associe      ", acteAssocie},
+                  Entree{"Date de reference", date});
 }
 
 CodeRetour LectureDonnees::rechercherCategorieMedicale(const Code& acte, const Code& activite,
@@ -227,18 +233,22 @@ CodeRetour LectureDonnees::rechercherSupplementCharges(const Code& acte, const C
 CodeRetour LectureDonnees::rechercherMajorationDOM(const Code& acte, const Code& activite, const Code& phase,
                                                    unsigned short positionDOM, const Date& date,
                                                    Coefficient& majoration) {
-  const auto corps = [&]() -> CodeRetour {
+  const auto corps = [&](Releve& releve) -> CodeRetour {
     if (positionDOM < 1 || positionDOM > 4) {
       return refuser(NOX_CR_CODE_INCONNU, "parametre Position DOM incorrect (valeurs autorisees:1,2,3,4)");
     }
     const HistoriqueNiveauPhase* historique = nullptr;
     const CodeRetour cr = chercherHistoPhase(acte, activite, phase, date, historique);
-    return cr == NOX_CR_OK ? copier(historique->majorationsDOM[positionDOM - 1U], majoration) : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*historique);
+    return copier(historique->majorationsDOM[positionDOM - 1U], majoration);
   };
   const CodeRetour cr =
-      requete(__func__, corps, Entree{"Code acte recherche    ", acte},
-              Entree{"Code activite recherche", activite}, Entree{"Code phase recherche   ", phase},
-              Entree{"Position DOM           ", positionDOM}, Entree{"Date de reference", date});
+      demander(__func__, majoration, corps, Entree{"Code acte recherche    ", acte},
+               Entree{"Code activite recherche", activite}, Entree{"Code phase recherche   ", phase},
+               Entree{"Position DOM           ", positionDOM}, Entree{"Date de reference", date});
   compterModification<ModificationMajorationDOM>(cr, date, acte, activite, phase, positionDOM);
   return cr;
 }

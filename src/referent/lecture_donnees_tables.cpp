@@ -26,14 +26,15 @@ CodeRetour convertirAge(char unite, std::uint16_t age, Periode& periode) {
   }
 }
 
-CodeRetour lireAge(const char* methode, const Referentiel& referentiel,
+CodeRetour lireAge(const char* methode, LectureDonnees& lecture, const Referentiel& referentiel,
                    char HistoriqueAgeModificateur::*unite, std::uint16_t HistoriqueAgeModificateur::*age,
                    FormatVerifie<char> uniteInconnue, const Code& modificateur, const Date& date,
                    Periode& periode) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const HistoriqueAgeModificateur* ages = nullptr;
     CodeRetour cr = chercherHistorique(referentiel, &Modificateur::ages, modificateur, date, ages);
     if (cr == NOX_CR_OK) {
+      releve.dater(*ages);
       cr = convertirAge(ages->*unite, ages->*age, periode);
       if (cr != NOX_CR_OK) {
         Trace::erreur(TRACE_CONSULTATION, uniteInconnue, ages->*unite);
@@ -41,7 +42,8 @@ CodeRetour lireAge(const char* methode, const Referentiel& referentiel,
     }
     return cr;
   };
-  return requete(methode, corps, Entree{"Code recherche", modificateur}, Entree{"Date de reference", date});
+  return lecture.demander(methode, periode, corps, Entree{"Code recherche", modificateur},
+                          Entree{"Date de reference", date});
 }
 
 // The codes of the entities of table L that have a history of class H valid at the date.
@@ -66,18 +68,24 @@ CodeRetour listerValides(const char* methode, const Referentiel& referentiel, Pl
 }
 
 template <class H, class L, unsigned CIBLE>
-bool existeALaDate(const char* methode, const Referentiel& referentiel, Plage<CIBLE> L::*plage,
-                   const Code& code, const Date& date) {
-  const H* historique = nullptr;
-  const auto corps = [&] { return chercherHistorique(referentiel, plage, code, date, historique); };
-  return requete(methode, corps, Entree{"Code recherche", code}, Entree{"Date de reference", date}) ==
-         NOX_CR_OK;
+bool existeALaDate(const char* methode, LectureDonnees& lecture, const Referentiel& referentiel,
+                   Plage<CIBLE> L::*plage, const Code& code, const Date& date) {
+  const auto corps = [&](Releve& releve) {
+    const H* historique = nullptr;
+    const CodeRetour cr = chercherHistorique(referentiel, plage, code, date, historique);
+    if (cr == NOX_CR_OK) {
+      releve.dater(*historique);
+    }
+    return cr;
+  };
+  return lecture.demander(methode, Booleen(true), corps, Entree{"Code recherche", code},
+                          Entree{"Date de reference", date}) == NOX_CR_OK;
 }
 
 // The holidays of a fund whose line holds at the date.
-CodeRetour listerJoursFeries(const char* methode, const Referentiel& referentiel, const Code& caisse,
-                             const Date& date, TypeListe<Date>& jours) {
-  const auto corps = [&] {
+CodeRetour listerJoursFeries(const char* methode, LectureDonnees& lecture, const Referentiel& referentiel,
+                             const Code& caisse, const Date& date, TypeListe<Date>& jours) {
+  const auto corps = [&](Releve&) {
     const JourFerieCaisse* ligne = nullptr;
     CodeRetour cr = chercherLigne(referentiel, caisse, ligne);
     if (cr != NOX_CR_OK) {
@@ -91,7 +99,8 @@ CodeRetour listerJoursFeries(const char* methode, const Referentiel& referentiel
     }
     return cr;
   };
-  return requete(methode, corps, Entree{"Code caisse recherche", caisse}, Entree{"Date de reference", date});
+  return lecture.demander(methode, jours, corps, Entree{"Code caisse recherche", caisse},
+                          Entree{"Date de reference", date});
 }
 
 // Line n - 1 of a table whose lines are numbered from 1.
@@ -116,21 +125,21 @@ CodeRetour LectureDonnees::rechercherModificateurs(const Date& date, ListeCodes&
 }
 
 bool LectureDonnees::rechercherExistenceModificateur(const Code& modificateur, const Date& date) {
-  return existeALaDate<HistoriqueValeurModificateur>(__func__, donnees(), &Modificateur::valeurs,
+  return existeALaDate<HistoriqueValeurModificateur>(__func__, *this, donnees(), &Modificateur::valeurs,
                                                      modificateur, date);
 }
 
 CodeRetour LectureDonnees::rechercherAgeMaximumModificateur(const Code& modificateur, const Date& date,
                                                             Periode& age) {
   using H = HistoriqueAgeModificateur;
-  return lireAge(__func__, donnees(), &H::uniteMaximum, &H::maximum,
+  return lireAge(__func__, *this, donnees(), &H::uniteMaximum, &H::maximum,
                  "unite de temps de l'age maximum inconnue : %c", modificateur, date, age);
 }
 
 CodeRetour LectureDonnees::rechercherAgeMinimumModificateur(const Code& modificateur, const Date& date,
                                                             Periode& age) {
   using H = HistoriqueAgeModificateur;
-  return lireAge(__func__, donnees(), &H::uniteMinimum, &H::minimum,
+  return lireAge(__func__, *this, donnees(), &H::uniteMinimum, &H::minimum,
                  "unite de temps de l'age minimum inconnue : %c", modificateur, date, age);
 }
 
@@ -154,7 +163,7 @@ CodeRetour LectureDonnees::rechercherTauxModificateur(const Code& modificateur, 
 
 CodeRetour LectureDonnees::rechercherModificateursCompatibles(const Code& modificateur, const Date& date,
                                                               ListeCodes& compatibles) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve&) {
     const Modificateur* ligne = nullptr;
     CodeRetour cr = chercherLigne(donnees(), modificateur, ligne);
     if (cr != NOX_CR_OK) {
@@ -170,7 +179,8 @@ CodeRetour LectureDonnees::rechercherModificateursCompatibles(const Code& modifi
     }
     return cr;
   };
-  return requete(__func__, corps, Entree{"Code recherche", modificateur}, Entree{"Date de reference", date});
+  return demander(__func__, compatibles, corps, Entree{"Code recherche", modificateur},
+                  Entree{"Date de reference", date});
 }
 
 CodeRetour LectureDonnees::rechercherModificateurOC(const Code& modificateur, const Date& date,
@@ -210,7 +220,7 @@ CodeRetour LectureDonnees::rechercherCodesAssociationsNonPrevues(const Date& dat
 }
 
 bool LectureDonnees::rechercherExistenceAssociationNP(const Code& association, const Date& date) {
-  return existeALaDate<HistoriqueAssociationNonPrevue>(__func__, donnees(),
+  return existeALaDate<HistoriqueAssociationNonPrevue>(__func__, *this, donnees(),
                                                        &AssociationNonPrevue::historiques, association, date);
 }
 
@@ -246,15 +256,19 @@ CodeRetour LectureDonnees::rechercherRegroupementSpecialites(const Code& special
 
 CodeRetour LectureDonnees::rechercherSpecialitesDansClasse(const Code& classe, const Date& date,
                                                            ListeCodes& specialites) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const HistoriqueClasseSpecialite* historique = nullptr;
     const CodeRetour cr =
         chercherHistorique(donnees(), &ClasseSpecialite::historiques, classe, date, historique);
-    return cr == NOX_CR_OK ? copierCodes(lignesDe<SpecialiteDansClasse>(donnees(), historique->specialites),
-                                         specialites, &SpecialiteDansClasse::code)
-                           : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*historique);
+    return copierCodes(lignesDe<SpecialiteDansClasse>(donnees(), historique->specialites), specialites,
+                       &SpecialiteDansClasse::code);
   };
-  return requete(__func__, corps, Entree{"Code recherche", classe}, Entree{"Date de reference", date});
+  return demander(__func__, specialites, corps, Entree{"Code recherche", classe},
+                  Entree{"Date de reference", date});
 }
 
 CodeRetour LectureDonnees::rechercherCodesRegroupement(const Date& date, ListeCodes& codes) {
@@ -276,29 +290,36 @@ namespace {
 
 // Whether the table holds a line of the code that suits.
 template <class F>
-bool existeRegroupement(const char* methode, const Referentiel& referentiel, const Code& code, F&& convient) {
-  const auto corps = [&] {
+bool existeRegroupement(const char* methode, LectureDonnees& lecture, const Referentiel& referentiel,
+                        const Code& code, F&& convient) {
+  const auto corps = [&](Releve& releve) {
     CodeFixe<3> cle;
     const CodeRetour cr = composerCle(code, cle);
     const std::vector<CodeRegroupement>& lignes = referentiel.lignes<CodeRegroupement>();
-    const bool existe =
-        cr == NOX_CR_OK && std::any_of(lignes.begin(), lignes.end(), [&](const CodeRegroupement& ligne) {
-          return ligne.code == cle && convient(ligne);
-        });
-    return cr == NOX_CR_OK && !existe ? CodeRetour{NOX_CR_CODE_INCONNU} : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    const auto trouvee = std::find_if(lignes.begin(), lignes.end(), [&](const CodeRegroupement& ligne) {
+      return ligne.code == cle && convient(ligne);
+    });
+    if (trouvee == lignes.end()) {
+      return CodeRetour{NOX_CR_CODE_INCONNU};
+    }
+    releve.dater(*trouvee);
+    return cr;
   };
-  return requete(methode, corps, Entree{"Code recherche", code}) == NOX_CR_OK;
+  return lecture.demander(methode, Booleen(true), corps, Entree{"Code recherche", code}) == NOX_CR_OK;
 }
 
 }  // namespace
 
 bool LectureDonnees::rechercherExistenceCodeRegroupement(const Code& code, const Date& date) {
-  return existeRegroupement(__func__, donnees(), code,
+  return existeRegroupement(__func__, *this, donnees(), code,
                             [&](const CodeRegroupement& ligne) { return estValideALaDate(ligne, date); });
 }
 
 bool LectureDonnees::rechercherExistenceCodeRegroupement(const Code& code) {
-  return existeRegroupement(__func__, donnees(), code, [](const CodeRegroupement&) { return true; });
+  return existeRegroupement(__func__, *this, donnees(), code, [](const CodeRegroupement&) { return true; });
 }
 
 CodeRetour LectureDonnees::rechercherDateCreationCodeRegroupement(const Code& code, Date& dateCreation) {
@@ -320,7 +341,7 @@ CodeRetour LectureDonnees::rechercherDateCreationCodeRegroupement(const Code& co
 
 CodeRetour LectureDonnees::rechercherDateObligationCodage(const Code& prestation, const Code& specialite,
                                                           Date& dateObligation) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve&) {
     const ObligationCodage* obligation = nullptr;
     CodeFixe<2> cle;
     CodeRetour cr = chercherLigne(donnees(), prestation, obligation);
@@ -336,14 +357,14 @@ CodeRetour LectureDonnees::rechercherDateObligationCodage(const Code& prestation
     return refuser(NOX_CR_CODE_INCONNU,
                    "Code specialite non trouve dans la table des Dates d'Obligation de Codage");
   };
-  return requete(__func__, corps, Entree{"Code prestation recherche", prestation},
-                 Entree{"Code specialite recherche", specialite});
+  return demander(__func__, dateObligation, corps, Entree{"Code prestation recherche", prestation},
+                  Entree{"Code specialite recherche", specialite});
 }
 
 bool LectureDonnees::rechercherExistenceNaturePrestation(const Code& prestation) {
   const ObligationCodage* ligne = nullptr;
-  return requete(
-             __func__, [&] { return chercherLigne(donnees(), prestation, ligne); },
+  return demander(
+             __func__, Booleen(true), [&](Releve&) { return chercherLigne(donnees(), prestation, ligne); },
              Entree{"Code prestation recherche", prestation}) == NOX_CR_OK;
 }
 
@@ -351,17 +372,21 @@ bool LectureDonnees::rechercherExistenceNaturePrestation(const Code& prestation)
 
 CodeRetour LectureDonnees::rechercherSeuilExoTM(unsigned short positionSeuil, const Date& date,
                                                 Montant& seuil) {
-  const auto corps = [&]() -> CodeRetour {
+  const auto corps = [&](Releve& releve) -> CodeRetour {
     if (positionSeuil < 1 || positionSeuil > MONTANTS_SEUIL.size()) {
       return refuser(NOX_CR_DONNEE_ABSENTE, "parametre position seuil exo TM incorrect (valeurs=1,2,3,4)");
     }
     const Seuil* ligne = nullptr;
     const CodeRetour cr = choisirALaDate<Seuil>(donnees().lignes<Seuil>(), date, ligne,
                                                 "Pas de seuil correspondant a la date de reference");
-    return cr == NOX_CR_OK ? copier(ligne->*MONTANTS_SEUIL[positionSeuil - 1U], seuil) : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*ligne);
+    return copier(ligne->*MONTANTS_SEUIL[positionSeuil - 1U], seuil);
   };
-  const CodeRetour cr =
-      requete(__func__, corps, Entree{"Position du seuil", positionSeuil}, Entree{"Date de reference", date});
+  const CodeRetour cr = demander(__func__, seuil, corps, Entree{"Position du seuil", positionSeuil},
+                                 Entree{"Date de reference", date});
   compterModification<ModificationSeuil>(cr, date, positionSeuil);
   return cr;
 }
@@ -382,16 +407,16 @@ CodeRetour LectureDonnees::rechercherTauxNonConventionnes(const Date& date, Coef
 
 CodeRetour LectureDonnees::rechercherJoursFeriesCaisse(const Code& caisse, const Date& date,
                                                        TypeListe<Date>& jours) {
-  return listerJoursFeries(__func__, donnees(), caisse, date, jours);
+  return listerJoursFeries(__func__, *this, donnees(), caisse, date, jours);
 }
 
 CodeRetour LectureDonnees::rechercherJoursFeriesNationaux(const Date& date, TypeListe<Date>& jours) {
-  return listerJoursFeries(__func__, donnees(), Code("000"), date, jours);
+  return listerJoursFeries(__func__, *this, donnees(), Code("000"), date, jours);
 }
 
 CodeRetour LectureDonnees::rechercherValeursConcept(unsigned short numero, const Date& date,
                                                     ListeCodes& valeurs) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const ConceptCCAM* concept_ = nullptr;
     const HistoriqueConceptCCAM* historique = nullptr;
     CodeRetour cr = chercherNumero(donnees(), numero, concept_,
@@ -400,11 +425,15 @@ CodeRetour LectureDonnees::rechercherValeursConcept(unsigned short numero, const
       cr =
           choisirALaDate(lignesDe<HistoriqueConceptCCAM>(donnees(), concept_->historiques), date, historique);
     }
-    return cr == NOX_CR_OK ? copierCodes(lignesDe<ValeurConceptCCAM>(donnees(), historique->valeurs), valeurs,
-                                         &ValeurConceptCCAM::valeur)
-                           : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*historique);
+    return copierCodes(lignesDe<ValeurConceptCCAM>(donnees(), historique->valeurs), valeurs,
+                       &ValeurConceptCCAM::valeur);
   };
-  return requete(__func__, corps, Entree{"Numero de concept", numero}, Entree{"Date de reference", date});
+  return demander(__func__, valeurs, corps, Entree{"Numero de concept", numero},
+                  Entree{"Date de reference", date});
 }
 
 CodeRetour LectureDonnees::rechercherLibelleCode(unsigned short numero, const Code& code, Texte& libelle) {

@@ -25,13 +25,17 @@ template <class N, class T, class S, class... C>
 CodeRetour LectureDonnees::lireNiveau(const char* methode, T N::*champ, S& sortie, const C&... cles) {
   constexpr const char* LIBELLES[] = {"Code acte recherche    ", "Code activite recherche",
                                       "Code phase recherche   ", "Date de reference"};
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     std::conditional_t<Historique<N>, const N*, N*> niveau = nullptr;
     const CodeRetour cr = atteindre(niveau, cles...);
-    return cr == NOX_CR_OK ? copier(niveau->*champ, sortie) : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*niveau);
+    return copier(niveau->*champ, sortie);
   };
   return [&]<std::size_t... I>(std::index_sequence<I...>) {
-    return requete(methode, corps, Entree<C>{LIBELLES[std::is_same_v<C, Date> ? 3 : I], cles}...);
+    return demander(methode, sortie, corps, Entree<C>{LIBELLES[std::is_same_v<C, Date> ? 3 : I], cles}...);
   }
   (std::index_sequence_for<C...>{});
 }
@@ -39,23 +43,31 @@ CodeRetour LectureDonnees::lireNiveau(const char* methode, T N::*champ, S& sorti
 template <class L, class H, class T, class S, unsigned CIBLE>
 CodeRetour LectureDonnees::lireHistorique(const char* methode, Plage<CIBLE> L::*plage, T H::*champ, S& sortie,
                                           const Code& code, const Date& date, FormatVerifie<> absent) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const H* historique = nullptr;
     const CodeRetour cr = chercherHistorique(donnees(), plage, code, date, historique, absent);
-    return cr == NOX_CR_OK ? copier(historique->*champ, sortie) : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*historique);
+    return copier(historique->*champ, sortie);
   };
-  return requete(methode, corps, Entree{"Code recherche", code}, Entree{"Date de reference", date});
+  return demander(methode, sortie, corps, Entree{"Code recherche", code}, Entree{"Date de reference", date});
 }
 
 template <class H, class T, class S>
 CodeRetour LectureDonnees::lireLigneDatee(const char* methode, T H::*champ, S& sortie, const Date& date,
                                           FormatVerifie<> absente) {
-  const auto corps = [&] {
+  const auto corps = [&](Releve& releve) {
     const H* ligne = nullptr;
     const CodeRetour cr = choisirALaDate<H>(donnees().lignes<H>(), date, ligne, absente);
-    return cr == NOX_CR_OK ? copier(ligne->*champ, sortie) : cr;
+    if (cr != NOX_CR_OK) {
+      return cr;
+    }
+    releve.dater(*ligne);
+    return copier(ligne->*champ, sortie);
   };
-  return requete(methode, corps, Entree{"Date de reference", date});
+  return demander(methode, sortie, corps, Entree{"Date de reference", date});
 }
 
 template <class L, class V, class T, class S>
@@ -88,7 +100,7 @@ CodeRetour LectureDonnees::lireDateModification(const char* methode, const Date&
 
 template <class M, class... C>
 void LectureDonnees::compterModification(CodeRetour cr, const Date& date, const C&... cles) {
-  if (cr != NOX_CR_OK || !verification_) {
+  if (cr != NOX_CR_OK || !(verification_ || observateur_ != nullptr)) {
     return;
   }
   CleModification<M> cle;
@@ -96,8 +108,14 @@ void LectureDonnees::compterModification(CodeRetour cr, const Date& date, const 
     return;
   }
   const std::vector<M>& lignes = donnees().lignes<M>();
-  if (std::any_of(lignes.begin(), lignes.end(), [&](const M& ligne) { return cle.couvre(ligne, date); })) {
-    ++compteurModifications_;
+  const auto derniere =
+      std::find_if(lignes.rbegin(), lignes.rend(), [&](const M& ligne) { return cle.couvre(ligne, date); });
+  if (derniere == lignes.rend()) {
+    return;
+  }
+  compteurModifications_ += verification_ ? 1U : 0U;
+  if (observateur_ != nullptr) {
+    observateur_->donneeModifiee(Date(derniere->dateEffet));
   }
 }
 

@@ -5,6 +5,7 @@
 #ifndef NOXLUX_REGLES_DEROULEMENT_H
 #define NOXLUX_REGLES_DEROULEMENT_H
 
+#include <concepts>
 #include <cstddef>
 
 #include "regles/facture.h"
@@ -60,6 +61,9 @@ class Deroulement {
     derouler(regle.identifiant, element, regle.portee, [&] {
       CodeRetour cr = appliquerRegle(regles_, regle, static_cast<const E&>(element), erreur_);
       levee = erreur_.estRenseigne();
+      if (levee && regles_.observateur() != nullptr) [[unlikely]] {
+        regles_.observateur()->erreurLevee(erreur_);
+      }
       return cr == NOX_CR_OK ? deposer(element, regle.portee) : cr;
     });
     return ok() && !levee;
@@ -100,9 +104,41 @@ class Deroulement {
     if (!ok() || !verifiable) {
       return false;
     }
+    const Annonce annonce(regles_.observateur(), identifiant, element);
     cr_ = executer();
     return true;
   }
+
+  // Tells who listens that a rule runs, for as long as it does.
+  class Annonce {
+   public:
+    template <class E>
+    Annonce(ObservateurRegles* observateur, const char* identifiant, const E& element)
+        : observateur_(observateur) {
+      if (observateur_ != nullptr) [[unlikely]] {
+        observateur_->regleDebutee(identifiant, lignesDe(element));
+      }
+    }
+    ~Annonce() {
+      if (observateur_ != nullptr) [[unlikely]] {
+        observateur_->regleFinie();
+      }
+    }
+    Annonce(const Annonce&) = delete;
+    Annonce& operator=(const Annonce&) = delete;
+
+   private:
+    template <class E>
+    static ObservateurRegles::Lignes lignesDe(const E& element) {
+      if constexpr (std::derived_from<E, LigneActe>) {
+        return {&element};
+      } else {
+        return {element.lignes.begin(), element.lignes.end()};
+      }
+    }
+
+    ObservateurRegles* observateur_;
+  };
 
   // What may not be checked on the association of the act that a travel line follows may not be checked on
   // the travel line either.

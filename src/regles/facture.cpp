@@ -120,6 +120,9 @@ CodeRetour Facture::controler(Reglementation& reglementation, Tarification& tari
   }
   if (cr == NOX_CR_OK) {
     dump();
+    if (tarification.observateur() != nullptr) [[unlikely]] {
+      tarification.observateur()->factureControlee(*this);
+    }
   }
   return cr;
 }

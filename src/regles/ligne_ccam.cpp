@@ -5,6 +5,7 @@
 #include "regles/deroulement.h"
 #include "regles/dump_regles.h"
 #include "regles/facture.h"
+#include "regles/faits.h"
 #include "regles/reglementation.h"
 #include "regles/seance.h"
 #include "regles/tarification.h"
@@ -92,7 +93,10 @@ void calculerBase(T& tarification, LigneCCAM& ligne, Deroulement<T>& deroulement
           T::PROD870,
           [&] { return tarification.appliquerProd870(ligne, coefficient, supplement, base, horsForfait); }) &&
       calcul(T::PROD740, [&] {
-        return tarification.appliquerProd740(codeOuVide(ligne.factureParent->conventionPS), ligne.date, base);
+        const Code& convention = codeOuVide(ligne.factureParent->conventionPS);
+        const CodeRetour cr = tarification.appliquerProd740(convention, ligne.date, base);
+        tarification.calculer(faits::BASE_AU_CENTIME, Operation::ARRONDI, base, base);
+        return cr;
       });
   if (calculee) {
     ligne.baseCalculee = base;

@@ -53,6 +53,35 @@ CodeRetour Regles::copierValeurErreur(Erreur& erreur, const TypeListe<Nombre>& p
   return cr;
 }
 
+namespace {
+
+Montant operer(Operation operation, const Montant& montant, const Flottant& operande) {
+  switch (operation) {
+    case Operation::FOIS:
+      return Montant(montant.lireValeur() * operande.lireValeur());
+    case Operation::PLUS:
+      return Montant(montant.lireValeur() + operande.lireValeur());
+    case Operation::PLAFOND:
+      return operande < montant ? Montant(operande.lireValeur()) : montant;
+    case Operation::ARRONDI:
+      return Montant(montant.arrondir(Montant::DECIMALES));
+    case Operation::DEPART:
+      break;
+  }
+  return Montant(operande.lireValeur());
+}
+
+}  // namespace
+
+Montant Regles::calculer(const char* nom, Operation operation, const Montant& montant,
+                         const Flottant& operande) {
+  const Montant resultat = operer(operation, montant, operande);
+  if (observateur_ != nullptr) [[unlikely]] {
+    observateur_->etapeDite({nom, operation, operande.lireValeur(), resultat.lireValeur()});
+  }
+  return resultat;
+}
+
 template <class Exclut>
 CodeRetour Regles::demanderVerifiable(const Code& regle, bool& verifiable, Exclut exclut) {
   Code reference;

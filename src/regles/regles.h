@@ -5,6 +5,8 @@
 #include "referent/lecture_donnees.h"
 #include "regles/erreur.h"
 #include "regles/libelle_regle.h"
+#include "regles/observateur.h"
+#include "regles/trace_regles.h"
 
 namespace noxlux {
 
@@ -38,7 +40,8 @@ class Constat {
 
 class Regles {
  public:
-  explicit Regles(LectureDonnees& lecture) : lecture_(lecture) {}
+  // Told to whoever listens in this thread at that time.
+  explicit Regles(LectureDonnees& lecture) : lecture_(lecture), observateur_(Ecoute::observateur()) {}
   Regles(const Regles&) = delete;
   Regles& operator=(const Regles&) = delete;
 
@@ -76,6 +79,24 @@ class Regles {
     return lecture_.lireVerificationModification(compteur);
   }
 
+  // Null when nobody listens.
+  ObservateurRegles* observateur() const { return observateur_; }
+  // Tells a fact: to the trace, by its line, and to who listens.
+  template <class... V, class... A>
+  void dire(const Fait<V...>& fait, const A&... valeurs) {
+    Trace::ecrire(TRACE_CONTROLE, fait.ligne, pourTrace(valeurs)...);
+    dire(FaitMuet{fait.nom}, valeurs...);
+  }
+  template <class... A>
+  void dire(FaitMuet fait, const A&... valeurs) {
+    if (observateur_ != nullptr) [[unlikely]] {
+      const ValeurLue dites[] = {valeurLue(valeurs)...};
+      observateur_->faitDit(fait.nom, dites);
+    }
+  }
+  // Makes an operation on an amount, and tells it: what is told is what is computed.
+  Montant calculer(const char* nom, Operation operation, const Montant& montant, const Flottant& operande);
+
  protected:
   ~Regles() = default;
   LectureDonnees& lecture() { return lecture_; }
@@ -86,6 +107,7 @@ class Regles {
   CodeRetour demanderVerifiable(const Code& regle, bool& verifiable, Exclut exclut);
 
   LectureDonnees& lecture_;
+  ObservateurRegles* observateur_;
 };
 
 }  // namespace noxlux

@@ -102,7 +102,7 @@ class Tarification final : public Regles {
                           const Code& caissePS, Montant& prix, Coefficient& majoration);
   CodeRetour lireCoefficientRegle(const LigneCCAM& ligne, const Code& actePlusFort, Coefficient& coefficient);
   // What the modifiers that count add: flat amounts, and the factor of their rates.
-  CodeRetour lireModificateurs(const LigneCCAM& ligne, double& forfaits, double& facteur);
+  CodeRetour lireModificateurs(const LigneCCAM& ligne, Montant& forfaits, Coefficient& facteur);
   CodeRetour comparerBase(const LigneCCAM& ligne, const std::optional<Montant>& facturee, Constat& constat);
   CodeRetour calculerBaseLigne(const Code& conventionPS, LigneCCAM& ligne, bool reductionPossible);
 

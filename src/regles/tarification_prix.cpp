@@ -3,6 +3,7 @@
 
 #include "regles/concepts.h"
 #include "regles/departements.h"
+#include "regles/faits.h"
 #include "regles/tarification.h"
 #include "regles/trace_regles.h"
 
@@ -12,11 +13,14 @@ CodeRetour Tarification::calculerPrix(const Code& acte, const Code& activite, co
                                       const Date& date, const Code& caissePS, Montant& prix,
                                       Coefficient& majoration) {
   CodeRetour cr = lecture().rechercherPrixUnitaire(acte, activite, phase, date, prix);
+  if (cr == NOX_CR_OK) {
+    prix = calculer(faits::PRIX_UNITAIRE, Operation::DEPART, prix, prix);
+  }
   const unsigned short position = departementDe(caissePS).positionMajoration;
   if (cr == NOX_CR_OK && position != 0) {
     cr = lecture().rechercherMajorationDOM(acte, activite, phase, position, date, majoration);
     if (cr == NOX_CR_OK) {
-      prix = prix * majoration;
+      prix = calculer(faits::MAJORATION, Operation::FOIS, prix, majoration);
     }
   }
   return cr;
@@ -40,7 +44,8 @@ CodeRetour Tarification::appliquerProd840(const Code& acte, const Code& activite
 }
 
 CodeRetour Tarification::appliquerProd850(const LigneCCAM& ligne, Constat& constat) {
-  const Montant arrondi(ligne.prixCalcule.value_or(Montant()).arrondir(2));
+  const Montant calcule = ligne.prixCalcule.value_or(Montant());
+  const Montant arrondi = calculer(faits::PRIX_AU_CENTIME, Operation::ARRONDI, calcule, calcule);
   const Montant facture = ligne.prixUnitaire.value_or(Montant());
   Trace::ecrire(TRACE_CONTROLE, "prix unitaire facturé = %.2fE, calculé = %.2fE", facture.lireValeur(),
                 arrondi.lireValeur());
@@ -64,7 +69,7 @@ CodeRetour Tarification::appliquerProd763A(const LigneCCAM& ligne, Booleen& remb
   if (cr == NOX_CR_OK) {
     const bool exceptionnel = codeOuVide(ligne.codeRemboursement).vue() == REMBOURSEMENT_EXCEPTIONNEL;
     rembourse = Booleen(!nonRembourse && (!sousConditions || exceptionnel));
-    Trace::ecrire(TRACE_CONTROLE, "remboursé = %s", vraiFaux(rembourse.estVrai()));
+    dire(faits::REMBOURSE, rembourse);
   }
   return cr;
 }
@@ -91,7 +96,8 @@ CodeRetour Tarification::appliquerProd656A(AssociationCCAM& association) {
   if (cr == NOX_CR_OK && plusForte != nullptr) {
     plusForte->topActePuMax = true;
     association.actePlusFort = plusForte->acte;
-    Trace::ecrire(TRACE_CONTROLE, "acte le plus fort = %s", plusForte->acte.lireTexte());
+    dire(faits::ACTE_LE_PLUS_FORT, plusForte->acte);
+    dire(faits::LIGNE_LA_PLUS_FORTE, plusForte->numero, prix(*plusForte));
   }
   return cr;
 }
@@ -103,7 +109,8 @@ CodeRetour Tarification::appliquerProd656B(LigneCCAM& ligne) {
   cr = estActeComplementaire(lecture(), ligne.acte, ligne.date, complementaire);
   if (cr == NOX_CR_OK) {
     ligne.topReduction = Booleen(!complementaire && !ligne.topActePuMax);
-    Trace::ecrire(TRACE_CONTROLE, "top réduction = %s", vraiFaux(ligne.topReduction->estVrai()));
+    dire(faits::COMPLEMENTAIRE, Booleen(complementaire));
+    dire(faits::REDUITE, *ligne.topReduction);
   }
   return cr;
 }
@@ -120,12 +127,12 @@ CodeRetour Tarification::appliquerProd655(const LigneCCAM& ligne, Coefficient& c
   CodeRetour cr = NOX_CR_OK;
   const auto bloc = blocRegle(cr, NOM, PROD655);
   const Code& code = codeOuVide(ligne.codeAssociation);
-  Trace::ecrire(TRACE_CONTROLE, "code association = %s", code.lireTexte());
+  dire(faits::CODE_ASSOCIATION, code);
   coefficient = Coefficient(1.0);
   if (subitReduction(ligne)) {
     cr = lecture().rechercherCoefficientAssociationNonPrevue(code, ligne.date, coefficient);
   }
-  Trace::ecrire(TRACE_CONTROLE, "coefficient = %f", coefficient.lireValeur());
+  dire(faits::COEFFICIENT, coefficient);
   return cr;
 }
 
@@ -139,7 +146,7 @@ CodeRetour Tarification::lireCoefficientRegle(const LigneCCAM& ligne, const Code
     cr = lecture().rechercherRegleAssociation(actePlusFort, ligne.activite, ligne.acte, ligne.date, regle);
   }
   if (cr == NOX_CR_OK) {
-    Trace::ecrire(TRACE_CONTROLE, "regle tarifaire = %s", regle.lireTexte());
+    dire(faits::REGLE_TARIFAIRE, regle);
     cr = lecture().rechercherCoefficientRegle(regle, ligne.date, coefficient);
   }
   return cr == NOX_CR_CODE_INCONNU ? static_cast<CodeRetour>(NOX_CR_DONNEE_ABSENTE) : cr;
@@ -153,7 +160,7 @@ CodeRetour Tarification::appliquerProd640(const LigneCCAM& ligne, Coefficient& c
   if (subitReduction(ligne)) {
     cr = lireCoefficientRegle(ligne, codeOuVide(ligne.association->actePlusFort), coefficient);
   }
-  Trace::ecrire(TRACE_CONTROLE, "coefficient = %f", coefficient.lireValeur());
+  dire(faits::COEFFICIENT, coefficient);
   return cr;
 }
 
@@ -180,11 +187,11 @@ CodeRetour Tarification::appliquerProd860(const LigneCCAM& ligne, Montant& suppl
     cr = lecture().rechercherSupplementCharges(ligne.acte, ligne.activite, ligne.phase, ligne.date,
                                                supplement);
   }
-  Trace::ecrire(TRACE_CONTROLE, "supplément = %.2fE", supplement.lireValeur());
+  dire(faits::SUPPLEMENT, supplement);
   return cr;
 }
 
-CodeRetour Tarification::lireModificateurs(const LigneCCAM& ligne, double& forfaits, double& facteur) {
+CodeRetour Tarification::lireModificateurs(const LigneCCAM& ligne, Montant& forfaits, Coefficient& facteur) {
   if (ligne.modificateur.estVide()) {
     return NOX_CR_OK;
   }
@@ -194,24 +201,29 @@ CodeRetour Tarification::lireModificateurs(const LigneCCAM& ligne, double& forfa
   double taux = 0.0;
   int nombreTaux = 0;
   for (const Code& modificateur : ligne.modificateur) {
-    if (cr != NOX_CR_OK || reste-- < 1) {
+    if (cr != NOX_CR_OK) {
       break;
     }
+    if (reste-- < 1) {
+      dire(faits::MODIFICATEUR_AU_DELA, modificateur, tarifants);
+      continue;
+    }
+    dire(faits::MODIFICATEUR, modificateur);
     Montant forfait;
     cr = lecture().rechercherForfaitModificateur(modificateur, ligne.date, forfait);
     if (cr == NOX_CR_OK && forfait.estRenseigne()) {
-      Trace::ecrire(TRACE_CONTROLE, "le forfait du modificateur = %.2fE", forfait.lireValeur());
-      forfaits += forfait.lireValeur();
+      dire(faits::FORFAIT_MODIFICATEUR, forfait);
+      forfaits = forfaits + forfait;
     } else if (cr == NOX_CR_OK) {
       Coefficient tauxModificateur;
       cr = lecture().rechercherTauxModificateur(modificateur, ligne.date, tauxModificateur);
-      Trace::ecrire(TRACE_CONTROLE, "le taux du modificateur = %.f%%", tauxModificateur.lireValeur() * 100);
+      dire(faits::TAUX_MODIFICATEUR, Flottant(tauxModificateur.lireValeur() * 100));
       taux += tauxModificateur.lireValeur();
       ++nombreTaux;
     }
   }
   if (cr == NOX_CR_OK && nombreTaux > 0) {
-    facteur = std::max(0.0, taux - (nombreTaux - 1));
+    facteur = Coefficient(std::max(0.0, taux - (nombreTaux - 1)));
   }
   return cr;
 }
@@ -227,13 +239,17 @@ CodeRetour Tarification::appliquerProd870(const LigneCCAM& ligne, const Coeffici
                    cr, base.lireValeur(), baseHorsForfait.lireValeur());
       },
       NOM, PROD870);
-  double forfaits = 0.0;
-  double facteur = 1.0;
+  Montant forfaits;
+  Coefficient facteur(1.0);
   cr = lireModificateurs(ligne, forfaits, facteur);
   if (cr == NOX_CR_OK) {
-    const double prix = ligne.prixUnitaire.value_or(Montant()).lireValeur();
-    baseHorsForfait = Montant(prix * facteur * coefficient.lireValeur());
-    base = baseHorsForfait + Montant(forfaits) + supplement;
+    const Montant prix = ligne.prixUnitaire.value_or(Montant());
+    base = calculer(faits::PRIX_FACTURE, Operation::DEPART, prix, prix);
+    base = calculer(faits::TAUX_MODIFICATEURS, Operation::FOIS, base, facteur);
+    base = calculer(faits::REDUCTION_ASSOCIATION, Operation::FOIS, base, coefficient);
+    baseHorsForfait = base;
+    base = calculer(faits::FORFAITS_MODIFICATEURS, Operation::PLUS, base, forfaits);
+    base = calculer(faits::SUPPLEMENT_CHARGES, Operation::PLUS, base, supplement);
   }
   return cr;
 }
@@ -247,7 +263,7 @@ constexpr std::string_view NON_CONVENTIONNE = "0";
 CodeRetour Tarification::appliquerProd740(const Code& conventionPS, const Date& date, Montant& base) {
   CodeRetour cr = NOX_CR_OK;
   const auto bloc = blocRegle(cr, NOM, PROD740);
-  Trace::ecrire(TRACE_CONTROLE, "conventionPS = %s", conventionPS.lireTexte());
+  dire(faits::CONVENTION, conventionPS);
   if (conventionPS.vue() != NON_CONVENTIONNE) {
     Trace::ecrire(TRACE_CONTROLE, "Base de remboursement recalculée = base de remboursement calculée");
     return cr;
@@ -255,12 +271,12 @@ CodeRetour Tarification::appliquerProd740(const Code& conventionPS, const Date& 
   Montant forfait;
   cr = lecture().rechercherForfaitNonConventionnes(date, forfait);
   if (cr == NOX_CR_OK && forfait.estRenseigne()) {
-    base = std::min(base, forfait);
+    base = calculer(faits::FORFAIT_NON_CONVENTIONNE, Operation::PLAFOND, base, forfait);
   } else if (cr == NOX_CR_OK) {
     Coefficient taux;
     cr = lecture().rechercherTauxNonConventionnes(date, taux);
     if (cr == NOX_CR_OK) {
-      base = base * taux;
+      base = calculer(faits::TAUX_NON_CONVENTIONNE, Operation::FOIS, base, taux);
     }
   }
   Trace::ecrire(TRACE_CONTROLE, "Base de remboursement recalculée = %.2fE", base.lireValeur());

@@ -1,6 +1,7 @@
 // Exemption by the threshold: of an act, of the acts of a séance, of an invoice.
 #include "regles/departements.h"
 #include "regles/exoneration.h"
+#include "regles/faits.h"
 
 namespace noxlux {
 
@@ -40,7 +41,9 @@ CodeRetour Tarification::sommerSeance(const Seance& seance, Montant& somme) {
       return cr;
     }
     if (compte) {
-      somme = somme + ligne->baseHorsForfait.value_or(Montant());
+      const Montant base = ligne->baseHorsForfait.value_or(Montant());
+      somme = somme + base;
+      dire(faits::LIGNE_COMPTEE, ligne->numero, base);
     }
   }
   if (cr == NOX_CR_OK) {
@@ -76,7 +79,11 @@ CodeRetour Tarification::atteintSeuil(const LigneCCAM& ligne, const ListeCodes& 
     cr = lireSeuil(codeOuVide(ligne.factureParent->caissePS), ligne.date, seuil);
     Trace::ecrire(TRACE_CONTROLE, "Le seuil d'exonération est %.2fE", seuil.lireValeur());
   }
-  atteint = cr == NOX_CR_OK && compte && ligne.baseHorsForfait.value_or(Montant()) >= seuil;
+  const Montant base = ligne.baseHorsForfait.value_or(Montant());
+  atteint = cr == NOX_CR_OK && compte && base >= seuil;
+  if (cr == NOX_CR_OK && compte) {
+    dire(faits::SEUIL_ACTE, seuil, base, Booleen(atteint));
+  }
   return cr;
 }
 
@@ -124,13 +131,12 @@ CodeRetour Tarification::appliquerProd790B(const Seance& seance, const Code& cai
   if (cr != NOX_CR_OK) {
     return cr;
   }
-  Trace::ecrire(TRACE_CONTROLE, "la somme des bases de remboursement hors forfait pour la séance = %.2fE",
-                somme.lireValeur());
+  dire(faits::SOMME_SEANCE, somme);
   cr = lireSeuil(caissePS, *seance.date, seuil);
   if (cr != NOX_CR_OK) {
     return cr;
   }
-  Trace::ecrire(TRACE_CONTROLE, "le seuil d'exonération est %.2fE", seuil.lireValeur());
+  dire(faits::SEUIL_SEANCE, seuil);
   if (!(somme < seuil)) {
     factureExoneree = Code(Facture::EXONEREE);
   }

@@ -7,10 +7,17 @@
 #include <type_traits>
 
 #include "basics/trace.h"
+#include "types/booleen.h"
 #include "types/date.h"
+#include "types/decimal.h"
 #include "types/texte.h"
 
 namespace noxlux {
+
+// A value as the formats of the trace take it.
+inline double pourTrace(const Flottant& valeur) { return valeur.lireValeur(); }
+inline const char* pourTrace(const Texte& valeur) { return valeur.lireTexte(); }
+inline const char* pourTrace(const Booleen& valeur) { return vraiFaux(valeur.estVrai()); }
 
 inline void tracerDate(FormatVerifie<const char*> format, const Date& date) {
   if (Trace::estDetaille(TRACE_CONTROLE)) [[unlikely]] {

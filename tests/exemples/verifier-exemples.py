@@ -7,6 +7,7 @@ import copy
 import json
 import pathlib
 import re
+import subprocess
 import sys
 
 sys.dont_write_bytecode = True
@@ -130,18 +131,119 @@ USAGES = [
 ]
 
 
+# Faulty questions, and what the answer says of the cause: the code and its table, what resembles it, the day.
+CONSULTER = ["consulter", "CCAM_37", "phase=0", "--date", "2026-01-15"]
+CAUSES = [
+    ([*CONSULTER, "acte=HHFA0O1", "activite=1"], "acte « HHFA0O1 » absent de la table des actes ; vouliez-vous « HHFA001 »"),
+    ([*CONSULTER, "acte=HHFA001", "activite=7"], "activité « 7 » absent de la table des activités de l'acte ; vouliez-vous « 1 », « 4 » ?"),
+    ([*CONSULTER[:-1], "1990-01-01", "acte=HHFA001", "activite=1"], "l'acte HHFA001 vaut à partir du 25/03/2005"),
+    (["consulter", "TB11_1", "modificateur=0"], "modificateur « 0 » absent de la table des modificateurs"),
+    (["verifier", "C_Executant", "acte=HHFA0O1", "activite=1", "specialite=04"], "vouliez-vous « HHFA001 »"),
+]
+
+
+def sans(objet, *cles):
+    return {cle: valeur for cle, valeur in objet.items() if cle not in cles}
+
+
+def sans_raisons(reponse):
+    """An answer as short as the expected ones: without the steps, and without the data behind the errors."""
+    courte = sans(reponse, "exoneration") | {"erreurs": [sans(e, "donnees") for e in reponse["erreurs"]]}
+    return courte | ({"lignes": [sans(ligne, "etapes") for ligne in reponse["lignes"]]} if "lignes" in reponse else {})
+
+
+def au_centime(montant):
+    return int(montant * 100 + 0.5 + 1e-5) / 100
+
+
+OPERATIONS = {"depart": lambda montant, operande: operande, "fois": lambda montant, operande: montant * operande,
+              "plus": lambda montant, operande: montant + operande, "plafond": min,
+              "arrondi": lambda montant, operande: au_centime(montant)}
+
+
+def refaire(etapes, nom, compte):
+    """Makes the operations that were told once more; the amount at their end, None without any."""
+    montant = None
+    for etape in etapes:
+        montant = OPERATIONS[etape["operation"]](montant, etape["operande"])
+        compte.verifier(f"{nom}, {etape['etape']}", round(montant, 6), round(etape["resultat"], 6))
+    return montant
+
+
+def verifier_etapes(nom, reponse, compte):
+    """The steps lead to the amounts that the check compared; what they add up is told one by one. Counts them."""
+    for ligne in reponse["lignes"]:
+        etapes = ligne["etapes"]
+        compte.verifier(f"{nom}: price of line {ligne['numero']}", refaire(etapes["prix"], nom, compte), ligne["prixCalcule"])
+        base = refaire(etapes["base"], nom, compte)
+        compte.verifier(f"{nom}: base of line {ligne['numero']}", base,
+                        ligne["baseCalculee"] and au_centime(ligne["baseCalculee"]))
+        operandes = {etape["etape"]: etape["operande"] for etape in etapes["base"]}
+        comptes = [m for m in etapes.get("modificateurs", []) if m["compte"]]
+        taux = [m["taux"] for m in comptes if "taux" in m]
+        compte.verifier(f"{nom}: modifiers", [round(operandes.get("tauxModificateurs", 1), 6),
+                                              round(operandes.get("forfaitsModificateurs", 0), 6)],
+                        [round(max(0, sum(taux) - len(taux) + 1) if taux else 1, 6),
+                         round(sum(m.get("forfait", 0) for m in comptes), 6)])
+        compte.verifier(f"{nom}: each datum has its day, but those of the act for good",
+                        [d for e in etapes["prix"] + etapes["base"] for d in e["donnees"] if not d["depuis"] and d["table"] != "actes"]
+                        + [e for e in etapes["prix"] if e["etape"] == "prixUnitaire" and not e["donnees"]], [])
+    for seance in (reponse["exoneration"] or {"seances": []})["seances"]:
+        compte.verifier(f"{nom}: séance", round(sum(c["montant"] for c in seance["lignes"]), 6), round(seance["somme"], 6))
+    for erreur in reponse["erreurs"]:
+        compte.verifier(f"{nom}: {erreur['reference']} says what decided", erreur["donnees"] != [] or erreur["reference"]
+                        in ("R511A", "R580", "R795A", "R785"), True)
+    return sum(len(ligne["etapes"]["base"]) for ligne in reponse["lignes"])
+
+
+def verifier_causes(commande, sources, compte):
+    def lancer(*arguments):
+        return subprocess.run([commande.programme, *arguments], capture_output=True, text=True)
+
+    for question, cause in CAUSES:
+        fini = lancer(*question, "--json", "--reference", commande.reference)
+        compte.verifier(f"cause: {cause}", (fini.returncode, cause if cause in fini.stderr else fini.stderr), (CODE_ERREUR, cause))
+        dite = json.loads(fini.stdout)["cause"]
+        compte.verifier(f"cause in JSON: {cause}", dite["phrase"] in fini.stderr and dite["table"] != "", True)
+    regles = re.findall(r'identifiant = "(\w+)"\nreference = "(\w+)"', (sources / "reference/socle/regles.toml").read_text())
+    titres = [ligne for ligne in (sources / "docs/rules.md").read_text().splitlines() if ligne.startswith("### PROD")]
+    compte.verifier("every rule has its section, by both names",
+                    [r for r in regles if not any({*r} <= {*re.findall(r"\w+", titre)} for titre in titres)], [])
+    compte.verifier("a rule by both names", lancer("regle", "r550").stdout, lancer("regle", "PROD550").stdout)
+    compte.verifier("what it prints", "each modifier applies to the act" in lancer("regle", "R550").stdout, True)
+
+
+def verifier_simulation(commande, facture, compte):
+    """A dearer act: the totals rise by what its line does, R850 appears, and the reference stays what it was."""
+    essai = modifier(facture, lambda f: [ligne.pop("outrepassees", None) for ligne in f["lignes"]])
+    ligne = next(ligne for ligne in essai["lignes"] if "acte" in ligne)
+    changement = "CCAM_37 montant={:.2f} ".format(ligne["prixUnitaire"] + 10) + " ".join(
+        f"{cle}={ligne[cle]}" for cle in ("acte", "activite", "phase"))
+    appel = [commande.programme, "simuler", "--changement", changement, "--effet", ligne["date"], "--json", "--reference",
+             commande.reference]
+    for _ in range(2):
+        lu = json.loads(subprocess.run(appel, input=json.dumps(essai), capture_output=True, text=True, check=True).stdout)
+        compte.verifier("simulation: prices", round(lu["apres"]["prix"] - lu["avant"]["prix"], 2), 10.0)
+        compte.verifier("simulation: its act alone", [a["acte"] for a in lu["parActe"]], [ligne["acte"]])
+        compte.verifier("simulation: the billed price is not the act's any more", lu["parRegle"],
+                        [{"regle": "R850", "erreursAvant": 0, "erreursApres": 1}])
+
+
 def verifier_exemples(commande, exemples, compte):
     factures = sorted(exemples.glob("*.json"))
     attendus = sorted(p.name for p in (exemples / "attendus").glob("*.json"))
     compte.verifier("every example has its answer", [p.name for p in factures], attendus)
     couples = [(json.loads(chemin.read_text()), json.loads((exemples / "attendus" / chemin.name).read_text()))
                for chemin in factures]
+    etapes = 0
     for chemin, (_, attendu) in echantillon(list(zip(factures, couples))):
-        statut, sortie, erreurs = commande.controler("--json", str(chemin))
+        statut, sortie, erreurs = commande.controler("--json", "--expliquer", str(chemin))
         compte.verifier(f"{chemin.stem}: standard error", erreurs, "")
-        compte.verifier(f"{chemin.stem}: answer", json.loads(sortie), attendu)
+        compte.verifier(f"{chemin.stem}: answer", sans_raisons(json.loads(sortie)), attendu)
+        etapes += verifier_etapes(chemin.stem, json.loads(sortie), compte)
         statut_attendu = REPONDU if attendu["verdict"] == "acceptee" else CODE_ERREUR
         compte.verifier(f"{chemin.stem}: status", statut, statut_attendu)
+    compte.verifier("steps were told", etapes > 6 * len(echantillon(couples)), True)
     return couples
 
 
@@ -166,6 +268,7 @@ def verifier_lot(commande, couples, compte):
     sans_base = modifier(factures[0], CODES[0][0])
     illisibles = ['{"lignes": ', sans_base]
     statut, obtenues, erreurs = commande.lot(factures[:milieu] + illisibles + factures[milieu:], "--detail")
+    obtenues = [sans_raisons(o) if "erreurs" in o else o for o in obtenues]
     compte.verifier("batch: status with records not checked", statut, CODE_ERREUR)
     compte.verifier("batch: one answer a record", len(obtenues), len(couples) + len(illisibles))
     compte.verifier("batch: answers in order", obtenues[:milieu] + obtenues[milieu + 2:], reponses)
@@ -223,6 +326,8 @@ def main():
     couples = verifier_exemples(commande, exemples, compte)
     verifier_tableau(commande, exemples, compte)
     verifier_lot(commande, couples, compte)
+    verifier_causes(commande, pathlib.Path(sources), compte)
+    verifier_simulation(commande, json.loads((exemples / "chirurgie-et-anesthesie.json").read_text()), compte)
     verifier_fautes(commande, json.loads((exemples / "visite-avec-deplacements.json").read_text()), compte)
     compte.finir()
 
