@@ -155,6 +155,8 @@ JOURNEE = [
     (["modifier", "TB07_1", "caisse=971", "montant=125", "-e", "2026-01-01", "-r", "LA"], 0, "(seuil : métropole)"),
     (["modifier", "TB11_2", "modificateur=J", "coefficient=1,07", "-e", "2026-01-01", "-r", "LA"], 0, "après : coefficient 1,070"),
     (["modifier", "CCAM_42", *PRIX[:2], "regroupement=XYZ", "-e", "2026-01-01", "-r", "LA"], 1, "0xD007"),
+    (["controler", f"{SOURCES}/examples/exoneration-par-la-seance.json", "--expliquer", "--json", "-r", "LA"], 0,
+     '"modifieeDepuis": "2026-01-01"'),
     (["modifications", "-r", "LA"], 0, "position 1, seuil 125,00"),
     (["modifications", "-r", "LA", "--json"], 0, '"modifref.nox"'),
     (["consulter", "CCAM_37", *PRIX, "-d", "2026-02-01", "-r", "LA"], 0, "180,00 €"),
