@@ -101,7 +101,8 @@ Refus refusDe(std::exception_ptr exception) {
   } catch (const Introuvable& erreur) {
     return {404, erreur.what(), nullptr, hexadecimal(NOX_CR_CODE_INCONNU)};
   } catch (const ErreurBibliotheque& erreur) {
-    return {statutDe(erreur.code()), signification(erreur.code()), erreur.what(), hexadecimal(erreur.code())};
+    const Json dite = erreur.enJson();
+    return {statutDe(erreur.code()), dite["erreur"], dite.value("cause", Json()), hexadecimal(erreur.code())};
   } catch (const std::bad_alloc&) {
     return {503, "mémoire insuffisante"};
   } catch (const std::exception& erreur) {
