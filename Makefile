@@ -3,7 +3,7 @@ TACHES ?= $(shell nproc)
 CMAKE_OPTIONS ?=
 CONFIGURER = cmake --preset $(1) -DCMAKE_CXX_COMPILER_LAUNCHER=ccache -DCMAKE_C_COMPILER_LAUNCHER=ccache $(CMAKE_OPTIONS) >/dev/null
 
-.PHONY: all install package demo test test-release test-release32 test-assaini test-python test-fils fils test-versions test-paquets corruption endurance mutations part-des-tests bench format propre paquets release release32
+.PHONY: all install package demo test test-release test-release32 test-assaini test-python test-fils fils test-versions test-paquets corruption endurance mutations part-des-tests bench instructions format propre paquets release release32
 
 all: release release32
 
@@ -131,6 +131,13 @@ bench-serveur: paquets
 	@$(call CONFIGURER,bench)
 	@cmake --build build/bench -j $(TACHES) --target noxlux_commande --target reference_exemple --target client_serveur
 	@bench/bench-serveur build/bench
+
+# Instructions of a question, counted one by one: what a busy machine does not blur.
+instructions: paquets
+	@packaging/installer-paquets valgrind
+	@$(call CONFIGURER,bench)
+	@cmake --build build/bench -j $(TACHES) --target bench_instructions --target noxlux_commande
+	@bench/instructions/compter build/bench
 
 format:
 	@git ls-files '*.h' '*.cpp' '*.c' | xargs clang-format -i

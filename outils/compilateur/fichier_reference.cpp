@@ -16,16 +16,16 @@ std::unique_ptr<FichierReference> FichierReference::ouvrir(const std::string& ch
     raison = phrase("impossible à ouvrir (", raisonSysteme(errno), ")");
     return nullptr;
   }
-  if (!resultat->lireEntete()) {
+  Lecteur lecteur(resultat->fichier_.lire());
+  if (!resultat->lireEntete(lecteur)) {
     raison = "ce n'est ni un tablebin.nox ni un modifref.nox : l'entête manque";
     return nullptr;
   }
-  resultat->lireTables();
+  resultat->lireTables(lecteur);
   return resultat;
 }
 
-bool FichierReference::lireEntete() {
-  Lecteur lecteur(fichier_.lire());
+bool FichierReference::lireEntete(Lecteur& lecteur) {
   if (lireEnteteTexte(lecteur, entete_) != NOX_CR_OK) {
     return false;
   }
@@ -33,8 +33,7 @@ bool FichierReference::lireEntete() {
   return modification_ || entete_.nom == NOM_FICHIER_REFERENCE;
 }
 
-void FichierReference::lireTables() {
-  Lecteur lecteur(fichier_.lire());
+void FichierReference::lireTables(Lecteur& lecteur) {
   CodeRetour cr = NOX_CR_OK;
   bool indexLu = false;
   while (cr == NOX_CR_OK && !indexLu) {

@@ -53,8 +53,8 @@ class FichierReference {
  private:
   explicit FichierReference(const std::string& chemin) : fichier_(chemin) {}
   CodeRetour lireActeEn(std::uint32_t position, NiveauActe& acte) const;
-  bool lireEntete();
-  void lireTables();
+  bool lireEntete(Lecteur& lecteur);
+  void lireTables(Lecteur& lecteur);
 
   FichierOuvert fichier_;
   EnteteFichier entete_;

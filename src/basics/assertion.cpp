@@ -5,8 +5,8 @@
 
 namespace noxlux {
 
-void echecAssertion(const char* texte, const LieuSource& lieu) noexcept {
-  std::fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", lieu.fichier, lieu.ligne, lieu.fonction, texte);
+void echecAssertion(const char* texte, const char* fichier, const char* fonction, int ligne) noexcept {
+  std::fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", fichier, ligne, fonction, texte);
   std::abort();
 }
 

@@ -4,20 +4,16 @@
 
 namespace noxlux {
 
-// Where an assertion stands: std::source_location, which not every compiler that builds this offers.
-struct LieuSource {
-  const char* fichier = __builtin_FILE();
-  const char* fonction = __builtin_FUNCTION();
-  int ligne = __builtin_LINE();
-};
-
 // Prints the condition's text and its place on standard error, then stops the process.
-[[noreturn]] void echecAssertion(const char* texte, const LieuSource& lieu) noexcept;
+[[noreturn]] void echecAssertion(const char* texte, const char* fichier, const char* fonction,
+                                 int ligne) noexcept;
 
-// REQUIRES: condition; `texte` is the condition as it must be printed.
-inline void exiger(bool condition, const char* texte, const LieuSource& lieu = {}) noexcept {
+// REQUIRES: condition; `texte` is the condition as it must be printed. The place is that of the caller, told
+// by values of their own: an object would be put together each time, for nothing.
+inline void exiger(bool condition, const char* texte, const char* fichier = __builtin_FILE(),
+                   const char* fonction = __builtin_FUNCTION(), int ligne = __builtin_LINE()) noexcept {
   if (!condition) [[unlikely]] {
-    echecAssertion(texte, lieu);
+    echecAssertion(texte, fichier, fonction, ligne);
   }
 }
 

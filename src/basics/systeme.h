@@ -23,6 +23,8 @@ class Systeme {
   static int comparerIdentifiant(const char* gauche, const char* droite);
   // The first 8 characters of an identifier as a number that sorts as they do in that comparison.
   static std::uint64_t prefixeIdentifiant(const char* identifiant);
+  // Whether that number tells the whole identifier.
+  static constexpr bool estPrefixeEntier(std::uint64_t prefixe) { return (prefixe & 0xFFU) == 0; }
 };
 
 // The files by which the host's installation knows which versions run.

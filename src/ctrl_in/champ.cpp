@@ -1,6 +1,7 @@
 #include "ctrl_in/champ.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <new>
 #include <type_traits>
@@ -28,18 +29,36 @@ CodeRetour refuser(FormatVerifie<const char*> format, Octets donnees) {
   return NOX_CR_CHAMP_INVALIDE;
 }
 
-constexpr bool estChiffre(byte b) { return b >= '0' && b <= '9'; }
-constexpr bool estAlphanumerique(byte b) { return b == ' ' || estCapitaleOuChiffre(b); }
-
-template <bool (*EST_PERMIS)(byte)>
-CodeRetour controlerCaracteres(Octets donnees, FormatVerifie<byte> format) {
-  for (const byte b : donnees) {
-    if (!EST_PERMIS(b)) {
-      Trace::erreur(TRACE_PARAMETRES, format, b);
-      return NOX_CR_CHAMP_INVALIDE;
-    }
+// What a byte may be, a bit each: the classes of a field are those of its bytes together.
+constexpr byte CHIFFRE = 1;
+constexpr byte CAPITALE = 2;
+constexpr byte ESPACE = 4;
+constexpr byte AUTRE = 8;
+constexpr auto CLASSES = [] {
+  std::array<byte, 256> classes{};
+  for (std::size_t i = 0; i < classes.size(); ++i) {
+    const auto octet = static_cast<byte>(i);
+    classes[i] = octet == ' '                   ? ESPACE
+                 : !estCapitaleOuChiffre(octet) ? AUTRE
+                 : octet <= '9'                 ? CHIFFRE
+                                                : CAPITALE;
   }
-  return NOX_CR_OK;
+  return classes;
+}();
+
+byte classesDe(Octets donnees) {
+  byte classes = 0;
+  for (const byte b : donnees) {
+    classes = static_cast<byte>(classes | CLASSES[b]);
+  }
+  return classes;
+}
+
+// Shows the first byte that is of none of the classes.
+CodeRetour refuserCaractere(Octets donnees, byte permises, FormatVerifie<byte> format) {
+  const auto refuse = std::ranges::find_if(donnees, [=](byte b) { return (CLASSES[b] & permises) == 0; });
+  Trace::erreur(TRACE_PARAMETRES, format, *refuse);
+  return NOX_CR_CHAMP_INVALIDE;
 }
 
 template <class T>
@@ -59,8 +78,9 @@ constexpr Champ::Type TYPE_DE<Montant> = Champ::Type::Montant;
 template <>
 constexpr Champ::Type TYPE_DE<Coefficient> = Champ::Type::Coefficient;
 
-CodeRetour convertir(Octets donnees, Champ::Type /*type*/, Code& code) {
-  if (!Code::estValide(donnees.data(), donnees.size())) {
+// `classes` may tell more than the bytes of a code: a field is looked at before its padding is taken off.
+CodeRetour convertir(Octets donnees, byte classes, Code& code) {
+  if ((classes & (ESPACE | AUTRE)) != 0 && !Code::estValide(donnees.data(), donnees.size())) {
     return refuser("ERREUR: le champ [%s] n'est pas un code valide.", donnees);
   }
   code.affecter(donnees.data(), donnees.size());
@@ -108,6 +128,15 @@ CodeRetour convertir(Octets donnees, Champ::Type type, T& valeur) {
   return NOX_CR_OK;
 }
 
+template <class T>
+CodeRetour convertirEn(Octets donnees, Champ::Type type, byte classes, T& valeur) {
+  if constexpr (std::is_same_v<T, Code>) {
+    return convertir(donnees, classes, valeur);
+  } else {
+    return convertir(donnees, type, valeur);
+  }
+}
+
 }  // namespace
 
 CodeRetour Champ::initialiser(Format format, Type type, std::uint16_t tailleMin, std::uint16_t tailleMax,
@@ -130,13 +159,17 @@ CodeRetour Champ::initialiser(Format format, Type type, std::uint16_t tailleMin,
 }
 
 CodeRetour Champ::controler(Octets donnees) const {
+  byte classes = AUTRE;
+  return controler(donnees, classes);
+}
+
+// `classes` becomes those of the field when its format had them looked at.
+inline CodeRetour Champ::controler(Octets donnees, byte& classes) const {
   exiger(donnees.data() != nullptr, "donnees != __null");
-  const bool tropCourt = tailleMin_ != 0 && donnees.size() < tailleMin_;
-  const bool tropLong = tailleMax_ != 0 && donnees.size() > tailleMax_;
-  if (tropCourt || tropLong) {
+  if (donnees.size() < tailleMin_ || (tailleMax_ != 0 && donnees.size() > tailleMax_)) [[unlikely]] {
     return refuserTaille(donnees.size());
   }
-  const CodeRetour cr = controlerFormat(donnees);
+  const CodeRetour cr = controlerFormat(donnees, classes);
   return cr == NOX_CR_OK && !valeursAutorisees_.empty() ? controlerValeurs(donnees) : cr;
 }
 
@@ -152,14 +185,21 @@ CodeRetour Champ::refuserTaille(std::size_t longueur) const {
   return NOX_CR_CHAMP_INVALIDE;
 }
 
-CodeRetour Champ::controlerFormat(Octets donnees) const {
+inline CodeRetour Champ::controlerFormat(Octets donnees, byte& classes) const {
+  constexpr byte ALPHANUMERIQUE = CHIFFRE | CAPITALE | ESPACE;
   switch (format_) {
     case Format::Alphanumerique:
-      return controlerCaracteres<estAlphanumerique>(
-          donnees, "ERREUR: caractere (%c) interdit dans le format alphanumerique.");
+      classes = classesDe(donnees);
+      return (classes & AUTRE) == 0
+                 ? CodeRetour{NOX_CR_OK}
+                 : refuserCaractere(donnees, ALPHANUMERIQUE,
+                                    "ERREUR: caractere (%c) interdit dans le format alphanumerique.");
     case Format::Numerique:
-      return controlerCaracteres<estChiffre>(donnees,
-                                             "ERREUR: caractere (%c) interdit dans le format numerique.");
+      classes = classesDe(donnees);
+      return (classes & ~CHIFFRE) == 0
+                 ? CodeRetour{NOX_CR_OK}
+                 : refuserCaractere(donnees, CHIFFRE,
+                                    "ERREUR: caractere (%c) interdit dans le format numerique.");
     case Format::Date:
       return Date::estValide(donnees.data(), donnees.size())
                  ? CodeRetour{NOX_CR_OK}
@@ -218,7 +258,7 @@ CodeRetour Champ::refuserType() const {
 
 // What a value of the described type would refuse.
 CodeRetour Champ::controlerType(Octets donnees) const {
-  const auto essayer = [&]<class T>(T valeur) { return convertir(donnees, type_, valeur); };
+  const auto essayer = [&]<class T>(T valeur) { return convertirEn(donnees, type_, AUTRE, valeur); };
   switch (type_) {
     case Type::Code:
       return essayer(Code());
@@ -242,7 +282,8 @@ CodeRetour Champ::controlerType(Octets donnees) const {
 
 template <class T>
 CodeRetour Champ::transformer(Octets donnees, T& valeur) const {
-  const CodeRetour cr = controler(donnees);
+  byte classes = AUTRE;
+  const CodeRetour cr = controler(donnees, classes);
   if (cr != NOX_CR_OK) {
     return cr;
   }
@@ -251,7 +292,7 @@ CodeRetour Champ::transformer(Octets donnees, T& valeur) const {
     return NOX_CR_OK;
   }
   if (estDecritComme<T>()) {
-    return convertir(reduire(donnees), type_, valeur);
+    return convertirEn(reduire(donnees), type_, classes, valeur);
   }
   // The content comes first: what the host can mend is told before what the reference describes otherwise.
   const CodeRetour contenu = controlerType(reduire(donnees));

@@ -36,8 +36,9 @@ class Champ {
   void dump() const;
 
  private:
+  CodeRetour controler(Octets donnees, byte& classes) const;
   CodeRetour refuserTaille(std::size_t longueur) const;
-  CodeRetour controlerFormat(Octets donnees) const;
+  CodeRetour controlerFormat(Octets donnees, byte& classes) const;
   CodeRetour controlerValeurs(Octets donnees) const;
   template <class T>
   bool estDecritComme() const;

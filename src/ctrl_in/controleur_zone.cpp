@@ -80,51 +80,24 @@ CodeRetour ControleurZone::verifierMinima() {
 
 // --- Fields ---
 
-// The description of the field just read; leaves the group once it is its last one.
-CodeRetour ControleurZone::rechercherChamp(const Champ*& champ) {
-  exiger(groupe_ != nullptr, "groupe != __null");
+CodeRetour ControleurZone::refuserTropPeuDeChamps() const {
+  Trace::erreur(TRACE_PARAMETRES,
+                "ERREUR: nombre de champs insuffisant dans le %uème groupe (%u) (%u champs attendus, %u "
+                "champs trouvés)",
+                zone_->lireNombreGroupes(), zone_->lireIdentifiant(), groupe_->lireNbChamps(), numeroChamp_);
+  return codeAvecPosition(NOX_CR_NOMBRE_CHAMPS, zone_->lireNombreGroupes());
+}
+
+// Once the last field that the group describes is read, or one that it does not describe.
+CodeRetour ControleurZone::quitterGroupe() {
   const std::uint16_t attendus = groupe_->lireNbChamps();
-  const bool decrit = numeroChamp_ < attendus;
-  if (decrit) {
-    champ = &groupe_->lireChamp(numeroChamp_);
-    if (++numeroChamp_ < attendus) {
-      return NOX_CR_OK;
-    }
-  }
-  if (!decrit || (exhaustif_ && !zone_->finGroupe())) {
+  if (numeroChamp_ > attendus || (exhaustif_ && !zone_->finGroupe())) {
     Trace::erreur(TRACE_PARAMETRES, "ERREUR: trop de champs dans le %uème groupe (%u) (%u champs attendus)",
                   zone_->lireNombreGroupes(), zone_->lireIdentifiant(), attendus);
     return codeAvecPosition(NOX_CR_NOMBRE_CHAMPS, zone_->lireNombreGroupes());
   }
   groupe_ = nullptr;
   return zone_->finDonnees() ? verifierMinima() : CodeRetour{NOX_CR_OK};
-}
-
-CodeRetour ControleurZone::lireChampSuivant(std::uint16_t& identifiant, std::uint16_t& numero,
-                                            Octets& donnees, const Champ*& champ) {
-  CodeRetour cr = groupe_ == nullptr ? rechercherGroupe() : CodeRetour{NOX_CR_OK};
-  if (cr != NOX_CR_OK) {
-    return cr;
-  }
-  if (zone_->finGroupe()) {
-    Trace::erreur(TRACE_PARAMETRES,
-                  "ERREUR: nombre de champs insuffisant dans le %uème groupe (%u) (%u champs attendus, %u "
-                  "champs trouvés)",
-                  zone_->lireNombreGroupes(), zone_->lireIdentifiant(), groupe_->lireNbChamps(),
-                  numeroChamp_);
-    return codeAvecPosition(NOX_CR_NOMBRE_CHAMPS, zone_->lireNombreGroupes());
-  }
-  cr = zone_->avancerChampSuivant(numero, donnees);
-  if (cr == NOX_CR_OK) {
-    identifiant = zone_->lireIdentifiant();
-    cr = rechercherChamp(champ);
-  }
-  return cr;
-}
-
-CodeRetour ControleurZone::situerFaute(CodeRetour cr) const {
-  return cr == NOX_CR_CHAMP_INVALIDE ? codeAvecPosition(NOX_CR_CHAMP_INVALIDE, zone_->lireNombreChamps())
-                                     : cr;
 }
 
 CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "basics/assertion.h"
 #include "basics/codes_retour.h"
 #include "basics/trace.h"
 #include "ctrl_in/controleur_super_groupe.h"
@@ -33,15 +34,19 @@ class ControleurZone {
   // Once the last field is read: 0xA001 + number of groups read when the zone holds more.
   CodeRetour verifierFinDonnees() const;
   // A fault of content, 0x9000, with the place of the field just read; another code stays.
-  CodeRetour situerFaute(CodeRetour cr) const;
+  CodeRetour situerFaute(CodeRetour cr) const {
+    return cr == NOX_CR_CHAMP_INVALIDE ? codeAvecPosition(NOX_CR_CHAMP_INVALIDE, zone_->lireNombreChamps())
+                                       : cr;
+  }
 
  private:
   CodeRetour rechercherGroupe();
   CodeRetour rechercherGroupeExhaustif(const Groupe*& groupe);
   CodeRetour rechercherGroupeTolerant(const Groupe*& groupe);
-  CodeRetour rechercherChamp(const Champ*& champ);
   CodeRetour lireChampSuivant(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees,
                               const Champ*& champ);
+  CodeRetour refuserTropPeuDeChamps() const;
+  CodeRetour quitterGroupe();
   CodeRetour verifierMinima();
 
   Zone* zone_;
@@ -50,6 +55,29 @@ class ControleurZone {
   const Groupe* groupe_ = nullptr;
   std::uint16_t numeroChamp_ = 0;
 };
+
+// The next field, and its description.
+inline CodeRetour ControleurZone::lireChampSuivant(std::uint16_t& identifiant, std::uint16_t& numero,
+                                                   Octets& donnees, const Champ*& champ) {
+  if (groupe_ == nullptr) {
+    if (const CodeRetour cr = rechercherGroupe(); cr != NOX_CR_OK) {
+      return cr;
+    }
+  }
+  exiger(groupe_ != nullptr, "groupe != __null");
+  if (zone_->finGroupe()) [[unlikely]] {
+    return refuserTropPeuDeChamps();
+  }
+  if (const CodeRetour cr = zone_->avancerChampSuivant(numero, donnees); cr != NOX_CR_OK) [[unlikely]] {
+    return cr;
+  }
+  identifiant = zone_->lireIdentifiant();
+  const std::uint16_t attendus = groupe_->lireNbChamps();
+  if (numeroChamp_ < attendus) {
+    champ = &groupe_->lireChamp(numeroChamp_);
+  }
+  return ++numeroChamp_ < attendus ? CodeRetour{NOX_CR_OK} : quitterGroupe();
+}
 
 template <class T>
 CodeRetour ControleurZone::extraireChamp(std::uint16_t& identifiant, std::uint16_t& numero, T& valeur) {

@@ -1,9 +1,11 @@
 #include "fichier/lecteur.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <charconv>
 #include <limits>
@@ -14,15 +16,16 @@
 
 namespace noxlux {
 
-Lecteur::Lecteur(std::FILE* fichier) : fichier_(fichier) {
+Lecteur::Lecteur(std::FILE* fichier) : descripteur_(-1) {
   exiger(fichier != nullptr, "fichier!=__null");
+  descripteur_ = fileno(fichier);
   const off_t position = ftello(fichier);
-  offset_ = position > 0 ? static_cast<std::uint64_t>(position) : 0;
+  finTampon_ = position > 0 ? static_cast<std::uint64_t>(position) : 0;
   struct stat etat {};
-  if (fstat(fileno(fichier), &etat) == 0 && etat.st_size > 0) {
+  if (fstat(descripteur_, &etat) == 0 && etat.st_size > 0) {
     taille_ = static_cast<std::uint64_t>(etat.st_size);
   }
-  taille_ = std::max(taille_, offset_);
+  taille_ = std::max(taille_, finTampon_);
 }
 
 CodeRetour Lecteur::positionner(std::uint32_t position) {
@@ -30,81 +33,86 @@ CodeRetour Lecteur::positionner(std::uint32_t position) {
     errno = EINVAL;  // as the system tells other places that do not exist
     return NOX_CR_LECTURE_REFERENCE;
   }
-  if (fseeko(fichier_, static_cast<off_t>(position), SEEK_SET) != 0) {
-    return NOX_CR_LECTURE_REFERENCE;
+  const std::uint64_t debutTampon = finTampon_ - static_cast<std::uint64_t>(fin_ - tampon_);
+  if (position >= debutTampon && position <= finTampon_) {
+    curseur_ = tampon_ + (position - debutTampon);
+  } else {
+    curseur_ = fin_ = tampon_;
+    finTampon_ = position;
+    prochaineLecture_ = PREMIERE_LECTURE;
   }
-  offset_ = position;
   return NOX_CR_OK;
 }
 
 CodeRetour Lecteur::tableSuivante() {
-  const std::uint64_t suivante = offset_ + tailleTable_;
+  const std::uint64_t suivante = offset() + tailleTable_;
   return suivante > std::numeric_limits<std::uint32_t>::max()
              ? static_cast<CodeRetour>(NOX_CR_LECTURE_REFERENCE)
              : positionner(static_cast<std::uint32_t>(suivante));
 }
 
-// Files are read by one thread at a time: the streams need no lock.
-bool Lecteur::lireOctets(void* cible, std::size_t n) {
-  const std::size_t lus = fread_unlocked(cible, 1, n, fichier_);
-  offset_ += lus;
-  return lus == n;
+// What follows in the file, in place of what was read. False at its end, or when it does not read.
+bool Lecteur::remplir() {
+  ssize_t lus = 0;
+  do {
+    lus = pread(descripteur_, tampon_, prochaineLecture_, static_cast<off_t>(finTampon_));
+  } while (lus < 0 && errno == EINTR);
+  curseur_ = tampon_;
+  fin_ = tampon_ + std::max<ssize_t>(lus, 0);
+  finTampon_ += static_cast<std::uint64_t>(fin_ - tampon_);
+  prochaineLecture_ = CAPACITE;
+  return fin_ != tampon_;
 }
 
-template <class T>
-CodeRetour Lecteur::lireGrosBoutiste(T& valeur) {
-  position_ = static_cast<std::int32_t>(offset_);
-  byte octets[sizeof(T)];
-  if (!lireOctets(octets, sizeof octets)) {
-    return NOX_CR_LECTURE_REFERENCE;
+bool Lecteur::lireAuDela(unsigned char* cible, std::size_t n) {
+  while (n != 0 && (curseur_ != fin_ || remplir())) {
+    const std::size_t pris = std::min(n, static_cast<std::size_t>(fin_ - curseur_));
+    std::memcpy(cible, curseur_, pris);
+    curseur_ += pris;
+    cible += pris;
+    n -= pris;
   }
-  std::uint32_t lue = 0;
-  for (const byte octet : octets) {
-    lue = lue << 8 | octet;
-  }
-  valeur = static_cast<T>(lue);
-  return NOX_CR_OK;
-}
-
-CodeRetour Lecteur::lireChaineFixe(char* tampon, std::size_t n) {
-  const bool lue = lireOctets(tampon, n);
-  position_ = static_cast<std::int32_t>(offset_);
-  return lue ? NOX_CR_OK : NOX_CR_LECTURE_REFERENCE;
+  return n == 0;
 }
 
 CodeRetour Lecteur::lireChaineVariable(std::string& texte, char fin) {
-  position_ = static_cast<std::int32_t>(offset_);
+  position_ = static_cast<std::int32_t>(offset());
   texte.clear();
-  const int terminateur = static_cast<unsigned char>(fin);
-  int c = EOF;
   try {
-    while ((c = getc_unlocked(fichier_)) != EOF && c != terminateur) {
-      texte.push_back(static_cast<char>(c));
+    while (curseur_ != fin_ || remplir()) {
+      const unsigned char* const terminateur = std::find(curseur_, fin_, static_cast<unsigned char>(fin));
+      texte.append(curseur_, terminateur);
+      curseur_ = terminateur;
+      if (terminateur != fin_) {
+        ++curseur_;
+        return NOX_CR_OK;
+      }
     }
   } catch (const std::bad_alloc&) {
     Trace::erreur(TRACE_CHARGEMENT, "probleme d'allocation memoire : texte");
     return NOX_CR_MEMOIRE;
   }
-  offset_ += texte.size() + (c == EOF ? 0 : 1);
-  return c == EOF ? NOX_CR_LECTURE_REFERENCE : NOX_CR_OK;
+  return NOX_CR_LECTURE_REFERENCE;
 }
 
 CodeRetour Lecteur::lireChaineVariable(std::string_view& texte) {
-  const CodeRetour cr = lireChaineVariable(tampon_);
-  texte = tampon_;
+  const auto reste = static_cast<std::size_t>(fin_ - curseur_);
+  const void* const terminateur = reste == 0 ? nullptr : std::memchr(curseur_, '\0', reste);
+  if (terminateur != nullptr) {
+    position_ = static_cast<std::int32_t>(offset());
+    texte = {reinterpret_cast<const char*>(curseur_),
+             static_cast<std::size_t>(static_cast<const unsigned char*>(terminateur) - curseur_)};
+    curseur_ += texte.size() + 1;
+    return NOX_CR_OK;
+  }
+  const CodeRetour cr = lireChaineVariable(texte_);
+  texte = texte_;
   return cr;
 }
 
-CodeRetour Lecteur::lireUnsignedChar(unsigned char& valeur) { return lireGrosBoutiste(valeur); }
-CodeRetour Lecteur::lireUnsignedShort(std::uint16_t& valeur) { return lireGrosBoutiste(valeur); }
-CodeRetour Lecteur::lireSignedShort(std::int16_t& valeur) { return lireGrosBoutiste(valeur); }
-CodeRetour Lecteur::lireUnsignedLong(std::uint32_t& valeur) { return lireGrosBoutiste(valeur); }
-CodeRetour Lecteur::lireSignedLong(std::int32_t& valeur) { return lireGrosBoutiste(valeur); }
-
 CodeRetour Lecteur::lireDouble(double& valeur) {
-  position_ = static_cast<std::int32_t>(offset_);
-  byte octets[8];
-  if (!lireOctets(octets, sizeof octets)) {
+  const byte* const octets = prendre(TAILLE_VALEUR);
+  if (octets == nullptr) {
     return NOX_CR_LECTURE_REFERENCE;
   }
   valeur = convertirDecimal(octets);
@@ -112,9 +120,8 @@ CodeRetour Lecteur::lireDouble(double& valeur) {
 }
 
 CodeRetour Lecteur::lireDate(DateBrute& date) {
-  position_ = static_cast<std::int32_t>(offset_);
-  byte octets[4];
-  if (!lireOctets(octets, sizeof octets)) {
+  const byte* const octets = prendre(4);
+  if (octets == nullptr) {
     return NOX_CR_LECTURE_REFERENCE;
   }
   date = {static_cast<std::uint16_t>(octets[0] << 8 | octets[1]), octets[2], octets[3]};
@@ -170,28 +177,36 @@ CodeRetour Lecteur::lireEnteteTable(char (&identifiant)[4], std::uint32_t& nombr
     return cr;
   }
   constexpr auto POSITION_MAX = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
-  if (tailleTable_ > reste() || offset_ > POSITION_MAX) {
+  if (tailleTable_ > reste() || this->offset() > POSITION_MAX) {
     Trace::erreur(TRACE_CHARGEMENT, "ERREUR: la table depasse la fin du fichier, taille = %u", tailleTable_);
     return NOX_CR_LECTURE_REFERENCE;
   }
-  offset = static_cast<std::int32_t>(offset_);
+  offset = static_cast<std::int32_t>(this->offset());
   Trace::ecrire(TRACE_CHARGEMENT, "Taille de la table = %lu, offset des données = %ld",
                 static_cast<unsigned long>(tailleTable_), static_cast<long>(offset));
   return NOX_CR_OK;
 }
 
 bool Lecteur::controlerCode(std::string_view texte) {
-  const std::string_view code = texte.substr(0, texte.find(' '));
-  return Code::estValide(code) && texte.find_first_not_of(' ', code.size()) == std::string_view::npos;
+  std::size_t i = 0;
+  while (i < texte.size() && estCapitaleOuChiffre(static_cast<byte>(texte[i]))) {
+    ++i;
+  }
+  while (i < texte.size() && texte[i] == ' ') {
+    ++i;
+  }
+  return i == texte.size();
 }
 
 bool Lecteur::codeRenseigne(std::string_view texte) {
   return texte.find_first_not_of(' ') != std::string_view::npos;
 }
 
+namespace {
+
 // The text is read as a decimal number without its first point, then divided by the power of ten that the
 // point stood for: one rounding, so that decimals come out as a compiler would read them.
-double convertirDecimal(const byte (&octets)[8]) {
+double lireQuartets(const byte* octets) {
   constexpr std::size_t POSITIONS = 15;
   constexpr unsigned POINT = 15;
   std::array<unsigned, POSITIONS> chiffres{};
@@ -227,6 +242,46 @@ double convertirDecimal(const byte (&octets)[8]) {
   }
   const double valeur = mantisse / diviseur;
   return octets[0] >> 4 != 0 && valeur != 0 ? -valeur : valeur;
+}
+
+// What the 14 or 15 digits of the quarters of a word are worth: pairs of neighbours together, then pairs of
+// pairs.
+constexpr std::uint64_t valeurDesQuartets(std::uint64_t quartets) {
+  quartets -= (quartets >> 4 & 0x0F0F0F0F0F0F0F0FU) * 6;
+  quartets = (quartets & 0x00FF00FF00FF00FFU) + (quartets >> 8 & 0x00FF00FF00FF00FFU) * 100;
+  quartets = (quartets & 0x0000FFFF0000FFFFU) + (quartets >> 16 & 0x0000FFFF0000FFFFU) * 10000;
+  return (quartets & 0xFFFFFFFFU) + (quartets >> 32) * 100000000;
+}
+
+constexpr bool sontDesChiffres(std::uint64_t quartets) {
+  // Six more carry into the next quarter from 10 on.
+  constexpr std::uint64_t SIX = 0x0666666666666666U;
+  return (((quartets + SIX) ^ quartets ^ SIX) & 0x1111111111111110U) == 0;
+}
+
+}  // namespace
+
+// A number as it is always written, its digits with one point or none, is read a word at once.
+double convertirDecimal(const byte* octets) {
+  constexpr double PUISSANCES[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                   1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+  constexpr std::uint64_t UNITES = 0x0111111111111111U;
+  auto mot = lireMot<std::uint64_t>(octets);
+  const bool negatif = mot >> 60 != 0;
+  mot &= 0x0FFFFFFFFFFFFFFFU;
+  const std::uint64_t points = mot & mot >> 1 & mot >> 2 & mot >> 3 & UNITES;
+  unsigned decimales = 0;
+  if (points != 0) {
+    const auto position = static_cast<unsigned>(std::countr_zero(points));
+    decimales = position / 4;
+    const std::uint64_t fraction = (std::uint64_t{1} << position) - 1;
+    mot = (mot >> 4 & ~fraction) | (mot & fraction);
+  }
+  if (!sontDesChiffres(mot)) [[unlikely]] {
+    return lireQuartets(octets);
+  }
+  const double valeur = static_cast<double>(valeurDesQuartets(mot)) / PUISSANCES[decimales];
+  return negatif && valeur != 0 ? -valeur : valeur;
 }
 
 }  // namespace noxlux

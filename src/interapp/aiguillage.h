@@ -27,16 +27,21 @@ constexpr bool estOrdonnee(const TableAiguillage<Methode, N>& table) {
          table.end();
 }
 
-// The line of a number. None: null, and the family's error text, which takes the number.
+// The line of a number. None: null, and the family's error text, which takes the number. Numbers follow one
+// another but for a few gaps: the line is where it would be without them, or before.
 template <class Methode, std::size_t N>
 const LigneAiguillage<Methode>* aiguiller(const TableAiguillage<Methode, N>& table, std::uint16_t numero,
                                           unsigned short module, FormatVerifie<int> texteInconnu) {
-  const auto ligne = std::ranges::lower_bound(table, numero, {}, &LigneAiguillage<Methode>::numero);
-  if (ligne == table.end() || ligne->numero != numero) {
+  const auto* ligne =
+      &table[std::min<std::size_t>(std::max(numero, table[0].numero) - table[0].numero, N - 1)];
+  while (ligne != table.data() && ligne->numero > numero) {
+    --ligne;
+  }
+  if (ligne->numero != numero) {
     Trace::erreur(module, texteInconnu, static_cast<int>(numero));
     return nullptr;
   }
-  return &*ligne;
+  return ligne;
 }
 
 // The texts of a family that traces its functions at the dispatch.

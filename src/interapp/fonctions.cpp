@@ -67,8 +67,12 @@ bool Fonctions::refuserSansZone(CodeRetour& cr) {
 }
 
 Code Fonctions::extrairePhase(CodeRetour& cr) {
-  Code phase = extraireCode(cr);
-  return cr == NOX_CR_OK && !phase.estRenseigne() ? Code('0') : phase;
+  Code phase;
+  extraireDans(cr, phase);
+  if (cr == NOX_CR_OK && !phase.estRenseigne()) {
+    phase = Code('0');
+  }
+  return phase;
 }
 
 ListeCodes Fonctions::extraireListe(CodeRetour& cr, const RegleListe& regle) {

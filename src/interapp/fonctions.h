@@ -56,12 +56,16 @@ class Fonctions {
   template <class T>
   T extraire(CodeRetour& cr) {
     T valeur;
+    extraireDans(cr, valeur);
+    return valeur;
+  }
+  template <class T>
+  void extraireDans(CodeRetour& cr, T& valeur) {
     if (cr == NOX_CR_OK && (controleur_ || refuserSansZone(cr))) {
       std::uint16_t identifiant = 0;
       std::uint16_t numero = 0;
       cr = controleur_->extraireChamp(identifiant, numero, valeur);
     }
-    return valeur;
   }
   Code extraireCode(CodeRetour& cr) { return extraire<Code>(cr); }
   Texte extraireTexte(CodeRetour& cr) { return extraire<Texte>(cr); }

@@ -54,10 +54,14 @@ class FonctionsDonnees : public Fonctions {
     constexpr std::size_t RANG_PHASE = 2;
     Cle<S::CLES> cle;
     if constexpr (S::POSITION) {
-      cle.caisse = extraireCode(cr);
+      extraireDans(cr, cle.caisse);
     }
     for (std::size_t i = 0; i < S::CLES; ++i) {
-      cle.codes[i] = i == RANG_PHASE ? extrairePhase(cr) : extraireCode(cr);
+      if (i == RANG_PHASE) {
+        cle.codes[i] = extrairePhase(cr);
+      } else {
+        extraireDans(cr, cle.codes[i]);
+      }
     }
     return cle;
   }

@@ -355,18 +355,20 @@ CodeRetour Interface::rechercher(const char* identifiant, std::uint16_t inf, std
   exiger(sup >= inf, "sup >= inf");
   Trace::debut(TRACE_PARAMETRES, "Interface::rechercher : identifiant = %s", identifiant);
   const std::uint64_t prefixe = Systeme::prefixeIdentifiant(identifiant);
+  const std::uint64_t* const prefixes = arbre_->prefixes.data();
+  // Prefixes tell apart all but those that go on beyond them.
   const auto comparer = [&](unsigned rang) {
-    return Systeme::comparerIdentifiant(identifiant, arbre_->superGroupes[rang]->lireNom());
-  };
-  const auto estApres = [&](unsigned rang) {
-    const std::uint64_t autre = arbre_->prefixes[rang];
-    return prefixe != autre ? prefixe > autre : comparer(rang) > 0;
+    const bool egaux = prefixes[rang] == prefixe;
+    return !egaux ? (prefixe < prefixes[rang] ? -1 : 1)
+           : Systeme::estPrefixeEntier(prefixe)
+               ? 0
+               : Systeme::comparerIdentifiant(identifiant, arbre_->superGroupes[rang]->lireNom());
   };
   unsigned premier = inf;
   unsigned dernier = sup;
   while (dernier > premier) {
     const unsigned milieu = (premier + dernier) / 2;
-    if (estApres(milieu)) {
+    if (comparer(milieu) > 0) {
       premier = milieu + 1;
     } else {
       dernier = milieu;

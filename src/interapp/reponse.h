@@ -18,8 +18,8 @@ class MesureReponse {
     ouvert_ = true;
   }
   void champ(const Texte& texte) { ajouter(texte.lireLongueur()); }
-  void champ(const TypeSimple& valeur) { ajouter(valeur.lireBytes().size()); }
-  void taux(const Coefficient& valeur) { ajouter(valeur.lireBytes(Coefficient::DECIMALES_TAUX).size()); }
+  void champ(const TypeSimple& valeur) { ajouter(valeur.lireTaille()); }
+  void taux(const Coefficient& valeur) { ajouter(valeur.lireTaille(Coefficient::DECIMALES_TAUX)); }
   void champVide() { ajouter(0); }
   std::size_t taille() {
     clore();

@@ -153,28 +153,14 @@ CodeRetour Zone::avancerUnGroupe() {
   return NOX_CR_OK;
 }
 
-CodeRetour Zone::avancerUnChamp() {
-  if (finGroupe()) {
-    Trace::erreur(TRACE_ZONE, "ERREUR: Fin du groupe atteinte.");
-    return NOX_CR_FIN_ZONE;
-  }
-  const std::uint32_t position = finChampCourant();
-  Longueur longueur;
-  if (const CodeRetour cr = decoderLongueur(position, longueur); cr != NOX_CR_OK) {
-    return cr;
-  }
-  const std::uint32_t reste = finGroupeCourant() - position;
-  if (longueur.taillePrefixe > reste || longueur.valeur > reste - longueur.taillePrefixe) {
-    Trace::erreur(TRACE_ZONE, "ERREUR: La taille du champ (%u) dépasse la taille du groupe.",
-                  longueur.valeur);
-    return NOX_CR_ZONE_MAL_FORMEE;
-  }
-  positionChamp_ = position;
-  taillePrefixe_ = longueur.taillePrefixe;
-  longueurChamp_ = longueur.valeur;
-  compter(numeroChamp_);
-  ++nombreChamps_;
-  return NOX_CR_OK;
+CodeRetour Zone::refuserFinGroupe() {
+  Trace::erreur(TRACE_ZONE, "ERREUR: Fin du groupe atteinte.");
+  return NOX_CR_FIN_ZONE;
+}
+
+CodeRetour Zone::refuserChampLong(std::uint32_t longueur) {
+  Trace::erreur(TRACE_ZONE, "ERREUR: La taille du champ (%u) dépasse la taille du groupe.", longueur);
+  return NOX_CR_ZONE_MAL_FORMEE;
 }
 
 CodeRetour Zone::avancerFinGroupe() {
@@ -199,20 +185,6 @@ CodeRetour Zone::avancerGroupeSuivant(std::uint16_t& identifiant, int nombre, bo
   }
   if (cr == NOX_CR_OK) {
     identifiant = identifiant_;
-  }
-  return cr;
-}
-
-CodeRetour Zone::avancerChampSuivant(std::uint16_t& numero, Octets& donnees, std::uint16_t nombre) {
-  exiger(ok(), "ok()");
-  exiger(nombre > 0, "nombre > 0");
-  CodeRetour cr = NOX_CR_OK;
-  for (; cr == NOX_CR_OK && nombre > 0; --nombre) {
-    cr = avancerUnChamp();
-  }
-  if (cr == NOX_CR_OK) {
-    numero = numeroChamp_;
-    donnees = donneesChamp();
   }
   return cr;
 }
@@ -294,22 +266,24 @@ CodeRetour Zone::rechercherChamp(std::uint16_t identifiant, std::uint16_t occurr
 // --- Writing ---
 
 // Makes room for `decalage` bytes at a position. REQUIRES: they fit in the buffer
-void Zone::decalerFin(std::uint32_t position, std::uint32_t decalage) {
-  std::memmove(buffer_ + position + decalage, buffer_ + position, tailleDonnees_ - position);
+inline void Zone::decalerFin(std::uint32_t position, std::uint32_t decalage) {
+  if (position != tailleDonnees_) {
+    std::memmove(buffer_ + position + decalage, buffer_ + position, tailleDonnees_ - position);
+  }
   tailleDonnees_ += decalage;
 }
 
 // Writes a length in a prefix of that size, which may be wider than the length needs.
-void Zone::ecrireLongueur(std::uint32_t position, std::uint32_t taillePrefixe, std::uint32_t longueur) {
+inline void Zone::ecrireLongueur(std::uint32_t position, std::uint32_t taillePrefixe,
+                                 std::uint32_t longueur) {
   byte* prefixe = buffer_ + position;
-  if (taillePrefixe > 1) {
-    *prefixe = static_cast<byte>(LONGUEUR_COURTE_MAX + taillePrefixe - 1);
-  }
-  for (std::uint32_t i = taillePrefixe; i > 1; longueur >>= 8U) {
-    prefixe[--i] = static_cast<byte>(longueur & 0xFFU);
-  }
   if (taillePrefixe == 1) {
     *prefixe = static_cast<byte>(longueur);
+    return;
+  }
+  *prefixe = static_cast<byte>(LONGUEUR_COURTE_MAX + taillePrefixe - 1);
+  for (std::uint32_t i = taillePrefixe; i > 1; longueur >>= 8U) {
+    prefixe[--i] = static_cast<byte>(longueur & 0xFFU);
   }
 }
 
@@ -349,7 +323,7 @@ CodeRetour Zone::ajouterChamp(Octets donnees) {
   return cr;
 }
 
-CodeRetour Zone::insererChamp(Octets donnees) {
+inline CodeRetour Zone::insererChamp(Octets donnees) {
   if (identifiant_ == 0) {
     Trace::erreur(TRACE_ZONE, "ERREUR: groupe courant invalide.");
     return NOX_CR_GROUPE_COURANT;

@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 
+#include "basics/assertion.h"
 #include "basics/codes_retour.h"
 #include "types/texte.h"
 #include "types/type_donnee.h"
@@ -57,7 +58,19 @@ class Zone {
   CodeRetour avancerGroupeSuivant(std::uint16_t& identifiant, int nombre = 1, bool parChamps = false);
   // `nombre` fields forward in the current group. 0xF805 at the end of the group, 0xF810.
   // REQUIRES: nombre > 0
-  CodeRetour avancerChampSuivant(std::uint16_t& numero, Octets& donnees, std::uint16_t nombre = 1);
+  CodeRetour avancerChampSuivant(std::uint16_t& numero, Octets& donnees, std::uint16_t nombre = 1) {
+    exiger(ok(), "ok()");
+    exiger(nombre > 0, "nombre > 0");
+    CodeRetour cr = NOX_CR_OK;
+    for (; cr == NOX_CR_OK && nombre > 0; --nombre) {
+      cr = avancerUnChamp();
+    }
+    if (cr == NOX_CR_OK) {
+      numero = numeroChamp_;
+      donnees = donneesChamp();
+    }
+    return cr;
+  }
   // 0xF805 when there is no current field.
   CodeRetour lireChampCourant(std::uint16_t& identifiant, std::uint16_t& numero, Octets& donnees) const;
   // The next group's identifier, without moving.
@@ -142,6 +155,8 @@ class Zone {
   CodeRetour decoderEntete(std::uint32_t position, EnteteGroupe& entete) const;
   CodeRetour avancerUnGroupe();
   CodeRetour avancerUnChamp();
+  static CodeRetour refuserChampLong(std::uint32_t longueur);
+  static CodeRetour refuserFinGroupe();
   CodeRetour avancerFinGroupe();
   void positionnerAvantChamps();
   void decalerFin(std::uint32_t position, std::uint32_t decalage);
@@ -164,6 +179,27 @@ class Zone {
   std::uint32_t tailleBuffer_ = 0;
   std::uint32_t tailleDonnees_ = 0;
 };
+
+inline CodeRetour Zone::avancerUnChamp() {
+  if (finGroupe()) [[unlikely]] {
+    return refuserFinGroupe();
+  }
+  const std::uint32_t position = finChampCourant();
+  Longueur longueur;
+  if (const CodeRetour cr = decoderLongueur(position, longueur); cr != NOX_CR_OK) [[unlikely]] {
+    return cr;
+  }
+  const std::uint32_t reste = finGroupeCourant() - position;
+  if (longueur.taillePrefixe > reste || longueur.valeur > reste - longueur.taillePrefixe) [[unlikely]] {
+    return refuserChampLong(longueur.valeur);
+  }
+  positionChamp_ = position;
+  taillePrefixe_ = longueur.taillePrefixe;
+  longueurChamp_ = longueur.valeur;
+  compter(numeroChamp_);
+  ++nombreChamps_;
+  return NOX_CR_OK;
+}
 
 }  // namespace noxlux
 

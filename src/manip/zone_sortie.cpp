@@ -20,11 +20,9 @@ CodeRetour ZoneSortie::allouer(std::size_t taille) {
   return NOX_CR_OK;
 }
 
-void ZoneSortie::liberer() {
-  if (zone_.has_value()) {
-    Systeme::liberer(zone_->lireBuffer());
-    zone_.reset();
-  }
+void ZoneSortie::libererZone() {
+  Systeme::liberer(zone_->lireBuffer());
+  zone_.reset();
 }
 
 Zone& ZoneSortie::operator*() {

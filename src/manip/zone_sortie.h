@@ -18,14 +18,19 @@ class ZoneSortie {
   ~ZoneSortie() { liberer(); }
   ZoneSortie(ZoneSortie&& autre) noexcept : zone_(std::exchange(autre.zone_, std::nullopt)) {}
   ZoneSortie& operator=(ZoneSortie&& autre) noexcept {
-    std::swap(zone_, autre.zone_);
+    liberer();
+    zone_ = std::exchange(autre.zone_, std::nullopt);
     return *this;
   }
 
   // A new empty zone in place of what was held. Out of memory, or beyond 32 bits: 0xF801, and nothing is
   // held.
   CodeRetour allouer(std::size_t taille);
-  void liberer();
+  void liberer() {
+    if (zone_.has_value()) {
+      libererZone();
+    }
+  }
 
   explicit operator bool() const { return zone_.has_value(); }
   // REQUIRES: a zone is held
@@ -37,6 +42,8 @@ class ZoneSortie {
   CodeRetour ceder(void*& bloc, unsigned int& taille);
 
  private:
+  void libererZone();
+
   std::optional<Zone> zone_;
 };
 

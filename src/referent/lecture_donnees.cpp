@@ -43,29 +43,26 @@ CodeRetour LectureDonnees::lireVariante(Code& variante) const {
   return copier(donnees().entete.variante, variante);
 }
 
-CodeRetour LectureDonnees::chercherActeDansIndex(const Code& acte, std::uint32_t& rang) {
+CodeRetour LectureDonnees::chercherAutreActe(const Code& acte) {
   const Referentiel& referentiel = donnees();
-  if (!dernierRang_ || acte.vue() != dernierActe_) {
-    const Index* ligne = nullptr;
-    const CodeRetour cr = chercherLigne(referentiel, acte, ligne);
-    if (cr != NOX_CR_OK) {
-      return cr;
-    }
+  const Index* ligne = nullptr;
+  const CodeRetour cr = chercherLigne(referentiel, acte, ligne);
+  if (cr == NOX_CR_OK) {
     dernierRang_.reset();
     dernierActe_ = acte.vue();
     dernierRang_ = static_cast<std::uint32_t>(ligne - referentiel.lignes<Index>().data());
   }
-  rang = *dernierRang_;
-  return NOX_CR_OK;
+  return cr;
 }
 
 // Loads the act of a place seen empty. Whoever finds the place marked is refused.
-CodeRetour LectureDonnees::chargerActe(std::uint32_t rang) {
+CodeRetour LectureDonnees::chargerActe(std::uint32_t rang, NiveauActe*& charge) {
   const Index& ligne = donnees().lignes<Index>()[rang];
   CaseActe& place = referentiel_->actes[rang];
   const std::string code(ligne.acte.entier());
   if (!place.reserver()) {
-    if (place.acte() != nullptr) {
+    charge = place.acte();
+    if (charge != nullptr) {
       return NOX_CR_OK;  // loaded by another in between
     }
     Trace::erreur(TRACE_CONSULTATION, "Acte %s en cours de chargement par un autre thread", code.c_str());
@@ -80,26 +77,8 @@ CodeRetour LectureDonnees::chargerActe(std::uint32_t rang) {
   auto nouveau = std::make_unique<NiveauActe>();
   const CodeRetour cr = referentiel_->chargerActe(ligne.position, *nouveau, code.c_str());
   if (cr == NOX_CR_OK) {
+    charge = nouveau.get();
     depot.acte = std::move(nouveau);
-  }
-  return cr;
-}
-
-CodeRetour LectureDonnees::chercherActe(const Code& acte, NiveauActe*& niveau) {
-  std::uint32_t rang = 0;
-  CodeRetour cr = chercherActeDansIndex(acte, rang);
-  if (cr != NOX_CR_OK) {
-    return cr;
-  }
-  exiger(rang < referentiel_->actes.size(), "rang < actes.size()");
-  const CaseActe& place = referentiel_->actes[rang];
-  NiveauActe* charge = place.acte();
-  if (charge == nullptr) [[unlikely]] {
-    cr = chargerActe(rang);
-    charge = place.acte();
-  }
-  if (cr == NOX_CR_OK) {
-    niveau = charge;
   }
   return cr;
 }

@@ -225,9 +225,28 @@ class LectureDonnees {
 
  protected:
   // Look-ups shared with the modification layer.
-  CodeRetour chercherActeDansIndex(const Code& acte, std::uint32_t& rang);
+  CodeRetour chercherActeDansIndex(const Code& acte, std::uint32_t& rang) {
+    const CodeRetour cr =
+        dernierRang_ && acte.vue() == dernierActe_ ? CodeRetour{NOX_CR_OK} : chercherAutreActe(acte);
+    if (cr == NOX_CR_OK) {
+      rang = *dernierRang_;
+    }
+    return cr;
+  }
   // Loads the act on first use.
-  CodeRetour chercherActe(const Code& acte, NiveauActe*& niveau);
+  CodeRetour chercherActe(const Code& acte, NiveauActe*& niveau) {
+    std::uint32_t rang = 0;
+    CodeRetour cr = chercherActeDansIndex(acte, rang);
+    if (cr == NOX_CR_OK) {
+      exiger(rang < referentiel_->actes.size(), "rang < actes.size()");
+      NiveauActe* charge = referentiel_->actes[rang].acte();
+      if (charge == nullptr) [[unlikely]] {
+        cr = chargerActe(rang, charge);
+      }
+      niveau = cr == NOX_CR_OK ? charge : niveau;
+    }
+    return cr;
+  }
   CodeRetour chercherActivite(const Code& acte, const Code& activite, NiveauActivite*& niveau);
   CodeRetour chercherPhase(const Code& acte, const Code& activite, const Code& phase, NiveauPhase*& niveau);
   CodeRetour chercherHistoActe(const Code& acte, const Date& date, const HistoriqueNiveauActe*& historique);
@@ -245,7 +264,9 @@ class LectureDonnees {
   Referentiel* referentiel_;
 
  private:
-  CodeRetour chargerActe(std::uint32_t rang);
+  // Keeps the rank of the act.
+  CodeRetour chercherAutreActe(const Code& acte);
+  CodeRetour chargerActe(std::uint32_t rang, NiveauActe*& charge);
 
   // The level that keys lead to, chosen by its class.
   CodeRetour atteindre(NiveauActe*& niveau, const Code& acte) { return chercherActe(acte, niveau); }

@@ -43,13 +43,22 @@ class BlocMethode {
   BlocMethode(unsigned short module, const char* classe, const char* methode, const char* objet,
               const CodeRetour& cr)
       : module_(module), classe_(classe), methode_(methode), cr_(cr) {
-    Trace::debut(module, "%s::%s%s", classe, methode, objet);
+    if (Trace::niveau(module) != 0) [[unlikely]] {
+      commencer(module, classe, methode, objet);
+    }
   }
-  ~BlocMethode() { Trace::fin(module_, "Code retour de %s::%s : 0x%04X", classe_, methode_, cr_); }
+  ~BlocMethode() {
+    if (Trace::niveau(module_) != 0) [[unlikely]] {
+      terminer(module_, classe_, methode_, cr_);
+    }
+  }
   BlocMethode(const BlocMethode&) = delete;
   BlocMethode& operator=(const BlocMethode&) = delete;
 
  private:
+  static void commencer(unsigned short module, const char* classe, const char* methode, const char* objet);
+  static void terminer(unsigned short module, const char* classe, const char* methode, CodeRetour cr);
+
   unsigned short module_;
   const char* classe_;
   const char* methode_;
@@ -76,10 +85,7 @@ CodeRetour requete(const char* methode, F&& corps, const Entree<T>&... entrees) 
 }
 
 // Traces why a look-up fails.
-inline CodeRetour refuser(CodeRetour cr, FormatVerifie<> message) {
-  Trace::erreur(TRACE_CONSULTATION, message);
-  return cr;
-}
+CodeRetour refuser(CodeRetour cr, FormatVerifie<> message);
 
 }  // namespace noxlux
 

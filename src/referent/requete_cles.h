@@ -15,21 +15,19 @@
 
 namespace noxlux {
 
-inline CodeRetour refuserCleTropLongue() {
-  return refuser(NOX_CR_DONNEE_ABSENTE, "La taille du code excede la taille attendue pour le buffer");
-}
+CodeRetour refuserCleTropLongue();
 
 // A code as the key of a table: padded with spaces to the width of the key.
 template <std::size_t N>
 CodeRetour composerCle(const Code& code, CodeFixe<N>& cle) {
-  if (code.lireLongueur() > N) {
+  if (code.lireLongueur() > N) [[unlikely]] {
     return refuserCleTropLongue();
   }
   cle = CodeFixe<N>(code.vue());
   return NOX_CR_OK;
 }
 inline CodeRetour composerCle(const Code& code, char& cle) {
-  if (code.lireLongueur() > 1) {
+  if (code.lireLongueur() > 1) [[unlikely]] {
     return refuserCleTropLongue();
   }
   cle = code.estRenseigne() ? code.vue().front() : ' ';
@@ -53,12 +51,38 @@ using TypeCle = std::conditional_t<std::is_same_v<T, TexteVariable>, std::string
 inline std::strong_ordering comparer(char champ, char cle) {
   return static_cast<unsigned char>(champ) <=> static_cast<unsigned char>(cle);
 }
+// Texts that are short, and differ early: a byte at a time, up to the end of either.
 inline std::strong_ordering comparer(const TexteVariable& champ, std::string_view cle) {
-  return champ.vue() <=> cle;
+  const char* texte = champ.lireTexte();
+  for (const char attendu : cle) {
+    if (*texte == '\0') {
+      return std::strong_ordering::less;
+    }
+    if (*texte != attendu) {
+      return comparer(*texte, attendu);
+    }
+    ++texte;
+  }
+  return *texte == '\0' ? std::strong_ordering::equal : std::strong_ordering::greater;
 }
 template <class T>
 std::strong_ordering comparer(const T& champ, const T& cle) {
   return champ <=> cle;
+}
+template <std::size_t N, class O>
+requires(!std::is_same_v<O, CodeFixe<N>>) std::strong_ordering
+    comparer(const CodeFixe<N>& champ, const O& cle) {
+  return champ.ordre() <=> cle;
+}
+
+// A key as fields are compared with it many times.
+template <class T>
+T enOrdre(const T& cle) {
+  return cle;
+}
+template <std::size_t N>
+auto enOrdre(const CodeFixe<N>& cle) {
+  return cle.ordre();
 }
 
 // Binary search of a sorted table; null when the key is not there.
@@ -66,12 +90,13 @@ template <class L, class T>
 const L* chercherParDichotomie(const std::vector<L>& lignes, T L::*champ, const TypeCle<T>& cle) {
   // Where the search turns is not to be predicted: each step moves without a branch.
   const L* debut = lignes.data();
+  const auto ordre = enOrdre(cle);
   for (std::size_t reste = lignes.size(); reste > 1;) {
     const std::size_t moitie = reste / 2;
-    debut += comparer(debut[moitie].*champ, cle) <= 0 ? moitie : 0;
+    debut += comparer(debut[moitie].*champ, ordre) <= 0 ? moitie : 0;
     reste -= moitie;
   }
-  return !lignes.empty() && comparer(debut->*champ, cle) == 0 ? debut : nullptr;
+  return !lignes.empty() && comparer(debut->*champ, ordre) == 0 ? debut : nullptr;
 }
 
 // The key of a table found by binary search, and what is said of a key that is not there.

@@ -5,21 +5,6 @@
 
 namespace noxlux::champs {
 
-CodeRetour lire(Lecteur& lecteur, char& valeur) {
-  unsigned char octet = 0;
-  const CodeRetour cr = lecteur.lireUnsignedChar(octet);
-  valeur = static_cast<char>(octet);
-  return cr;
-}
-
-CodeRetour lire(Lecteur& lecteur, std::uint16_t& valeur) { return lecteur.lireUnsignedShort(valeur); }
-
-CodeRetour lire(Lecteur& lecteur, std::uint32_t& valeur) { return lecteur.lireUnsignedLong(valeur); }
-
-CodeRetour lire(Lecteur& lecteur, double& valeur) { return lecteur.lireDouble(valeur); }
-
-CodeRetour lire(Lecteur& lecteur, DateBrute& valeur) { return lecteur.lireDate(valeur); }
-
 CodeRetour lire(Lecteur& lecteur, TexteVariable& valeur) {
   std::string_view texte;
   const CodeRetour cr = lecteur.lireChaineVariable(texte);

@@ -15,11 +15,16 @@
 
 namespace noxlux::champs {
 
-CodeRetour lire(Lecteur& lecteur, char& valeur);
-CodeRetour lire(Lecteur& lecteur, std::uint16_t& valeur);
-CodeRetour lire(Lecteur& lecteur, std::uint32_t& valeur);
-CodeRetour lire(Lecteur& lecteur, double& valeur);
-CodeRetour lire(Lecteur& lecteur, DateBrute& valeur);
+inline CodeRetour lire(Lecteur& lecteur, char& valeur) {
+  unsigned char octet = 0;
+  const CodeRetour cr = lecteur.lireUnsignedChar(octet);
+  valeur = static_cast<char>(octet);
+  return cr;
+}
+inline CodeRetour lire(Lecteur& lecteur, std::uint16_t& valeur) { return lecteur.lireUnsignedShort(valeur); }
+inline CodeRetour lire(Lecteur& lecteur, std::uint32_t& valeur) { return lecteur.lireUnsignedLong(valeur); }
+inline CodeRetour lire(Lecteur& lecteur, double& valeur) { return lecteur.lireDouble(valeur); }
+inline CodeRetour lire(Lecteur& lecteur, DateBrute& valeur) { return lecteur.lireDate(valeur); }
 CodeRetour lire(Lecteur& lecteur, TexteVariable& valeur);
 template <std::size_t N>
 CodeRetour lire(Lecteur& lecteur, CodeFixe<N>& valeur) {

@@ -41,13 +41,19 @@ struct CodeFixe {
     }
     return {caracteres.data(), n};
   }
+  // What sorts as the code does, and may be kept where one is compared with many.
+  auto ordre() const {
+    if constexpr (N > MOT && N <= 2 * MOT) {
+      // The second word begins inside the first one: where the first ones are equal, so is what they share.
+      return std::pair{motDe(0), motDe(N - MOT)};
+    } else {
+      return *this;
+    }
+  }
   // In byte order.
   std::strong_ordering operator<=>(const CodeFixe& autre) const {
     if constexpr (N > MOT && N <= 2 * MOT) {
-      const std::uint64_t debut = motDe(0);
-      const std::uint64_t autreDebut = autre.motDe(0);
-      // The second word begins inside the first one: where the first ones are equal, so is what they share.
-      return debut != autreDebut ? debut <=> autreDebut : motDe(N - MOT) <=> autre.motDe(N - MOT);
+      return ordre() <=> autre.ordre();
     } else {
       return std::memcmp(caracteres.data(), autre.caracteres.data(), N) <=> 0;
     }

@@ -19,20 +19,44 @@ double puissanceDeDix(std::size_t n) {
   return n < std::size(PUISSANCES) ? PUISSANCES[n] : std::pow(10.0, static_cast<double>(n));
 }
 
+constexpr double ENTIER_EXACT = 9007199254740992.0;  // 2^53
+
+std::size_t nombreDeChiffres(std::uint64_t valeur) {
+  std::size_t n = 1;
+  for (; valeur >= 10000; valeur /= 10000) {
+    n += 4;
+  }
+  return n + (valeur >= 10 ? 1 : 0) + (valeur >= 100 ? 1 : 0) + (valeur >= 1000 ? 1 : 0);
+}
+
+// Writes the last digits of a whole number, up to `fin`.
+template <class T>
+void ecrireChiffres(T valeur, char* debut, char* fin) {
+  for (; fin != debut; valeur /= 10) {
+    *--fin = static_cast<char>('0' + valeur % 10);
+  }
+}
+
 // The digits of the whole part of a value, at least `minimum` (a few) of them. REQUIRES: valeur >= 0
 std::string chiffresDe(double valeur, std::size_t minimum) {
-  constexpr double ENTIER_EXACT = 9007199254740992.0;  // 2^53
   if (valeur >= ENTIER_EXACT) {
     char chiffres[std::numeric_limits<double>::max_exponent10 + 2];
     return {chiffres, static_cast<std::size_t>(std::snprintf(chiffres, sizeof chiffres, "%.0f", valeur))};
   }
-  char chiffres[std::numeric_limits<std::uint64_t>::digits10 + 1];
-  std::size_t debut = sizeof chiffres;
-  const std::size_t limite = sizeof chiffres - std::min(minimum, sizeof chiffres);
-  for (auto reste = static_cast<std::uint64_t>(valeur); reste != 0 || debut > limite; reste /= 10) {
-    chiffres[--debut] = static_cast<char>('0' + reste % 10);
+  const auto entier = static_cast<std::uint64_t>(valeur);
+  std::string chiffres(std::max(nombreDeChiffres(entier), minimum), '0');
+  char* const debut = chiffres.data();
+  if (const auto court = static_cast<std::uint32_t>(entier); court == entier) {
+    ecrireChiffres(court, debut, debut + chiffres.size());
+  } else {
+    ecrireChiffres(entier, debut, debut + chiffres.size());
   }
-  return {chiffres + debut, sizeof chiffres - debut};
+  return chiffres;
+}
+
+std::size_t nombreDeChiffres(double valeur, std::size_t minimum) {
+  return valeur >= ENTIER_EXACT ? chiffresDe(valeur, minimum).size()
+                                : std::max(nombreDeChiffres(static_cast<std::uint64_t>(valeur)), minimum);
 }
 
 bool sontDesChiffres(const byte* champ, std::size_t longueur) {
@@ -68,6 +92,11 @@ bool Flottant::ok() const { return !std::isnan(valeur_); }
 std::string Flottant::lireBytes(std::size_t decimales) const {
   exiger(valeur_ >= 0, "valeur >= 0");
   return chiffresDe(valeur_ * puissanceDeDix(decimales) + PRECISION, decimales + 1);
+}
+
+std::size_t Flottant::lireTaille(std::size_t decimales) const {
+  exiger(valeur_ >= 0, "valeur >= 0");
+  return nombreDeChiffres(valeur_ * puissanceDeDix(decimales) + PRECISION, decimales + 1);
 }
 
 bool Flottant::estValide(const byte* champ, std::size_t longueur) {

@@ -26,9 +26,11 @@ class Flottant : public TypeSimple {
   bool estRenseigne() const override;
   bool ok() const override;
   std::string lireBytes() const override { return lireBytes(2); }
+  std::size_t lireTaille() const override { return lireTaille(2); }
   // The digits with `decimales` decimals and no point, at least decimales + 1 of them. Always written, for
   // zero too. REQUIRES: valeur >= 0
   std::string lireBytes(std::size_t decimales) const;
+  std::size_t lireTaille(std::size_t decimales) const;
 
   // 1 to 9 bytes, all digits.
   static bool estValide(const byte* champ, std::size_t longueur);
@@ -87,7 +89,9 @@ class Coefficient final : public Flottant {
 
   void dump(unsigned short module) const override;
   using Flottant::lireBytes;
+  using Flottant::lireTaille;
   std::string lireBytes() const override { return Flottant::lireBytes(DECIMALES); }
+  std::size_t lireTaille() const override { return Flottant::lireTaille(DECIMALES); }
 
   Coefficient operator+(const Coefficient& droite) const { return Coefficient(valeur_ + droite.valeur_); }
   // REQUIRES: valeur >= droite.valeur

@@ -26,6 +26,7 @@ class Texte : public TypeSimple {
   bool estRenseigne() const override { return !texte_.empty(); }
   bool ok() const override { return true; }
   std::string lireBytes() const override { return texte_; }
+  std::size_t lireTaille() const override { return texte_.size(); }
   virtual ~Texte() = default;
 
   void affecter(const byte* champ, std::size_t longueur) {

@@ -33,6 +33,8 @@ class TypeSimple : public TypeDonnee {
  public:
   // The byte form; empty for a value that is not filled.
   virtual std::string lireBytes() const = 0;
+  // How many bytes that form has.
+  virtual std::size_t lireTaille() const { return lireBytes().size(); }
 
  protected:
   TypeSimple() = default;
