@@ -41,7 +41,14 @@ std::vector<const E*> trier(const std::vector<E>& elements, F&& precede) {
 template <class E>
 constexpr std::size_t rangDeLaDate() {
   const auto estDate = [](std::string_view nom) { return nom == "debut" || nom == "effet"; };
-  return estDate(std::get<0>(CLES<E>).nom) ? 0 : estDate(std::get<1>(CLES<E>).nom) ? 1 : 2;
+  std::size_t trouve = 2;
+  std::size_t rang = 0;
+  const auto comparer = [&](const auto& cle) {
+    trouve = trouve == 2 && rang < 2 && estDate(cle.nom) ? rang : trouve;
+    ++rang;
+  };
+  std::apply([&](const auto&... cle) { (comparer(cle), ...); }, CLES<E>);
+  return trouve;
 }
 
 // Items as lines lie: in ascending order of their first key, then of the start of validity that follows it.
