@@ -1,20 +1,16 @@
 // noxlux controler: the full check of invoices, one or many.
-#include <unistd.h>
-
 #include <chrono>
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 
 #include "noxlux/bibliotheque.h"
-#include "noxlux/bilan_lot.h"
 #include "noxlux/commandes.h"
+#include "noxlux/controle_lot.h"
 #include "noxlux/controle_par_profils.h"
 #include "noxlux/explication.h"
 #include "noxlux/facture_json.h"
-#include "noxlux/lot.h"
 #include "noxlux/presentation.h"
-#include "noxlux/progression.h"
 #include "noxlux/requete.h"
 #include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
@@ -26,12 +22,11 @@ namespace {
 struct OptionsControler {
   OptionsReference reference;
   std::vector<std::string> fichiers;
-  std::string rapport;
+  OptionsLot duLot;
   bool json = false;
   bool lot = false;
   bool detail = false;
   bool expliquer = false;
-  bool csv = false;
 
   Detail combien(Detail minimum) const {
     return expliquer ? Detail::ETAPES : detail ? Detail::MONTANTS : minimum;
@@ -42,7 +37,7 @@ struct OptionsControler {
     const auto deLot = [](const std::string& nom) {
       return nom.ends_with(".csv") || nom.ends_with(".ndjson") || nom.ends_with(".jsonl");
     };
-    return lot || csv || !rapport.empty() || fichiers.size() > 1 ||
+    return lot || duLot.csv || duLot.taches > 1 || !duLot.rapport.empty() || fichiers.size() > 1 ||
            (fichiers.size() == 1 && deLot(fichiers.front()));
   }
 };
@@ -150,35 +145,7 @@ int controlerUne(const OptionsControler& options) {
 
 // --- Many invoices ---
 
-struct Compte {
-  std::size_t factures = 0;
-  std::size_t acceptees = 0;
-  std::size_t enErreur = 0;     // checked, with errors
-  std::size_t impossibles = 0;  // not checked: its record says why
-
-  void compter(const Json& reponse) {
-    ++factures;
-    ++(!reponse.contains("verdict") ? impossibles : reponse["verdict"] == "acceptee" ? acceptees : enErreur);
-  }
-};
-
-Json repondre(const FactureLue& lue, Detail detail) {
-  Json reponse;
-  try {
-    if (!lue.faute.empty()) {
-      throw ErreurUsage(lue.faute);
-    }
-    return controlerFacture(lue.facture, detail);
-  } catch (const ErreurBibliotheque& erreur) {
-    reponse = erreur.enJson();
-  } catch (const ErreurUsage& erreur) {
-    reponse = {{"code", nullptr}, {"erreur", erreur.what()}};
-  }
-  reporterSiennes(lue.facture, reponse);
-  return reponse;
-}
-
-void direLeCompte(const Compte& compte, double duree) {
+void direLeCompte(const CompteLot& compte, double duree) {
   const auto accord = [](std::size_t nombre, const char* nom) {
     return std::to_string(nombre) + " " + nom + (nombre > 1 ? "s" : "");
   };
@@ -193,8 +160,9 @@ int controlerLot(const OptionsControler& options) {
       options.fichiers.empty() ? std::vector<std::string>{"-"} : options.fichiers;
   const Profils profils(options.reference.reference);
   if (profils.existent()) {
-    if (options.csv || !options.rapport.empty()) {
-      throw ErreurUsage("--csv et --rapport demandent une référence, et non un répertoire de profils");
+    if (options.duLot.csv || !options.duLot.rapport.empty() || options.duLot.taches > 1) {
+      throw ErreurUsage(
+          "--csv, --rapport et --taches demandent une référence, et non un répertoire de profils");
     }
     return controlerParProfils(profils, fichiers,
                                options.expliquer ? std::vector<std::string>{"--expliquer"}
@@ -203,41 +171,10 @@ int controlerLot(const OptionsControler& options) {
   }
   LectureLot lecture(fichiers);
   const Bibliotheque bibliotheque(options.reference);
-  Compte compte;
-  BilanLot bilan;
-  // Answers that scroll by on the terminal are their own progress.
-  const bool barre = ::isatty(STDOUT_FILENO) != 1;
+  OptionsLot lot = options.duLot;
+  lot.detail = options.combien(Detail::VERDICT);
   const auto debut = std::chrono::steady_clock::now();
-  if (options.csv) {
-    ecrireTitresCsv(std::cout);
-  }
-  {
-    Progression progression;
-    for (FactureLue lue; lecture.suivante(lue);) {
-      const Json reponse = repondre(lue, options.combien(Detail::VERDICT));
-      compte.compter(reponse);
-      if (options.csv) {
-        ecrireErreursCsv(std::cout, compte.factures, lue.facture, reponse, lue.fichier);
-      } else {
-        std::cout << texteJson(reponse, -1);
-      }
-      if (!options.rapport.empty()) {
-        bilan.compter(lue.facture, reponse, lue.fichier);
-      }
-      if (barre) {
-        const bool connu = lecture.octetsEnTout() != 0;
-        progression.montrer("contrôle des factures", connu ? lecture.octetsLus() : compte.factures,
-                            lecture.octetsEnTout());
-      }
-      if (lecture.attend()) {
-        std::cout.flush();  // who writes one invoice at a time waits for its answer
-      }
-    }
-  }
-  std::cout.flush();
-  if (!options.rapport.empty()) {
-    ecrireTout(options.rapport, pageBilan(bilan.valeur()));
-  }
+  const CompteLot compte = controlerLesFactures(lecture, lot);
   direLeCompte(compte, std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count());
   return compte.impossibles == 0 ? STATUT_REPONDU : STATUT_CODE_ERREUR;
 }
@@ -257,11 +194,17 @@ void enregistrerControler(CLI::App& application, int& statut) {
   commande->add_flag("--detail", options->detail, "montants calculés dans les réponses d'un lot")->needs(lot);
   commande->add_flag("--expliquer", options->expliquer,
                      "étapes de chaque montant et de l'exonération, avec leurs données");
-  commande->add_flag("--csv", options->csv, "d'un lot, une ligne de CSV par erreur");
+  commande->add_flag("--csv", options->duLot.csv, "d'un lot, une ligne de CSV par erreur");
   commande
-      ->add_option("--rapport", options->rapport,
+      ->add_option("--rapport", options->duLot.rapport,
                    "d'un lot, une page HTML : comptes, montants, factures refusées")
       ->type_name("FICHIER.html");
+  commande
+      ->add_option(
+          "--taches", options->duLot.taches,
+          "d'un lot, nombre de processus qui contrôlent ; l'ordre des réponses reste celui des factures")
+      ->type_name("N")
+      ->check(CLI::Range(1U, 64U));
   commande->add_flag("--json", options->json, "réponse en JSON, pour un programme")->excludes(lot);
   options->reference.declarer(*commande);
   commande->callback(

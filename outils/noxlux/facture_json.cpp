@@ -1,6 +1,9 @@
 #include "noxlux/facture_json.h"
 
+#include <simdjson.h>
+
 #include <algorithm>
+#include <string_view>
 
 #include "noxlux/erreurs.h"
 #include "noxlux/facture_montants.h"
@@ -46,6 +49,62 @@ int profondeur(const std::string& texte) {
   return maximum;
 }
 
+Json enJson(const simdjson::dom::element& valeur) {
+  using Type = simdjson::dom::element_type;
+  switch (valeur.type()) {
+    case Type::OBJECT: {
+      Json objet = Json::object();
+      for (const auto& [nom, membre] : simdjson::dom::object(valeur)) {
+        objet[std::string(nom)] = enJson(membre);
+      }
+      return objet;
+    }
+    case Type::ARRAY: {
+      Json liste = Json::array();
+      for (const simdjson::dom::element& element : simdjson::dom::array(valeur)) {
+        liste.push_back(enJson(element));
+      }
+      return liste;
+    }
+    case Type::STRING:
+      return std::string_view(valeur);
+    case Type::INT64: {
+      const std::int64_t entier = valeur;
+      return entier < 0 ? Json(entier) : Json(static_cast<std::uint64_t>(entier));
+    }
+    case Type::UINT64:
+      return std::uint64_t(valeur);
+    case Type::DOUBLE:
+      return double(valeur);
+    case Type::BOOL:
+      return bool(valeur);
+    case Type::NULL_VALUE:
+      break;
+  }
+  return nullptr;
+}
+
+// A zero with a sign, which is no whole number of an invoice, is told apart by the other reader alone.
+bool aUnZeroSigne(std::string_view texte) {
+  for (std::size_t i = texte.find("-0"); i != std::string_view::npos; i = texte.find("-0", i + 1)) {
+    if (i == 0 || std::string_view(":,[ \t\r\n").find(texte[i - 1]) != std::string_view::npos) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// The fast reader reads what is well formed; the other one says where what is not goes wrong, and reads the
+// numbers that the first has no room for.
+Json analyser(const std::string& texte) {
+  thread_local simdjson::dom::parser lecteur;
+  simdjson::dom::element valeur;
+  if (!aUnZeroSigne(texte) && lecteur.parse(texte).get(valeur) == simdjson::SUCCESS) {
+    return enJson(valeur);
+  }
+  return Json::parse(texte);
+}
+
 }  // namespace
 
 Json lireFacture(const std::string& texte, const std::string& source) {
@@ -55,7 +114,7 @@ Json lireFacture(const std::string& texte, const std::string& source) {
     throw ErreurUsage(source + " : JSON trop imbriqué");
   }
   try {
-    Json facture = Json::parse(texte);
+    Json facture = analyser(texte);
     // What the office carries along is not read.
     Json libre = facture.is_object() && facture.contains("libre") ? facture["libre"] : Json();
     oterNuls(facture);

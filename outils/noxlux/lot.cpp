@@ -37,16 +37,6 @@ using compilateur::raisonSysteme;
 
 bool estBlanche(const std::string& ligne) { return ligne.find_first_not_of(" \t\r") == std::string::npos; }
 
-void lireTexte(const std::string& texte, FactureLue& lue) {
-  try {
-    lue.facture = lireFacture(texte, "$");
-    lue.faute.clear();
-  } catch (const ErreurUsage& erreur) {
-    lue.facture = nullptr;
-    lue.faute = erreur.what();
-  }
-}
-
 // --- One JSON a line, or spread over several ---
 
 class SourceJson : public LectureLot::Source {
@@ -75,7 +65,7 @@ class SourceJson : public LectureLot::Source {
       ouverts += accolades(suite);
       texte += '\n' + suite;
     }
-    lireTexte(texte, lue);
+    lue = {std::move(texte), nullptr, "", ""};
     return true;
   }
   std::uint64_t octetsLus() const override { return octets_; }
@@ -130,8 +120,7 @@ class SourceListe : public LectureLot::Source {
     if (rang_ == liste_.size()) {
       return false;
     }
-    lue.facture = std::move(liste_[rang_++]);
-    lue.faute.clear();
+    lue = {"", std::move(liste_[rang_++]), "", ""};
     return true;
   }
   std::uint64_t octetsLus() const override { return liste_.empty() ? 0 : octets_ * rang_ / liste_.size(); }
@@ -232,8 +221,7 @@ class SourceCsv : public LectureLot::Source {
       return false;
     }
     const std::string reference = referenceDe(*ligne_);
-    lue.facture = entete(*ligne_);
-    lue.faute.clear();
+    lue = {"", entete(*ligne_), "", ""};
     do {
       if (ligne_->size() > colonnes_.size()) {
         lue.faute = "$ : la ligne du CSV a " + std::to_string(ligne_->size()) + " cellules pour " +
@@ -394,6 +382,18 @@ std::unique_ptr<LectureLot::Source> ouvrirSource(const std::string& nom) {
 
 }  // namespace
 
+void FactureLue::lire() {
+  if (texte.empty()) {
+    return;
+  }
+  try {
+    facture = lireFacture(texte, "$");
+  } catch (const ErreurUsage& erreur) {
+    faute = erreur.what();
+  }
+  texte.clear();
+}
+
 LectureLot::LectureLot(std::vector<std::string> fichiers) : fichiers_(std::move(fichiers)) {
   for (const std::string& nom : fichiers_) {
     std::error_code erreur;
@@ -410,7 +410,7 @@ std::uint64_t LectureLot::octetsLus() const {
 
 bool LectureLot::attend() const { return source_ != nullptr && source_->attend(); }
 
-bool LectureLot::suivante(FactureLue& lue) {
+bool LectureLot::prochaine(FactureLue& lue) {
   for (;;) {
     if (source_ == nullptr) {
       if (rang_ == fichiers_.size()) {

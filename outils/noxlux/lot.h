@@ -15,9 +15,13 @@
 namespace noxlux::commande {
 
 struct FactureLue {
+  std::string texte;  // of an invoice that is still to be read; empty once it is
   Json facture;       // null when the record is no invoice
   std::string faute;  // why, then
   std::string fichier;
+
+  // Reads the text, where there is one.
+  void lire();
 };
 
 class LectureLot {
@@ -26,8 +30,15 @@ class LectureLot {
   explicit LectureLot(std::vector<std::string> fichiers);
   ~LectureLot();
 
-  // The next invoice; false at the end of the last file. Throws ErreurUsage for a file that cannot be read.
-  bool suivante(FactureLue& lue);
+  // The next invoice; false at the end of the last file. Throws ErreurUsage for a
+  // file that cannot be read.
+  bool suivante(FactureLue& lue) {
+    const bool une = prochaine(lue);
+    lue.lire();
+    return une;
+  }
+  // The same, left to be read where it is a text.
+  bool prochaine(FactureLue& lue);
   // Whether the next invoice is not at hand yet.
   bool attend() const;
   // For progress: bytes read and bytes in all; 0 when it is not known.

@@ -198,6 +198,50 @@ def verifier_journee(compte):
             compte.verifier(" ".join(arguments)[:90], (obtenu, dit if dit in sortie + erreurs else sortie + erreurs), (statut, dit))
 
 
+def verifier_taches(compte):
+    """Several processes answer what one does, in its order; one that ends takes no other invoice with it."""
+    factures = [{**json.loads(fichier.read_text()), "reference": fichier.stem} for fichier in sorted(EXEMPLES.glob("*.json"))]
+    lignes = [json.dumps(facture) for facture in factures * 60] + ["{", '{"lignes": 3}']
+    lot = "\n".join(lignes).encode() + b"\n"
+    for options in (["--lot", "--detail"], ["--csv"]):
+        statut, seul, dit = lancer("controler", *options, *ICI, entree=lot)
+        ensemble = lancer("controler", *options, "--taches", "3", *ICI, entree=lot)
+        compte.verifier(f"3 processes {options}", (ensemble[:2], dit.split(" ; ")[0]), ((statut, seul), ensemble[2].split(" ; ")[0]))
+    with tempfile.TemporaryDirectory() as dossier:
+        pages = [os.path.join(dossier, nom) for nom in ("seul.html", "trois.html")]
+        for page, taches in zip(pages, "13"):
+            lancer("controler", "--rapport", page, "--taches", taches, *ICI, entree=lot)
+        compte.verifier("3 processes: report", *(pathlib.Path(page).read_bytes() for page in pages))
+        if "NOXLUX_ECHANTILLON" in os.environ:  # sanitizers come first or not at all
+            return
+        # A process that an invoice stops, unless it is the first one.
+        source = os.path.join(dossier, "arret.c")
+        pathlib.Path(source).write_text("""#define _GNU_SOURCE
+            #include <dlfcn.h>
+            #include <stdlib.h>
+            #include <string.h>
+            #include <unistd.h>
+            static pid_t premier;
+            __attribute__((constructor)) static void noter(void) { premier = getpid(); }
+            ssize_t read(int fichier, void* octets, size_t taille) {
+              ssize_t (*vrai)(int, void*, size_t);
+              *(void**)&vrai = dlsym(RTLD_NEXT, "read");
+              ssize_t lus = vrai(fichier, octets, taille);
+              if (getpid() != premier && lus > 0 && memmem(octets, (size_t)lus, "66666666", 8) != NULL) abort();
+              return lus;
+            }""")
+        subprocess.run(["cc", "-shared", "-fPIC", "-o", source + ".so", source, "-ldl"], check=True)
+        for rang in (3, 100, len(lignes) - 3):
+            facture = {**factures[0], "professionnel": {**factures[0]["professionnel"], "numeroPS": "66666666"}}
+            lignes[rang] = json.dumps(facture)
+        _, sortie, dit = lancer("controler", "--lot", "--taches", "2", *ICI, entree="\n".join(lignes).encode() + b"\n",
+                                LD_PRELOAD=source + ".so")
+        erreurs = [(rang, json.loads(ligne)["erreur"]) for rang, ligne in enumerate(sortie.splitlines()) if "erreur" in json.loads(ligne)]
+        arret = "le contrôle de cette facture s'est arrêté (signal 6)"
+        compte.verifier("lost processes", ([e for e in erreurs if e[1] == arret], len(erreurs), len(sortie.splitlines())),
+                        ([(rang, arret) for rang in (3, 100, len(lignes) - 3)], 5, len(lignes)))
+
+
 def verifier_sorties(compte):
     """An answer that cannot be written is a failure; nothing stays behind a run that a signal or a closed pipe ends."""
     for arguments in (["acte", "HHFA001", *ICI], ["zone", "decoder", "--hexa"], ["consulter", "TB11_3", "--json", *ICI]):
@@ -263,6 +307,7 @@ def main():
     verifier_recherche(compte)
     verifier_lots(compte)
     verifier_journee(compte)
+    verifier_taches(compte)
     verifier_sorties(compte)
     verifier_tailles(compte)
     compte.finir()
