@@ -157,10 +157,20 @@ const char* verdict(unsigned short code) {
   }
 }
 
-Json controlerZone(std::string entree, const Explication& explication) {
-  const Reponse reponse = appelerEnEcoutant(explication, [&](void** sortie, unsigned int* taille) {
+template <class E>
+Reponse demanderControle(const std::string& zone, const E& ecoute) {
+  std::string entree = zone;
+  return appelerEnEcoutant(ecoute, [&](void** sortie, unsigned int* taille) {
     return NOX_ControleComplet(entree.data(), static_cast<unsigned int>(entree.size()), sortie, taille);
   });
+}
+
+// Nobody listens.
+struct SansEcoute {
+  static Json cause(unsigned short /*code*/) { return nullptr; }
+};
+
+Json reponseLisible(const Reponse& reponse, const Explication& explication) {
   const bool controlee = reponse.code == NOX_CR_OK || reponse.code == NOX_CR_CONTROLE_NIVEAU_1 ||
                          reponse.code == NOX_CR_CONTROLE_NIVEAU_2;
   if (!controlee) {
@@ -194,8 +204,17 @@ void reporterSiennes(const Json& facture, Json& reponse) {
 
 Json controlerFacture(const Json& facture, Detail detail) {
   const std::string zone = zoneDeFacture(facture);
+  if (detail == Detail::VERDICT) {
+    // Most invoices of a batch are accepted: they need no reasons.
+    const Reponse reponse = demanderControle(zone, SansEcoute());
+    if (reponse.code == NOX_CR_OK) {
+      Json resultat = reponseLisible(reponse, Explication());
+      reporterSiennes(facture, resultat);
+      return resultat;
+    }
+  }
   const Explication explication;
-  Json resultat = controlerZone(zone, explication);
+  Json resultat = reponseLisible(demanderControle(zone, explication), explication);
   if (detail != Detail::VERDICT) {
     resultat["lignes"] = detaillerLignes(facture, explication, detail == Detail::ETAPES);
   }
