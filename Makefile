@@ -114,6 +114,11 @@ mutations: release
 	@build/release/noxlux compiler reference/exemple --socle reference/socle -o build/exemple
 	@NOXLUX_REFERENCE_EXEMPLE=$(CURDIR)/build/exemple/ python3 tests/mutations.py . build/mutations
 
+# Each header compiled by itself, which batches of sources would not ask.
+.PHONY: entetes
+entetes: paquets
+	@tests/analyse/entetes-seuls.py .
+
 # What tests weigh beside the code: a third at most.
 part-des-tests:
 	@lignes() { git ls-files -z "$$@" | xargs -0 cat | grep -c '[^[:space:]]'; }; \
