@@ -10,6 +10,7 @@
 #include <iostream>
 
 #include "basics/fichier_ini.h"
+#include "noxlux/mises_de_cote.h"
 #include "noxlux/noxlux.h"
 
 namespace noxlux::commande {
@@ -200,7 +201,16 @@ Bibliotheque::Bibliotheque(const OptionsReference& demandees) {
   const unsigned short code = NOX_InitLIB();
   // A missing follow-up directory does not keep the library from answering.
   if (code != NOX_CR_OK && code != NOX_CR_SUIVI_REPERTOIRE && code != NOX_CR_SUIVI_ECRITURE) {
+    const std::string refus = code == NOX_CR_CONFIGURATION ? std::string() : direRefus(options);
+    if (!refus.empty()) {
+      std::cerr << "noxlux : " << refus
+                << " ; « noxlux annuler » et « noxlux reporter » mendent ce fichier.\n";
+    }
     throw ErreurBibliotheque("NOX_InitLIB", code);
+  }
+  const std::string misDeCote = direMiseDeCote(options);
+  if (!misDeCote.empty()) {
+    std::cerr << "noxlux : " << misDeCote << " ; « noxlux reporter » les refait.\n";
   }
 }
 

@@ -17,8 +17,10 @@
 #include "compilateur/import_dbf.h"
 #include "compilateur/lecteur_toml.h"
 #include "compilateur/listings.h"
+#include "noxlux/bibliotheque.h"
 #include "noxlux/commandes.h"
 #include "noxlux/erreurs.h"
+#include "noxlux/mises_de_cote.h"
 #include "noxlux/profils.h"
 #include "noxlux/progression.h"
 
@@ -148,6 +150,24 @@ int refuserEcarts(const BilanImport& bilan, const Rapport& rapport) {
   return STATUT_MAUVAIS_USAGE;
 }
 
+// What becomes of the local changes that lie where a reference has been written.
+void direModifications(const std::string& sortie) {
+  const fs::path dossier = fs::path(sortie) / "";
+  std::error_code erreur;
+  if (!fs::exists(dossier / "modifref.nox", erreur)) {
+    return;
+  }
+  const std::string misDeCote = direMiseDeCote((dossier / "tablebin.nox").string(), dossier.string());
+  OptionsReference reference;
+  reference.reference = sortie;
+  const std::string refus = misDeCote.empty() ? direRefus(reference) : misDeCote;
+  std::cout << "à savoir : "
+            << (refus.empty() ? (dossier / "modifref.nox").string() +
+                                    " est là : ses changements restent, sur cette référence"
+                              : refus + " ; « noxlux reporter » les refait")
+            << '\n';
+}
+
 int compilerReference(const OptionsCompiler& options) {
   const auto debut = std::chrono::steady_clock::now();
   Modele modele;
@@ -185,6 +205,7 @@ int compilerReference(const OptionsCompiler& options) {
             << bilan.prix << " prix, " << bilan.menus << " menus, " << bilan.motsCles << " mots clés, "
             << bilan.regles << " règles, " << bilan.fonctions << " fonctions ; " << bilan.taille
             << " octets en " << duree.count() << " ms\n";
+  direModifications(options.sortie);
   return STATUT_REPONDU;
 }
 

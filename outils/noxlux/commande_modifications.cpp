@@ -5,14 +5,15 @@
 #include <memory>
 
 #include "noxlux/bibliotheque.h"
+#include "noxlux/changements_sauves.h"
 #include "noxlux/commandes.h"
 #include "noxlux/dates.h"
+#include "noxlux/mises_de_cote.h"
 #include "noxlux/ouverture.h"
 #include "noxlux/presentation.h"
 #include "noxlux/sortie.h"
 #include "noxlux/tableau.h"
-#include "referent/referentiel.h"
-#include "tables/catalogue.h"
+#include "referent/entetes.h"
 
 namespace noxlux::commande {
 
@@ -24,23 +25,6 @@ struct OptionsModifications {
   OptionsReference reference;
   bool json = false;
 };
-
-struct Sujet {
-  unsigned table;
-  const char* nom;
-};
-
-// What each table of a modification file changes.
-constexpr Sujet SUJETS[] = {
-    {ModificationPrixUnitaire::IDENTIFIANT, "prix unitaire"},
-    {ModificationSupplementCharge::IDENTIFIANT, "supplément de charges"},
-    {ModificationMajorationDOM::IDENTIFIANT, "majoration d'outre-mer"},
-    {ModificationRegleAssociationNonPrevue::IDENTIFIANT, "association non prévue"},
-    {ModificationSeuil::IDENTIFIANT, "seuil d'exonération"},
-    {ModificationModificateur::IDENTIFIANT, "valeur de modificateur"},
-    {ModificationNonConventionne::IDENTIFIANT, "praticien non conventionné"},
-    {ModificationCodeRegroupement::IDENTIFIANT, "code de regroupement d'un acte"},
-    {ModificationNouveauCodeRegroupement::IDENTIFIANT, "nouveau code de regroupement"}};
 
 // Splits a line into where the change is, since when, and to which value.
 JsonOrdonne changement(const char* sujet, JsonOrdonne ligne) {
@@ -54,7 +38,7 @@ JsonOrdonne lire(const std::filesystem::path& chemin, const FichierReference& fi
   const JsonOrdonne listage = listerFichier(fichier);
   JsonOrdonne resultat = {{"fichier", chemin.string()}, {"entete", listage["entete"]}};
   JsonOrdonne& liste = resultat["modifications"] = JsonOrdonne::array();
-  for (const Sujet& sujet : SUJETS) {
+  for (const TableChangements& sujet : tablesChangements()) {
     const TableLue* const table = fichier.chercherTable(sujet.table);
     if (table == nullptr) {
       continue;
@@ -62,11 +46,11 @@ JsonOrdonne lire(const std::filesystem::path& chemin, const FichierReference& fi
     CodeRetour cr = NOX_CR_OK;
     const JsonOrdonne lignes = listerTable(fichier, *table, cr);
     if (cr != NOX_CR_OK) {
-      throw ErreurUsage(chemin.string() + " : la table « " + sujet.nom +
+      throw ErreurUsage(chemin.string() + " : la table « " + sujet.sujet +
                         " » est illisible : " + signification(cr));
     }
     for (const JsonOrdonne& ligne : lignes) {
-      liste.push_back(changement(sujet.nom, ligne));
+      liste.push_back(changement(sujet.sujet, ligne));
     }
   }
   return resultat;
@@ -109,12 +93,8 @@ void listerModifications(const OptionsModifications& options) {
     throw ErreurUsage("pas de répertoire " + repertoire.string());
   }
   JsonOrdonne resultat = {{"fichier", nullptr}, {"modifications", JsonOrdonne::array()}};
-  if (!fs::exists(chemin, erreur)) {
-    if (!options.json) {
-      std::cout << chemin.string() << " : aucun fichier de modifications, rien n'est modifié.\n";
-      return;
-    }
-  } else {
+  const bool present = fs::exists(chemin, erreur);
+  if (present) {
     const auto fichier = ouvrirReference(chemin.string(), NOM_FICHIER_MODIFICATION);
     if (!fichier->estModification()) {
       throw ErreurUsage(chemin.string() + " : ce n'est pas un fichier de modifications");
@@ -124,10 +104,24 @@ void listerModifications(const OptionsModifications& options) {
     }
     resultat = lire(chemin, *fichier);
   }
+  const std::string misDeCote = present ? direMiseDeCote(options.reference) : "";
+  const std::string refus = present ? direRefus(options.reference) : "";
+  const std::vector<std::string> restes = direRestes(options.reference.repertoireModification());
   if (options.json) {
+    resultat.update({{"mis de cote", !misDeCote.empty()}, {"refus", refus}, {"restes", restes}});
     ecrireJsonCamel(resultat);
-  } else {
+    return;
+  }
+  if (present) {
     afficherModifications(resultat);
+  } else {
+    std::cout << chemin.string() << " : aucun fichier de modifications, rien n'est modifié.\n";
+  }
+  for (const std::string& phrase : {misDeCote, refus}) {
+    std::cout << (phrase.empty() ? "" : "Sans effet : " + phrase + " ; « noxlux reporter » les refait.\n");
+  }
+  for (const std::string& reste : restes) {
+    std::cout << reste << ".\n";
   }
 }
 

@@ -7,10 +7,11 @@
 
 #include "compilateur/transcodage.h"
 #include "noxlux/bibliotheque.h"
+#include "noxlux/changements_sauves.h"
 #include "noxlux/commandes.h"
+#include "noxlux/mises_de_cote.h"
 #include "noxlux/requete.h"
 #include "noxlux/sortie.h"
-#include "referent/verrou_modifications.h"
 
 namespace noxlux::commande {
 
@@ -24,6 +25,7 @@ struct OptionsModifier {
   std::string commentaire;
   bool json = false;
   bool oui = false;
+  bool remplacer = false;
 
   void declarer(CLI::App& commande) {
     commande.add_option("identifiant", identifiant, "donnée (CCAM_37, TB07_1...)")
@@ -161,26 +163,10 @@ void exigerSucces(const char* fonction, unsigned short code) {
   }
 }
 
-// The lock of the modification directory, for the length of a change: what is loaded is what is saved over.
-class Exclusivite {
- public:
-  explicit Exclusivite(const std::string& repertoire) : verrou_(repertoire, ATTENTE) {
-    if (verrou_.etat() == VerrouModifications::Etat::Occupe) {
-      throw ErreurUsage("une autre sauvegarde tient " + repertoire + " : à reprendre plus tard");
-    }
-    verrou_.preter();
-  }
-
- private:
-  static constexpr std::chrono::seconds ATTENTE{10};
-  VerrouModifications verrou_;
-};
-
 template <class F>
 void changer(const OptionsModifier& options, const std::string& identifiant, const std::string& date,
              const char* verbe, F changement) {
   const compilateur::TexteLatin1 commentaire = compilateur::versLatin1(options.commentaire);
-  const Exclusivite exclusivite(options.reference.repertoireModification());
   const Bibliotheque bibliotheque(options.reference);
   Json avant = valeursEnVigueur(identifiant, options.champs, date);
   changement();
@@ -209,16 +195,48 @@ void modifier(const OptionsModifier& options) {
   const FonctionDecrite& fonction = trouverFonction("modification", options.identifiant);
   std::string zone = construireZone(fonction, options.champs);
   const std::string effet = dateReference(options.date);
+  const Exclusivite exclusivite(options.reference.repertoireModification());
+  const std::string misDeCote = direMiseDeCote(options.reference);
+  if (!misDeCote.empty() && !options.remplacer) {
+    throw ErreurUsage(misDeCote + " ; « noxlux reporter » les refait, --remplacer les abandonne");
+  }
   changer(options, fonction.nom, effet, "modifié, valeurs", [&] {
     exigerSucces("NOX_ModifierDonnee", NOX_ModifierDonnee(fonction.nom.c_str(), effet.c_str(), zone.data(),
                                                           static_cast<unsigned int>(zone.size())));
   });
 }
 
+// Where a saved change keeps the library from starting, there are no values to show.
+void annulerSansBibliotheque(const OptionsModifier& options, const FonctionDecrite& fonction,
+                             const std::string& zone) {
+  const std::size_t retires = retirerDuFichier(options.reference, fonction.nom, zone,
+                                               compilateur::versLatin1(options.commentaire).texte);
+  if (retires == 0) {
+    throw ErreurBibliotheque("NOX_AnnulerModification", NOX_CR_NON_MODIFIE);
+  }
+  const std::string reste = direRefus(options.reference);
+  if (options.json) {
+    ecrireJson({{"identifiant", fonction.nom}, {"retires", retires}, {"refus", reste}});
+    return;
+  }
+  std::cout << fonction.nom << " : " << retires
+            << (retires > 1 ? " changements retirés" : " changement retiré")
+            << " de modifref.nox, que la référence "
+            << (reste.empty() ? "accepte maintenant.\n" : "refuse encore.\n");
+  if (!reste.empty()) {
+    std::cerr << "noxlux : " << reste << '\n';
+  }
+}
+
 void annuler(const OptionsModifier& options) {
   const FonctionDecrite& fonction = trouverFonction("annulation", options.identifiant);
   std::string zone = construireZone(fonction, options.champs);
   const std::string date = dateReference(options.date);
+  const Exclusivite exclusivite(options.reference.repertoireModification());
+  if (!direRefus(options.reference).empty()) {
+    annulerSansBibliotheque(options, fonction, zone);
+    return;
+  }
   changer(options, fonction.nom, date, "rétabli, valeurs", [&] {
     exigerSucces("NOX_AnnulerModification", NOX_AnnulerModification(fonction.nom.c_str(), zone.data(),
                                                                     static_cast<unsigned int>(zone.size())));
@@ -235,6 +253,8 @@ void enregistrerModifier(CLI::App& application) {
   commande->add_option("--effet,-e", options->date, "date d'effet")->required()->type_name("DATE");
   commande->add_flag("--oui", options->oui,
                      "ne rien demander quand la valeur devient plus de dix fois autre");
+  commande->add_flag("--remplacer", options->remplacer,
+                     "écrire à la place de changements mis de côté, faits sur une autre référence");
   commande->callback([options] { modifier(*options); });
 }
 

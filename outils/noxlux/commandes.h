@@ -31,6 +31,7 @@ void enregistrerVerifier(CLI::App& application);
 void enregistrerModifier(CLI::App& application);
 void enregistrerAnnuler(CLI::App& application);
 void enregistrerServeur(CLI::App& application);
+void enregistrerReporter(CLI::App& application, int& statut);
 
 }  // namespace noxlux::commande
 

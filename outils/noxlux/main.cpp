@@ -181,6 +181,7 @@ int executer(int argc, char** argv) {
   enregistrerIdentifiants(application);
   enregistrerModifier(application);
   enregistrerAnnuler(application);
+  enregistrerReporter(application, statut);
   enregistrerModifications(application);
   enregistrerVersion(application);
   enregistrerTables(application);

@@ -5,9 +5,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <iterator>
 #include <new>
 #include <span>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -54,6 +56,57 @@ void enregistrerModification(std::vector<M>* modifications, M&& modification) {
   if (modifications != nullptr) {
     modifications->push_back(std::move(modification));
   }
+}
+
+// --- Saved changes made again ----------------------------------------------------------------------------
+
+// What a text tells of a field of a saved change: its key and its day, not its new value.
+inline std::string texteDeCle(char code) { return std::string(1, code); }
+inline std::string texteDeCle(std::uint16_t position) { return std::to_string(position); }
+inline std::string texteDeCle(const DateBrute& date) {
+  char texte[16];
+  std::snprintf(texte, sizeof texte, "%04u/%02u/%02u", unsigned{date.annee}, unsigned{date.mois},
+                unsigned{date.jour});
+  return texte;
+}
+template <std::size_t N>
+std::string texteDeCle(const CodeFixe<N>& code) {
+  return std::string(code.vue());
+}
+inline std::string texteDeCle(double) { return {}; }
+inline std::string texteDeCle(const TexteVariable&) { return {}; }
+
+// Traces that the reference refuses a saved change, by its table, its line in it (from 1) and its key.
+template <class M>
+std::string signalerRefus(const M& modification, std::size_t rang, CodeRetour cr) {
+  char debut[48];
+  std::snprintf(debut, sizeof debut, "table %03u, ligne %lu", M::IDENTIFIANT,
+                static_cast<unsigned long>(rang + 1));
+  std::string refus = debut;
+  visiterChamps(modification, [&](const auto& champ, const auto& valeur) {
+    const std::string texte = texteDeCle(valeur);
+    if (!texte.empty()) {
+      refus.append(", ").append(champ.mots).append(" ").append(texte);
+    }
+  });
+  Trace::erreur(TRACE_MODIFICATION, "ERREUR : modification sauvegardee refusee (%s) : 0x%04X", refus.c_str(),
+                cr);
+  return refus;
+}
+
+// Makes the saved changes of a table again, in their order; the first one that is refused stops.
+template <class M, class F>
+CodeRetour refaireModifications(Referentiel& referentiel, F&& refaire) {
+  const std::vector<M>& modifications = referentiel.lignes<M>();
+  for (const M& modification : modifications) {
+    const CodeRetour cr = refaire(modification);
+    if (cr != NOX_CR_OK) {
+      referentiel.refus =
+          signalerRefus(modification, static_cast<std::size_t>(&modification - modifications.data()), cr);
+      return cr;
+    }
+  }
+  return NOX_CR_OK;
 }
 
 // --- Dated lines, the current one first ----------------------------------------------------------------

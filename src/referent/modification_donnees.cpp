@@ -203,14 +203,21 @@ CodeRetour ModificationDonnees::appliquerModificationsCodesRegroupement(const Co
   const auto corps = [&] {
     CodeActe cle;
     CodeRetour cr = composerCle(acte, cle);
-    for (const ModificationCodeRegroupement& ligne : donnees().lignes<ModificationCodeRegroupement>()) {
-      if (cr != NOX_CR_OK) {
-        break;
+    const std::vector<ModificationCodeRegroupement>& lignes =
+        donnees().lignes<ModificationCodeRegroupement>();
+    for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK; ++i) {
+      const ModificationCodeRegroupement& ligne = lignes[i];
+      if (ligne.acte != cle) {
+        continue;
       }
       NiveauActivite* activite = nullptr;
-      if (ligne.acte == cle && (cr = niveau.chercherActivite(ligne.activite, activite)) == NOX_CR_OK) {
-        cr = modifierCodeRegroupement(acte, Code(texteDe(ligne.activite)), Date(ligne.dateEffet),
-                                      Code(texteDe(ligne.code)), false, activite);
+      cr = niveau.chercherActivite(ligne.activite, activite);
+      cr = cr != NOX_CR_OK
+               ? cr
+               : modifierCodeRegroupement(acte, Code(texteDe(ligne.activite)), Date(ligne.dateEffet),
+                                          Code(texteDe(ligne.code)), false, activite);
+      if (cr != NOX_CR_OK) {
+        signalerRefus(ligne, i, cr);
       }
     }
     return cr;
@@ -284,7 +291,13 @@ CodeRetour ModificationDonnees::appliquerModificationsHistoriquePhase(const Code
             NiveauPhase* phase = nullptr;
             CodeRetour resultat = niveau.chercherActivite(ligne->activite, activite);
             resultat = resultat == NOX_CR_OK ? activite->chercherNiveauPhase(ligne->phase, phase) : resultat;
-            return resultat == NOX_CR_OK ? appliquer(acte, *ligne, *phase) : resultat;
+            resultat = resultat == NOX_CR_OK ? appliquer(acte, *ligne, *phase) : resultat;
+            if (resultat != NOX_CR_OK) {
+              using M = std::remove_cvref_t<decltype(*ligne)>;
+              const std::ptrdiff_t rang = ligne - donnees().lignes<M>().data();
+              signalerRefus(*ligne, static_cast<std::size_t>(rang), resultat);
+            }
+            return resultat;
           },
           modification);
       if (cr != NOX_CR_OK) {

@@ -151,18 +151,13 @@ CodeRetour ModificationDonnees::annulerModificationsValeurModificateur(const Cod
 
 CodeRetour ModificationDonnees::appliquerModificationsModificateurs() {
   const auto corps = [&] {
-    CodeRetour cr = NOX_CR_OK;
-    for (const ModificationModificateur& ligne : donnees().lignes<ModificationModificateur>()) {
+    return refaireModifications<ModificationModificateur>(donnees(), [&](const auto& ligne) {
       const auto changer = [&](HistoriqueValeurModificateur& h) {
         h.forfait = ligne.forfait;
         h.coefficient = ligne.taux;
       };
-      cr = modifierValeurModificateur(Code(texteDe(ligne.code)), Date(ligne.dateEffet), changer, false);
-      if (cr != NOX_CR_OK) {
-        break;
-      }
-    }
-    return cr;
+      return modifierValeurModificateur(Code(texteDe(ligne.code)), Date(ligne.dateEffet), changer, false);
+    });
   };
   return changement(__func__, "", corps);
 }
@@ -198,15 +193,10 @@ CodeRetour ModificationDonnees::annulerModificationsCoefficientAssociationNonPre
 
 CodeRetour ModificationDonnees::appliquerModificationsReglesAssociationsNP() {
   const auto corps = [&] {
-    CodeRetour cr = NOX_CR_OK;
-    for (const auto& ligne : donnees().lignes<ModificationRegleAssociationNonPrevue>()) {
-      cr = modifierCoefficientAssociationNonPrevue(Code(texteDe(ligne.code)), Date(ligne.dateEffet),
-                                                   Coefficient(ligne.valeur), false);
-      if (cr != NOX_CR_OK) {
-        break;
-      }
-    }
-    return cr;
+    return refaireModifications<ModificationRegleAssociationNonPrevue>(donnees(), [&](const auto& ligne) {
+      return modifierCoefficientAssociationNonPrevue(Code(texteDe(ligne.code)), Date(ligne.dateEffet),
+                                                     Coefficient(ligne.valeur), false);
+    });
   };
   return changement(__func__, "", corps);
 }
@@ -279,14 +269,9 @@ CodeRetour ModificationDonnees::annulerModificationsSeuilExoTM(unsigned short po
 
 CodeRetour ModificationDonnees::appliquerModificationsSeuils() {
   const auto corps = [&] {
-    CodeRetour cr = NOX_CR_OK;
-    for (const ModificationSeuil& ligne : donnees().lignes<ModificationSeuil>()) {
-      cr = modifierSeuil(Date(ligne.dateEffet), ligne.position, Montant(ligne.valeur), false);
-      if (cr != NOX_CR_OK) {
-        break;
-      }
-    }
-    return cr;
+    return refaireModifications<ModificationSeuil>(donnees(), [&](const auto& ligne) {
+      return modifierSeuil(Date(ligne.dateEffet), ligne.position, Montant(ligne.valeur), false);
+    });
   };
   return changement(__func__, "", corps);
 }
@@ -349,18 +334,13 @@ CodeRetour ModificationDonnees::annulerModificationsValeurNonConventionnes() {
 
 CodeRetour ModificationDonnees::appliquerModificationsReductionNC() {
   const auto corps = [&] {
-    CodeRetour cr = NOX_CR_OK;
-    for (const ModificationNonConventionne& ligne : donnees().lignes<ModificationNonConventionne>()) {
+    return refaireModifications<ModificationNonConventionne>(donnees(), [&](const auto& ligne) {
       const auto changer = [&](ReductionNonConventionne& reduction) {
         reduction.forfait = ligne.forfait;
         reduction.coefficient = ligne.taux;
       };
-      cr = modifierDonneesReductionNonConventionnes(Date(ligne.dateEffet), changer, false);
-      if (cr != NOX_CR_OK) {
-        break;
-      }
-    }
-    return cr;
+      return modifierDonneesReductionNonConventionnes(Date(ligne.dateEffet), changer, false);
+    });
   };
   return changement(__func__, "", corps);
 }
@@ -460,17 +440,23 @@ CodeRetour ModificationDonnees::annulerNouveauxCodesRegroupement() {
   return changement(__func__, "", corps);
 }
 
+// A code that the reference now holds has nothing left to add: it is forgotten, so that a cancellation takes
+// away none but added lines.
 CodeRetour ModificationDonnees::appliquerModificationsNouveauCodeRegroupement() {
+  using M = ModificationNouveauCodeRegroupement;
   const auto corps = [&] {
-    CodeRetour cr = NOX_CR_OK;
-    for (const auto& ligne : donnees().lignes<ModificationNouveauCodeRegroupement>()) {
-      cr = ajouterCodeRegroupement(Date(ligne.dateEffet), Code(texteDe(ligne.code)),
-                                   Texte(ligne.libelle.vue()), false);
-      if (cr != NOX_CR_OK) {
-        break;
+    std::erase_if(donnees().lignes<M>(), [&](const M& ligne) {
+      const bool tenu = rechercherExistenceCodeRegroupement(Code(texteDe(ligne.code)));
+      if (tenu) {
+        Trace::ecrire(TRACE_MODIFICATION, "Code regroupement %.3s : le referentiel le tient, rien a ajouter",
+                      ligne.code.entier().data());
       }
-    }
-    return cr;
+      return tenu;
+    });
+    return refaireModifications<M>(donnees(), [&](const M& ligne) {
+      return ajouterCodeRegroupement(Date(ligne.dateEffet), Code(texteDe(ligne.code)),
+                                     Texte(ligne.libelle.vue()), false);
+    });
   };
   return changement(__func__, "", corps);
 }

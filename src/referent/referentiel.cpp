@@ -125,21 +125,24 @@ CodeRetour Referentiel::chargerReferentiel(const char* pcRepertoire, const char*
   Trace::ecrire(TRACE_CHARGEMENT, "   Version logicielle NOX = %s", pcVersionLogicielle);
   Trace::ecrire(TRACE_CHARGEMENT, "   Version minimale exigee du referentiel = %s", pcVersionMinimale);
 
-  if (!copierRepertoire(repertoire, pcRepertoire)) {
-    cr = echouer("ERREUR : Probleme lors de l'allocation memoire du nom de repertoire", NOX_CR_MEMOIRE);
-  } else if (!copierRepertoire(repertoireModification, pcRepertoireModification)) {
-    cr = echouer("ERREUR : Probleme lors de l'allocation memoire du nom de repertoire de modification",
-                 NOX_CR_MEMOIRE);
-  } else {
-    cr = chargerFichierReference(pcVersionLogicielle, pcVersionMinimale);
-  }
-  if (cr == NOX_CR_OK) {
-    cr = chargerModifications();
-  }
+  cr = chargerFichiers(pcRepertoire, pcRepertoireModification, pcVersionLogicielle, pcVersionMinimale);
   if (cr == NOX_CR_OK) {
     cr = appliquerModifications();
   }
   return cr;
+}
+
+CodeRetour Referentiel::chargerFichiers(const char* pcRepertoire, const char* pcRepertoireModification,
+                                        const char* pcVersionLogicielle, const char* pcVersionMinimale) {
+  if (!copierRepertoire(repertoire, pcRepertoire)) {
+    return echouer("ERREUR : Probleme lors de l'allocation memoire du nom de repertoire", NOX_CR_MEMOIRE);
+  }
+  if (!copierRepertoire(repertoireModification, pcRepertoireModification)) {
+    return echouer("ERREUR : Probleme lors de l'allocation memoire du nom de repertoire de modification",
+                   NOX_CR_MEMOIRE);
+  }
+  const CodeRetour cr = chargerFichierReference(pcVersionLogicielle, pcVersionMinimale);
+  return cr == NOX_CR_OK ? chargerModifications() : cr;
 }
 
 CodeRetour Referentiel::chargerFichierReference(const char* versionLogicielle, const char* versionMinimale) {

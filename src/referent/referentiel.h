@@ -75,6 +75,12 @@ class Referentiel {
   // destroyed.
   CodeRetour chargerReferentiel(const char* pcRepertoire, const char* pcRepertoireModification,
                                 const char* pcVersionLogicielle, const char* pcVersionMinimale);
+  // The same without making the changes again: for whoever mends a modification file that the reference
+  // refuses.
+  CodeRetour chargerFichiers(const char* pcRepertoire, const char* pcRepertoireModification,
+                             const char* pcVersionLogicielle, const char* pcVersionMinimale);
+  // The saved changes of the tables in memory, made again. REQUIRES: chargerFichiers
+  CodeRetour appliquerModifications();
   // Loads a deferred table (30, 31 or 58) and checks the whole store again; a failure leaves it not loaded.
   // 0xDF01 while another is being loaded.
   CodeRetour chargerTable(unsigned short identifiant);
@@ -120,6 +126,7 @@ class Referentiel {
   std::string repertoire;
   std::string repertoireModification;
   CompteursAcces& acces;
+  std::string refus;  // the saved change that stopped a load: its table, its line, its key
 
  private:
   CodeRetour chargerFichierReference(const char* versionLogicielle, const char* versionMinimale);
@@ -134,7 +141,6 @@ class Referentiel {
   CodeRetour chargerModifications();
   CodeRetour lireTablesModifications(Lecteur& lecteur);
   CodeRetour creerTablesModifications();
-  CodeRetour appliquerModifications();
   CodeRetour appliquerModificationsActe(NiveauActe& acte, const char* code);
   void dumpActes(unsigned short module) const;
   CodeRetour controlerTables() const;

@@ -89,6 +89,60 @@ TEST(Commande, ditCeQuiEstModifie) {
   }
 }
 
+// From one reference to the next: changes set aside are told, not written over, and made again where they
+// still make sense; those that a reference of the same version refuses can be taken back.
+TEST(Commande, ReporteLesChangements) {
+  const Repertoire dossier;
+  const fs::path exemple = dossier.chemin() / "exemple";
+  const auto remplacer = [&](const char* fichier, const char* avant, const char* apres) {
+    std::string texte = lireOctets(exemple / fichier);
+    texte.replace(texte.find(avant), std::string(avant).size(), apres);
+    std::ofstream(exemple / fichier) << texte;
+  };
+  const auto compiler = [&] {
+    return phrase("compiler ", exemple.string(), " --socle ", (depot() / "reference/socle").string(), " -o ",
+                  dossier.chemin().string());
+  };
+  const std::string ici = " -r " + dossier.chemin().string();
+  const auto verifier = [&](const std::string& arguments, int statut, const char* fragment) {
+    const Resultat resultat = lancer(dossier, arguments);
+    EXPECT_EQ(resultat.statut, statut) << arguments << resultat.erreurs;
+    EXPECT_NE((resultat.sortie + resultat.erreurs).find(fragment), std::string::npos)
+        << arguments << resultat.sortie << resultat.erreurs;
+  };
+  fs::copy(depot() / "reference/exemple", exemple, fs::copy_options::recursive);
+  verifier(compiler(), 0, "actes");
+  verifier("modifier TB07_1 caisse=971 montant=130 -e 2026-02-01" + ici, 0, "130,00");
+  verifier("modifier TB11_2 modificateur=K coefficient=1.25 -e 2026-02-01" + ici, 0, "1,25");
+  verifier("modifier TB13_1 regroupement=ZZ9 libelle=Cabinet -e 2026-02-01" + ici, 0, "ZZ9");
+
+  // The same version: a newer rate of K, and the code that was added.
+  remplacer("modificateurs.toml", "{ debut = 2017-06-15, coefficient = 1.2 },",
+            "{ debut = 2017-06-15, fin = 2026-02-28, coefficient = 1.2 }, { debut = 2026-03-01, coefficient "
+            "= 1.3 },");
+  remplacer("regroupements.toml", "[[regroupement]]",
+            "[[regroupement]]\ncode = \"ZZ9\"\nlibelle = \"Public\"\ndebut = 2005-01-01\n[[regroupement]]");
+  verifier(compiler(), 0, "table 040, ligne 1, code modificateur K");
+  verifier("consulter TB13_1" + ici, 1, "table 040, ligne 1, code modificateur K");
+  verifier("reporter --essai" + ici, 1, "TB11_2 modificateur=K coefficient=1.250 au 01/02/2026 : 0xD004");
+  verifier("annuler TB11 modificateur=A" + ici, 1, "0xD005");
+  verifier("annuler TB11 modificateur=K" + ici, 0, "accepte maintenant");
+  verifier("consulter TB07_1 caisse=971 -d 2026-02-01" + ici, 0, "130,00");
+
+  remplacer("entete.toml", "version = \"0121\"", "version = \"0122\"");
+  verifier(compiler(), 0, "mis de c");
+  verifier("consulter TB07_1 caisse=971 -d 2026-02-01" + ici, 0, "120,00");
+  verifier("consulter TB07_1 caisse=971 -d 2026-02-01" + ici, 0, "faits sur la version 0121, sont mis de");
+  verifier("modifications --json" + ici, 0, "\"misDeCote\": true");
+  verifier("modifier TB07_1 caisse=972 montant=130 -e 2026-02-01" + ici, 2, "--remplacer");
+  dossier.ecrire("modiftmp.nox", "0");
+  verifier("modifications" + ici, 0, "modiftmp.nox : reste");
+  fs::remove(dossier.chemin() / "modiftmp.nox");
+  verifier("reporter" + ici, 0, "refaits : 1 ; inutiles : 1");
+  verifier("consulter TB07_1 caisse=971 -d 2026-02-01" + ici, 0, "130,00");
+  EXPECT_TRUE(fs::exists(dossier.chemin() / "modifref-0121.nox"));
+}
+
 // Each holds the lock from its load to its save: none is lost, even by a save in between.
 TEST(Commande, modifieAvecDAutres) {
   const Repertoire dossier;

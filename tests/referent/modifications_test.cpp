@@ -222,6 +222,11 @@ TEST_F(Modifications, reapplicationDonneLeMemeMagasin) {
   EXPECT_EQ(m.appliquerModificationsHistoriquePhase(ACTE, *autre.acte), NOX_CR_OK);
   EXPECT_EQ(autre.contenu(), contenu());
 
+  // A code that the reference holds is not added again, and no cancellation takes it away.
+  EXPECT_EQ(m.appliquerModificationsNouveauCodeRegroupement(), NOX_CR_OK);
+  EXPECT_EQ(m.annulerNouveauxCodesRegroupement(), NOX_CR_NON_MODIFIE);
+  EXPECT_EQ(autre.contenu(), contenu());
+
   autre.referentiel.lignes<ModificationSeuil>()[0].position = 9;
   EXPECT_EQ(m.appliquerModificationsSeuils(), NOX_CR_DONNEE_ABSENTE);
 }
