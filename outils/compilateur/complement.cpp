@@ -315,11 +315,14 @@ void repartirModificateurs(const Modele& sources, Modele& liste) {
   }
   for (Acte& acte : liste.actes) {
     for (Activite& activite : acte.activites) {
-      std::erase_if(activite.historiques.front().modificateurs, [&](char code) {
+      const auto interdite = [&](char code) {
         const auto permises = activites.find(code);
         return permises != activites.end() && std::find(permises->second->begin(), permises->second->end(),
                                                         activite.code) == permises->second->end();
-      });
+      };
+      for (HistoriqueActivite& historique : activite.historiques) {
+        std::erase_if(historique.modificateurs, interdite);
+      }
     }
   }
 }

@@ -11,9 +11,51 @@ namespace noxlux::compilateur {
 
 namespace {
 
-// The histories of the sources before the listing's, then these, completed by what the sources told then.
+// What of an act the sources say otherwise than the listing that prints it.
+class Ecarts {
+ public:
+  void noter(const char* quoi, bool autre) {
+    if (autre && std::find(noms_.begin(), noms_.end(), ou_ + quoi) == noms_.end()) {
+      noms_.push_back(ou_ + quoi);
+    }
+  }
+  // The part of the act that follows is of: "activité 1, ".
+  void situer(std::string ou) { ou_ = std::move(ou); }
+  std::string texte() const {
+    std::string texte;
+    for (const std::string& nom : noms_) {
+      texte += (texte.empty() ? "" : " ; ") + nom;
+    }
+    return texte;
+  }
+
+ private:
+  std::string ou_;
+  std::vector<std::string> noms_;
+};
+
+void comparer(const HistoriqueActe& liste, const HistoriqueActe& dit, Ecarts& ecarts) {
+  ecarts.noter("admission au remboursement", liste.admission != dit.admission);
+  ecarts.noter("entente préalable", liste.ententePrealable != dit.ententePrealable);
+  ecarts.noter("exonérations", liste.exonerations != dit.exonerations);
+}
+void comparer(const HistoriqueActivite& liste, const HistoriqueActivite& dit, Ecarts& ecarts) {
+  const auto memeActe = [](const AssociationActe& a, const AssociationActe& b) { return a.acte == b.acte; };
+  ecarts.noter("code de regroupement", liste.regroupement != dit.regroupement);
+  ecarts.noter("modificateurs", !std::is_permutation(liste.modificateurs.begin(), liste.modificateurs.end(),
+                                                     dit.modificateurs.begin(), dit.modificateurs.end()));
+  ecarts.noter("actes associés",
+               !std::is_permutation(liste.associations.begin(), liste.associations.end(),
+                                    dit.associations.begin(), dit.associations.end(), memeActe));
+}
+void comparer(const HistoriquePhase& liste, const HistoriquePhase& dit, Ecarts& ecarts) {
+  ecarts.noter("prix", liste.prix != dit.prix);
+}
+
+// The histories of the sources before the listing's, then these, completed by what the sources told then;
+// then those that the sources tell of after it.
 template <class H, class F>
-void succeder(std::vector<H>& historiques, std::vector<H>& sources, F&& completer) {
+void succeder(std::vector<H>& historiques, std::vector<H>& sources, Ecarts& ecarts, F&& completer) {
   std::vector<H> nouveaux = std::move(historiques);
   historiques.clear();
   for (H& nouveau : nouveaux) {
@@ -25,11 +67,15 @@ void succeder(std::vector<H>& historiques, std::vector<H>& sources, F&& complete
     }
     if (courant != nullptr) {
       completer(nouveau, *courant);
+      comparer(nouveau, *courant, ecarts);
     }
   }
   std::copy_if(sources.begin(), sources.end(), std::back_inserter(historiques),
                [&](const H& ancien) { return ancien.effet < nouveaux.front().effet; });
+  const DateBrute derniere = nouveaux.back().effet;
   std::move(nouveaux.begin(), nouveaux.end(), std::back_inserter(historiques));
+  std::copy_if(sources.begin(), sources.end(), std::back_inserter(historiques),
+               [&](const H& ancien) { return derniere < ancien.effet; });
 }
 
 template <class E>
@@ -39,23 +85,34 @@ E* trouver(std::vector<E>& elements, char code) {
   return trouve == elements.end() ? nullptr : &*trouve;
 }
 
-void completerPhase(Phase& phase, Phase& source) {
+void completerPhase(Phase& phase, Phase& source, Ecarts& ecarts) {
   phase.nombreDents = source.nombreDents;
   phase.ageMinimum = source.ageMinimum;
   phase.ageMaximum = source.ageMaximum;
   phase.dentsIncompatibles = std::move(source.dentsIncompatibles);
-  succeder(phase.historiques, source.historiques,
+  succeder(phase.historiques, source.historiques, ecarts,
            [](HistoriquePhase& nouveau, const HistoriquePhase& courant) {
              nouveau.supplement = courant.supplement;
              nouveau.dom = courant.dom;
            });
 }
 
-void completerActivite(Activite& activite, Activite& source) {
+// The parts of an act that the listing does not print.
+template <class E>
+void direPartiesInconnues(const std::vector<E>& parties, std::vector<E>& liste, const char* quoi,
+                          Ecarts& ecarts) {
+  for (const E& partie : parties) {
+    ecarts.noter(phrase(quoi, std::string(1, partie.code)).c_str(), trouver(liste, partie.code) == nullptr);
+  }
+}
+
+void completerActivite(Activite& activite, Activite& source, Ecarts& ecarts) {
+  const std::string ou = phrase("activité ", std::string(1, activite.code), ", ");
+  ecarts.situer(ou);
   activite.agrementsRadio = std::move(source.agrementsRadio);
   activite.rmo = std::move(source.rmo);
   activite.extensions = std::move(source.extensions);
-  succeder(activite.historiques, source.historiques,
+  succeder(activite.historiques, source.historiques, ecarts,
            [](HistoriqueActivite& nouveau, const HistoriqueActivite& courant) {
              nouveau.classesSpecialite = courant.classesSpecialite;
              if (!courant.categorieMedicale.vue().empty()) {
@@ -64,12 +121,19 @@ void completerActivite(Activite& activite, Activite& source) {
            });
   for (Phase& phase : activite.phases) {
     if (Phase* const memePhase = trouver(source.phases, phase.code)) {
-      completerPhase(phase, *memePhase);
+      ecarts.situer(phrase(ou, "phase ", std::string(1, phase.code), ", "));
+      completerPhase(phase, *memePhase, ecarts);
     }
   }
+  ecarts.situer(ou);
+  direPartiesInconnues(source.phases, activite.phases, "phase ", ecarts);
 }
 
-void completerActe(Acte& acte, Acte& source) {
+void completerActe(Acte& acte, Acte& source, BilanImport& bilan) {
+  Ecarts ecarts;
+  ecarts.noter("libellé", acte.libelleLong != source.libelleLong);
+  ecarts.noter("notes", !source.notes.empty() && acte.notes != source.notes);
+  ecarts.noter("date de fin", !source.fin.estNulle() && !(acte.fin == source.fin));
   acte.libelleCourt = std::move(source.libelleCourt);
   acte.type = source.type;
   acte.conditions = std::move(source.conditions);
@@ -77,14 +141,21 @@ void completerActe(Acte& acte, Acte& source) {
   acte.creation = source.creation;
   acte.fraisDeplacement = source.fraisDeplacement;
   acte.naturesAssurance = std::move(source.naturesAssurance);
-  succeder(acte.historiques, source.historiques, [](HistoriqueActe& nouveau, const HistoriqueActe& courant) {
-    nouveau.procedures = courant.procedures;
-    nouveau.incompatibles = courant.incompatibles;
-  });
+  succeder(acte.historiques, source.historiques, ecarts,
+           [](HistoriqueActe& nouveau, const HistoriqueActe& courant) {
+             nouveau.procedures = courant.procedures;
+             nouveau.incompatibles = courant.incompatibles;
+           });
+  direPartiesInconnues(source.activites, acte.activites, "activité ", ecarts);
   for (Activite& activite : acte.activites) {
     if (Activite* const meme = trouver(source.activites, activite.code)) {
-      completerActivite(activite, *meme);
+      completerActivite(activite, *meme, ecarts);
     }
+  }
+  if (!ecarts.texte().empty()) {
+    bilan.prevenir(
+        "acte du complément dit autrement par la liste, qui l'emporte à sa date ([[correctif]] la mend)",
+        source.lieu, phrase(acte.code.vue(), " : ", ecarts.texte()));
   }
 }
 
@@ -205,10 +276,11 @@ void retirerObligationsOrphelines(Modele& modele, BilanImport& bilan) {
 
 }  // namespace
 
-void fusionnerListing(Modele&& liste, Modele& modele) {
+void fusionnerListing(Modele&& liste, Modele& modele, BilanImport& bilan) {
   fusionnerEntete(liste, modele);
   modele.menus = std::move(liste.menus);
-  fusionnerActes(liste.actes, modele.actes, completerActe);
+  fusionnerActes(liste.actes, modele.actes,
+                 [&](Acte& acte, Acte& source) { completerActe(acte, source, bilan); });
   fusionnerRegroupements(liste.regroupements, modele.regroupements);
 }
 

@@ -10,10 +10,10 @@
 namespace noxlux::compilateur {
 
 // Adds a listing to the model of the sources, with what they tell of its acts. The menu tree is the
-// listing's. Acts that both hold get the listing's values from its date on, and keep the rest of the
-// sources': earlier histories, ages, teeth, specialities. Of modifiers and grouping codes, the sources
-// prevail. `grille`: the tariff grid that modifiers take their values from.
-void fusionnerListing(Modele&& liste, Modele& modele);
+// listing's. Acts that both hold get the listing's values on its date, and keep the rest of the sources':
+// earlier and later histories, ages, teeth, specialities; what the sources say otherwise of what the listing
+// prints is told. Of modifiers and grouping codes, the sources prevail.
+void fusionnerListing(Modele&& liste, Modele& modele, BilanImport& bilan);
 
 // Puts a historised nomenclature in the place of what it holds itself of the sources: whole subjects, but
 // acts by code, code tables and concepts by number, and what is told of modifiers list by list. What is left

@@ -115,12 +115,17 @@ void cumulerModificateurs(const DateBrute& date, Modele& liste, Modele& cumul) {
 // What the first listing tells, from the creation of its acts on.
 class Anteriorite {
  public:
-  Anteriorite(const DateBrute& premiere, Modele& cumul, BilanImport& bilan)
-      : premiere_(premiere), cumul_(cumul), bilan_(bilan) {}
+  Anteriorite(const DateBrute& premiere, const Modele& sources, Modele& cumul, BilanImport& bilan)
+      : premiere_(premiere), cumul_(cumul), bilan_(bilan) {
+    for (const Acte& acte : sources.actes) {
+      dits_.insert(acte.code);
+    }
+  }
 
+  // The past of an act that the sources tell whole is theirs.
   void etendre() {
     for (Acte& acte : cumul_.actes) {
-      if (acte.creation < premiere_) {
+      if (acte.creation < premiere_ && !dits_.contains(acte.code)) {
         const DateBrute depuis = acte.creation;
         avancer(acte.historiques.front(), depuis);
         for (Activite& activite : acte.activites) {
@@ -159,6 +164,7 @@ class Anteriorite {
   DateBrute premiere_;
   Modele& cumul_;
   BilanImport& bilan_;
+  std::set<CodeActe> dits_;
   std::size_t prix_ = 0;
 };
 
@@ -334,7 +340,7 @@ bool importerListings(const DemandeListings& demande, char reglePleine, Modele& 
   completerActes(modele, premiere, cumul, bilan);
   repartirModificateurs(modele, cumul);
   if (demande.anteriorite) {
-    Anteriorite(premiere, cumul, bilan).etendre();
+    Anteriorite(premiere, modele, cumul, bilan).etendre();
   } else {
     // An act begins with what is told of it.
     for (Acte& acte : cumul.actes) {
@@ -342,7 +348,7 @@ bool importerListings(const DemandeListings& demande, char reglePleine, Modele& 
     }
   }
   choisirValeurs(demande.grille, cumul, modele, bilan);
-  fusionnerListing(std::move(cumul), modele);
+  fusionnerListing(std::move(cumul), modele, bilan);
   return true;
 }
 
