@@ -32,10 +32,18 @@ std::string verifierGrille(LectureDbf& lecture, unsigned grille) {
   return {};
 }
 
-// The date of the newest change of an act, an activity or a price.
-DateBrute derniereModification(const std::vector<Acte>& actes) {
+// The date of the newest change of an act, an activity, a price, a modifier or a threshold.
+DateBrute derniereModification(const Modele& base) {
   DateBrute derniere;
-  for (const Acte& acte : actes) {
+  for (const ModificateurActe& modificateur : base.modificateurs) {
+    for (const ForfaitEtTaux& valeur : modificateur.valeurs) {
+      derniere = std::max(derniere, valeur.debut);
+    }
+  }
+  for (const auto& seuil : base.seuils) {
+    derniere = std::max(derniere, seuil.debut);
+  }
+  for (const Acte& acte : base.actes) {
     derniere = std::max(derniere, dernierEffet(acte.historiques));
     for (const Activite& activite : acte.activites) {
       derniere = std::max(derniere, dernierEffet(activite.historiques));
@@ -47,11 +55,19 @@ DateBrute derniereModification(const std::vector<Acte>& actes) {
   return derniere;
 }
 
-// The tables tell no version of the database: the complement's stays.
+// The tables tell no version of the database: the day of its newest change is one that rises, two digits of
+// the year, then the month and the day as one digit or letter each ("2611" for 1 January 2026).
+std::string versionDuJour(const DateBrute& date) {
+  constexpr std::string_view CHIFFRES = "0123456789ABCDEFGHIJKLMNOPQRSTUV";
+  const unsigned annee = date.annee % 100;
+  return {CHIFFRES[annee / 10], CHIFFRES[annee % 10], CHIFFRES[date.mois % 32U], CHIFFRES[date.jour % 32U]};
+}
+
 Entete entete(const Modele& base, Grille grille, const std::string& libelle) {
   const std::string numero = std::to_string(grille.value_or(0) % 1000);
   Entete entete;
-  entete.date = derniereModification(base.actes);
+  entete.date = derniereModification(base);
+  entete.version = CodeFixe<4>(versionDuJour(entete.date));
   entete.variante = CodeFixe<10>("BASEDBF" + std::string(3 - numero.size(), '0') + numero);
   entete.commentaire = grille ? phrase("Base publique de la CCAM, grille ", std::to_string(*grille),
                                        libelle.empty() ? "" : " : ", libelle)

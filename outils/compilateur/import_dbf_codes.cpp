@@ -1,6 +1,10 @@
 // The labels of codes, the concepts and the grouping codes of the database.
 #include <algorithm>
+#include <array>
+#include <iterator>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "compilateur/etiquettes.h"
 #include "compilateur/lecture_dbf.h"
@@ -70,16 +74,58 @@ Concept assembler(std::uint16_t numero, const std::vector<ValeurDeConcept>& vale
   return resultat;
 }
 
+// What a published concept holds: values of one width, end to end, and which concepts of a reference they
+// serve. Exemption codes have numbers of their own there: each stands for one way of being exempt, where the
+// rules ask for all those that exempt likewise.
+struct ConceptPublie {
+  std::uint16_t numero;
+  std::size_t largeur;
+  std::array<std::uint16_t, 2> sert;
+};
+constexpr ConceptPublie CONCEPTS_PUBLIES[] = {{1, 1, {1}},   {2, 1, {2}},   {3, 2, {3}},       {4, 2, {4}},
+                                              {5, 2, {5}},   {6, 1, {6}},   {7, 1, {7}},       {8, 1, {8}},
+                                              {11, 1, {11}}, {12, 1, {12}}, {13, 1, {13, 23}}, {14, 1, {23}},
+                                              {15, 1, {16}}, {16, 1, {16}}, {17, 1, {14}},     {18, 1, {18}},
+                                              {19, 1, {19}}, {20, 1, {20}}, {21, 1, {21}},     {22, 1, {22}}};
+
+// The values of a published code: single characters may be padded with zeros to the width of the column.
+std::vector<std::string> decouper(std::string_view code, std::size_t largeur) {
+  constexpr std::size_t COLONNE = 10;
+  if (largeur == 1 && code.size() == COLONNE) {
+    code = code.substr(0, code.find_last_not_of('0') + 1);
+  }
+  std::vector<std::string> valeurs;
+  for (; !code.empty(); code.remove_prefix(std::min(largeur, code.size()))) {
+    valeurs.emplace_back(code.substr(0, largeur));
+  }
+  return valeurs;
+}
+
 void lireConcepts(LectureDbf& lecture, std::vector<Concept>& concepts) {
   std::map<std::uint16_t, std::vector<ValeurDeConcept>> valeurs;
   lecture.parcourir("R_TB20", {"DT_DEBUT", "DT_FIN", "CONCEPT", "CODE"}, [&](ChampsDbf& c) {
     auto valeur = c.periode<ValeurDeConcept>();
     const std::uint16_t numero = c.court(2);
-    valeur.code = c.code<10>(3).vue();
+    const CodeFixe<10> code = c.code<10>(3);
     if (!c.bons() || numero == 0) {
       return c.refuser("concept sans numéro");
     }
-    valeurs[numero].push_back(std::move(valeur));
+    const auto publie = std::find_if(std::begin(CONCEPTS_PUBLIES), std::end(CONCEPTS_PUBLIES),
+                                     [&](const ConceptPublie& connu) { return connu.numero == numero; });
+    if (publie == std::end(CONCEPTS_PUBLIES)) {
+      return c.refuser("concept dont aucune règle ne sait l'emploi");
+    }
+    for (const std::string& partie : decouper(code.vue(), publie->largeur)) {
+      if (partie.size() != publie->largeur) {
+        return c.refuser("concept dont les valeurs ne se découpent pas");
+      }
+      valeur.code = partie;
+      for (const std::uint16_t servi : publie->sert) {
+        if (servi != 0) {
+          valeurs[servi].push_back(valeur);
+        }
+      }
+    }
     return true;
   });
   for (const auto& [numero, deConcept] : valeurs) {

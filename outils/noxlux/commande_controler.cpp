@@ -155,24 +155,37 @@ void direLeCompte(const CompteLot& compte, double duree) {
             << " factures/s\n";
 }
 
+// Those that each process of a batch by profiles takes too.
+std::vector<std::string> optionsDUnLot(const OptionsControler& options) {
+  std::vector<std::string> siennes;
+  if (options.detail || options.expliquer) {
+    siennes.emplace_back(options.expliquer ? "--expliquer" : "--detail");
+  }
+  if (!options.reference.modification.empty()) {
+    siennes.insert(siennes.end(), {"--modifications", options.reference.modification});
+  }
+  return siennes;
+}
+
 int controlerLot(const OptionsControler& options) {
   const std::vector<std::string> fichiers =
       options.fichiers.empty() ? std::vector<std::string>{"-"} : options.fichiers;
-  const Profils profils(options.reference.reference);
-  if (profils.existent()) {
-    if (options.duLot.csv || !options.duLot.rapport.empty() || options.duLot.taches > 1) {
-      throw ErreurUsage(
-          "--csv, --rapport et --taches demandent une référence, et non un répertoire de profils");
-    }
-    return controlerParProfils(profils, fichiers,
-                               options.expliquer ? std::vector<std::string>{"--expliquer"}
-                               : options.detail  ? std::vector<std::string>{"--detail"}
-                                                 : std::vector<std::string>());
-  }
   LectureLot lecture(fichiers);
-  const Bibliotheque bibliotheque(options.reference);
   OptionsLot lot = options.duLot;
   lot.detail = options.combien(Detail::VERDICT);
+  const Profils profils(options.reference.reference);
+  std::unique_ptr<ControleParProfils> parProfils;
+  std::unique_ptr<Bibliotheque> bibliotheque;
+  if (profils.existent()) {
+    if (lot.taches > 1) {
+      throw ErreurUsage(
+          "--taches demande une référence, et non un répertoire de profils : chacun a déjà son processus");
+    }
+    parProfils = std::make_unique<ControleParProfils>(profils, optionsDUnLot(options));
+    lot.profils = parProfils.get();
+  } else {
+    bibliotheque = std::make_unique<Bibliotheque>(options.reference);
+  }
   const auto debut = std::chrono::steady_clock::now();
   const CompteLot compte = controlerLesFactures(lecture, lot);
   direLeCompte(compte, std::chrono::duration<double>(std::chrono::steady_clock::now() - debut).count());

@@ -108,7 +108,7 @@ void listerModifications(const OptionsModifications& options) {
   const std::string refus = present ? direRefus(options.reference) : "";
   const std::vector<std::string> restes = direRestes(options.reference.repertoireModification());
   if (options.json) {
-    resultat.update({{"mis de cote", !misDeCote.empty()}, {"refus", refus}, {"restes", restes}});
+    resultat.update({{"misDeCote", !misDeCote.empty()}, {"refus", refus}, {"restes", restes}});
     ecrireJsonCamel(resultat);
     return;
   }

@@ -18,14 +18,15 @@ namespace noxlux::commande {
 
 namespace {
 
-Json repondre(FactureLue& lue, Detail detail) {
+Json repondre(FactureLue& lue, const OptionsLot& options) {
   Json reponse;
   try {
     lue.lire();
     if (!lue.faute.empty()) {
       throw ErreurUsage(lue.faute);
     }
-    return controlerFacture(lue.facture, detail);
+    return options.profils != nullptr ? options.profils->repondre(lue.facture)
+                                      : controlerFacture(lue.facture, options.detail);
   } catch (const ErreurBibliotheque& erreur) {
     reponse = erreur.enJson();
   } catch (const ErreurUsage& erreur) {
@@ -87,7 +88,7 @@ class ControleEnOrdre final : public ControleLot {
  public:
   ControleEnOrdre(const OptionsLot& options, SortieLot& sortie) : options_(options), sortie_(sortie) {}
   void prendre(FactureLue lue) override {
-    const Json reponse = repondre(lue, options_.detail);
+    const Json reponse = repondre(lue, options_);
     sortie_.prendre(lue.facture, reponse, lue.fichier);
   }
   void finir() override {}
@@ -143,7 +144,7 @@ class ControleEnTaches final : public ControleLot {
   }
   std::string repondreA(std::string_view demande) const {
     FactureLue lue = factureDe(demande);
-    const Json reponse = repondre(lue, options_.detail);
+    const Json reponse = repondre(lue, options_);
     return presenter(lue, reponse);
   }
   std::string excuser(std::string_view demande, const std::string& fin) const {

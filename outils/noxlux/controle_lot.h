@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "noxlux/controle_par_profils.h"
 #include "noxlux/facture_json.h"
 #include "noxlux/lot.h"
 
@@ -14,6 +15,8 @@ struct OptionsLot {
   bool csv = false;     // a line of CSV an error, in place of the answers
   std::string rapport;  // the page of HTML to write; empty: none
   unsigned taches = 1;  // processes
+  ControleParProfils* profils =
+      nullptr;  // by whom they are checked, where not by the library of this process
 };
 
 struct CompteLot {
@@ -39,7 +42,8 @@ struct CompteLot {
   static constexpr char IMPOSSIBLE = 'I';
 };
 
-// Writes the answers on the standard output, in the order of the invoices. REQUIRES: a library is loaded
+// Writes the answers on the standard output, in the order of the invoices. REQUIRES: a library is loaded, or
+// there are profiles and one process
 CompteLot controlerLesFactures(LectureLot& lecture, const OptionsLot& options);
 
 }  // namespace noxlux::commande

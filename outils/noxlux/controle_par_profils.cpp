@@ -4,24 +4,25 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <iostream>
-#include <map>
-#include <memory>
 
-#include "noxlux/erreurs.h"
-#include "noxlux/facture_json.h"
+#include "noxlux/bibliotheque.h"
+#include "noxlux/mises_de_cote.h"
 
 namespace noxlux::commande {
 
 namespace {
 
 constexpr const char* CETTE_COMMANDE = "/proc/self/exe";
+constexpr std::string_view OPTION_MODIFICATIONS = "--modifications";
+
+}  // namespace
 
 // A batch check in a process of its own: an invoice in, its answer out.
-class Controleur {
+class ControleParProfils::Controleur {
  public:
   Controleur(const std::string& reference, const std::vector<std::string>& options) : reference_(reference) {
     int entree[2];
@@ -37,6 +38,7 @@ class Controleur {
       dup2(fileno(messages_.get()), STDERR_FILENO);
       executer(options);
     }
+    direSesChangements(options);
     close(entree[0]);
     close(sortie[1]);
     versLui_.reset(fdopen(entree[1], "w"));
@@ -75,6 +77,18 @@ class Controleur {
   };
   using Fichier = std::unique_ptr<std::FILE, Fermeture>;
 
+  // What it would say on its own standard error, which is read when it stops.
+  void direSesChangements(const std::vector<std::string>& options) const {
+    OptionsReference sienne;
+    sienne.reference = reference_;
+    const auto ailleurs = std::find(options.begin(), options.end(), OPTION_MODIFICATIONS);
+    sienne.modification = ailleurs == options.end() ? "" : *(ailleurs + 1);
+    const std::string misDeCote = direMiseDeCote(sienne);
+    if (!misDeCote.empty()) {
+      std::cerr << "noxlux : " << misDeCote << ".\n";
+    }
+  }
+
   [[noreturn]] void executer(const std::vector<std::string>& options) const {
     std::vector<std::string> textes{"noxlux", "controler", "--lot", "--reference", reference_};
     textes.insert(textes.end(), options.begin(), options.end());
@@ -103,61 +117,20 @@ class Controleur {
   pid_t processus_ = -1;
 };
 
-class Lot {
- public:
-  Lot(const Profils& profils, const std::vector<std::string>& options)
-      : profils_(profils), options_(options) {}
-
-  void controler(std::istream& entree) {
-    for (std::string ligne; std::getline(entree, ligne);) {
-      if (ligne.find_first_not_of(" \t\r") != std::string::npos) {
-        std::cout << repondre(ligne) << '\n';
-      }
-    }
-  }
-  bool tousControles() const { return tousControles_; }
-
- private:
-  std::string repondre(const std::string& ligne) {
-    std::string reponse;
-    try {
-      const std::string reference = profils_.referencePour(lireFacture(ligne, "$"));
-      std::unique_ptr<Controleur>& controleur = controleurs_[reference];
-      if (controleur == nullptr) {
-        controleur = std::make_unique<Controleur>(reference, options_);
-      }
-      reponse = controleur->repondre(ligne);
-    } catch (const ErreurUsage& erreur) {
-      reponse = Json{{"code", nullptr}, {"erreur", erreur.what()}}.dump(-1, ' ', false,
-                                                                        Json::error_handler_t::replace);
-    }
-    tousControles_ = tousControles_ && !Json::parse(reponse).contains("erreur");
-    return reponse;
-  }
-
-  const Profils& profils_;
-  const std::vector<std::string>& options_;
-  std::map<std::string, std::unique_ptr<Controleur>> controleurs_;
-  bool tousControles_ = true;
-};
-
-}  // namespace
-
-int controlerParProfils(const Profils& profils, const std::vector<std::string>& fichiers,
-                        const std::vector<std::string>& options) {
+ControleParProfils::ControleParProfils(const Profils& profils, std::vector<std::string> options)
+    : profils_(profils), options_(std::move(options)) {
   std::signal(SIGPIPE, SIG_IGN);  // NOLINT: a check that stops is told by its answer
-  Lot lot(profils, options);
-  for (const std::string& nom : fichiers.empty() ? std::vector<std::string>{"-"} : fichiers) {
-    std::ifstream fichier(nom);
-    if (nom != "-" && !fichier) {
-      throw ErreurUsage("fichier illisible : " + nom);
-    }
-    lot.controler(nom == "-" ? std::cin : fichier);
+}
+
+ControleParProfils::~ControleParProfils() = default;
+
+Json ControleParProfils::repondre(const Json& facture) {
+  const std::string reference = profils_.referencePour(facture);
+  std::unique_ptr<Controleur>& controleur = controleurs_[reference];
+  if (controleur == nullptr) {
+    controleur = std::make_unique<Controleur>(reference, options_);
   }
-  if (!std::cout.flush()) {
-    throw ErreurUsage("écriture impossible sur la sortie standard");
-  }
-  return lot.tousControles() ? STATUT_REPONDU : STATUT_CODE_ERREUR;
+  return Json::parse(controleur->repondre(facture.dump(-1, ' ', false, Json::error_handler_t::replace)));
 }
 
 }  // namespace noxlux::commande

@@ -3,6 +3,8 @@
 #ifndef NOXLUX_COMMANDE_CONTROLE_PAR_PROFILS_H
 #define NOXLUX_COMMANDE_CONTROLE_PAR_PROFILS_H
 
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -10,10 +12,22 @@
 
 namespace noxlux::commande {
 
-// Checks the invoices of files, one a line, each profile in a process of its own; a file "-" is the standard
-// input. `options` are those of a batch but the reference. Answers the status of the command.
-int controlerParProfils(const Profils& profils, const std::vector<std::string>& fichiers,
-                        const std::vector<std::string>& options);
+class ControleParProfils {
+ public:
+  // `options` are those of a batch but the reference.
+  ControleParProfils(const Profils& profils, std::vector<std::string> options);
+  ~ControleParProfils();
+
+  // The answer to an invoice, by the process of its profile. Throws ErreurUsage when the speciality has no
+  // profile, or a process stops.
+  Json repondre(const Json& facture);
+
+ private:
+  class Controleur;
+  const Profils& profils_;
+  std::vector<std::string> options_;
+  std::map<std::string, std::unique_ptr<Controleur>> controleurs_;  // by reference
+};
 
 }  // namespace noxlux::commande
 

@@ -148,7 +148,7 @@ class Reglementation final : public Regles {
                             const Code& procedure, Constat& constat);
   CodeRetour estIncompatible(const Code& acte1, const Code& acte2, const Date& date, bool& incompatible);
   CodeRetour lireEnSus(const AssociationCCAM& association, const RelationsActes& relations,
-                       std::vector<bool>& enSus);
+                       std::vector<bool>& enSus, bool& lesDeux);
   CodeRetour gardeLePrixPlein(const LigneCCAM& ligne, bool& plein);
   CodeRetour lireToutesLesRelations(RelationsActes& relations);
   static bool appellentUnCode(const RelationsActes& relations, std::size_t i, std::size_t j);

@@ -3,7 +3,7 @@
 // Two acts are planned together when one lists the other. Two that are not are each to carry an
 // unforeseen-association code. Complementary acts are billed on top of an act that plans them: they ask no
 // code of the others, and carry none unless those do; they may then carry one that keeps their price in full,
-// as supplements may.
+// as supplements may. An act with both a complementary act and a supplement may carry one too.
 #include <algorithm>
 
 #include "regles/reglementation.h"
@@ -156,8 +156,9 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
     return false;
   };
   std::vector<bool> enSus;
+  bool lesDeux = false;
   if (cr == NOX_CR_OK) {
-    cr = lireEnSus(association, relations, enSus);
+    cr = lireEnSus(association, relations, enSus, lesDeux);
   }
   const bool autresCodees = sontCodees(lignes, enSus);
   for (std::size_t i = 0; i < lignes.size() && cr == NOX_CR_OK && !constat.estLeve(); ++i) {
@@ -165,7 +166,7 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
       continue;
     }
     bool plein = false;
-    if (enSus[i] && autresCodees) {
+    if (enSus[i] ? autresCodees : lesDeux) {
       cr = gardeLePrixPlein(*lignes[i], plein);
     }
     if (cr == NOX_CR_OK && !plein) {
@@ -178,14 +179,22 @@ CodeRetour Reglementation::appliquerProd648(const AssociationCCAM& association, 
   return cr;
 }
 
-// Which lines come on top of the others: complementary acts and supplements.
+// Which lines come on top of the others: complementary acts and supplements; whether there are both.
 CodeRetour Reglementation::lireEnSus(const AssociationCCAM& association, const RelationsActes& relations,
-                                     std::vector<bool>& enSus) {
+                                     std::vector<bool>& enSus, bool& lesDeux) {
   ListeCodes supplements;
   const CodeRetour cr = lireConceptFacultatif(lecture(), CONCEPT_SUPPLEMENTS, *association.date, supplements);
+  bool complement = false;
+  bool supplement = false;
   for (std::size_t i = 0; i < association.lignes.size(); ++i) {
-    enSus.push_back(relations.estComplementaire(i) || supplements.contient(association.lignes[i]->acte));
+    // A supplement may be of the type of complementary acts too.
+    const bool estSupplement = supplements.contient(association.lignes[i]->acte);
+    const bool estComplement = !estSupplement && relations.estComplementaire(i);
+    enSus.push_back(estSupplement || estComplement);
+    supplement = supplement || estSupplement;
+    complement = complement || estComplement;
   }
+  lesDeux = complement && supplement;
   return cr;
 }
 

@@ -93,8 +93,9 @@ TABLES = {
     "R_TB15": [("K", D05, "", "7")],
     "R_TB17": [("K", "004", D12)],
     "R_TB19": [(D05, "20161231", 2), ("20170101", "", 4)],
-    # Each value has its own period.
-    "R_TB20": [("19", "1", D05, ""), ("19", "2", D12, ""), ("19", "3", D05, "20161231"), ("4", "07", D05, "")],
+    # Each value has its own period; values stand end to end, padded with zeros, and one number a way of being exempt.
+    "R_TB20": [("19", "1", D05, ""), ("19", "2", D12, ""), ("19", "3", D05, "20161231"), ("4", "0708", D05, ""), ("02", "01", D05, ""),
+               *((str(n), f"{code}000000000", D05, "") for n, code in ((13, 1), (14, 2), (15, 3), (16, 4), (17, 7)))],
     "R_TB23": [(1, "Grille une", ""), (2, "Grille été", ""), (3, "Grille trois", "")],
     "R_REGROUPEMENT": [("ADC", "Chirurgie"), ("ADI", "Imagerie"), ("ADA", "Anesthésie")],
     "R_ACTIVITE": [("1", "Geste"), ("4", "Anesthésie de la base")],
@@ -303,6 +304,8 @@ MAUVAIS_ENREGISTREMENTS = [
     (changer("R_TB06", ("K", D05, "", "S", 1, "A", 2)), "R_TB06 : unité d'âge inconnue", 1),
     (changer("R_TB17", ("K", "077", D05)), "la spécialité … est inconnue", 1),
     (changer("R_TB20", ("ABC", "1", D05, "")), "R_TB20 : nombre illisible", 1),
+    (changer("R_TB20", ("04", "070", D05, "")), "concept dont les valeurs ne se découpent pas", 1),
+    (changer("R_TB20", ("09", "1", D05, "")), "concept dont aucune règle ne sait l'emploi", 1),
     (changer("R_NOTE_MENU", (99, 1, 1, "x")), "R_NOTE_MENU : menu inconnu", 1),
     (oter("R_TB17"), "obligation de codage du complément retirée", 0),
 ]
@@ -334,7 +337,21 @@ def verifier_questions(compte, base, quoi):
 
 
 def verifier_regles(compte, base):
-    """The tariff rule of an association, which no consultation tells."""
+    """What no consultation tells: the concepts that the rules read, the tariff rule of an association."""
+    def table(numero):
+        lu = subprocess.run([COMMANDE, "lister", base.sortie, numero, "--json"], capture_output=True, check=True).stdout
+        return json.loads(lu)
+
+    def plage(lignes, p):
+        return lignes[p["premiere"]:p["premiere"] + p["nombre"]]
+
+    concepts, historiques, valeurs = (table(numero) for numero in ("019", "020", "021"))
+    lus = {n + 1: [next(iter(v.values())) for h in plage(historiques, next(iter(c.values())))
+                   for v in plage(valeurs, next(p for p in h.values() if isinstance(p, dict)))] for n, c in enumerate(concepts)}
+    compte.verifier("concepts", {n: sorted(lus[n]) for n in (2, 4, 13, 14, 16, 23)},
+                    {2: ["0", "1"], 4: ["07", "08"], 13: ["1"], 14: ["7"], 16: ["3", "4"], 23: ["1", "2"]})
+    entete = json.loads(subprocess.run([COMMANDE, "lister", base.sortie, "--json"], capture_output=True, check=True).stdout)["entete"]
+    compte.verifier("the version is the day of the newest change", (entete["versionReferentiel"], entete["date"]), ("2011", "20200101"))
     acte_lu = json.loads(subprocess.run([COMMANDE, "lister", base.sortie, A, "--json"], capture_output=True, check=True).stdout)
     regles = {h["effet"]: h["associations"] for h in acte_lu["activite"][0]["historique"]}
     compte.verifier("rules of an association", regles, {

@@ -186,6 +186,16 @@ def verifier_faits(compte, reference, regroupements, modificateurs):
     exemples = {code: cle for cle, code in regroupements.items() if code in attendus}
     lus = {code: reference.champs("CCAM_42", *cle)[0][1] for code, cle in exemples.items()}
     compte.verifier("labels of grouping codes", ecarts(lus, {c: attendus[c] for c in lus}), [])
+    # A label is shorter than what is told of the code: its words are among those, and it denies where they do.
+    sens = {f["code"]: f["sens"] for f in faits("exonerations.csv")}
+    libelles = {code.strip(): libelle for a in actes for code, libelle in reference.champs("CCAM_25", a)}
+    compte.verifier("exemption codes met", set(libelles) & set(sens) if sens else set(), set(libelles) if sens else set())
+    compte.verifier("labels of exemption codes", [(c, l) for c, l in libelles.items() if c in sens and (
+        {m[:5] for m in mots(l) if len(m) > 4} - {m[:5] for m in mots(sens[c])} or nie(l) != nie(sens[c]))], [])
+
+
+def nie(texte):
+    return re.search(r"\bn'|\b(ne|pas|sans|jamais)\b", texte.lower()) is not None
 
 
 def enregistrements(texte, changer):

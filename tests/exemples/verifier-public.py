@@ -88,8 +88,12 @@ def verifier_factures(compte, profils):
     cas = list(csv.DictReader(lignes, delimiter=";"))
     codes = regroupements()
     entree = "".join(json.dumps(facture(c, codes)) + "\n" for c in cas)
-    reponses = lancer("controler", "--lot", "--detail", "--reference", profils, entree=entree).stdout.splitlines()
+    page = profils / "rapport.html"
+    reponses = lancer("controler", "--lot", "--detail", "--rapport", page, "--reference", profils, entree=entree).stdout.splitlines()
     compte.verifier("as many answers as invoices", len(reponses), len(cas))
+    erreurs = lancer("controler", "--csv", "--reference", profils, entree=entree).stdout.splitlines()[1:]
+    compte.verifier("errors as CSV", len(erreurs), sum(len(json.loads(r).get("erreurs", ())) for r in reponses))
+    compte.verifier("report over all profiles", [dit for dit in ("R793", "HHFA016", "QZJA002") if dit not in page.read_text()], [])
     for attendu, texte in zip(cas, reponses):
         reponse = json.loads(texte)
         erreurs = sorted(e["reference"] for e in reponse.get("erreurs", [reponse.get("erreur")]))
@@ -133,6 +137,7 @@ def verifier_listes(compte, dossier):
     compte.verifier("life of an act that is gone", vie(deux, "HHFA901"), ("2005-03-01", "2025-12-31"))
     compte.verifier("life of an act that is new", vie(deux, "HHFA001"), ("2026-01-01", None))
     compte.verifier("an act of both, before them", montant(deux, "HHFA001", "2025-12-31"), None)
+    verifier_acte_entier(compte, dossier, deux)
     sans = dossier / "sans"
     compiler(sans, "--listing", LISTING, "--sans-anteriorite")
     compte.verifier("nothing is assumed", [montant(sans, "HHFA016", d) for d in ("2025-12-31", "2026-01-01")],
@@ -143,6 +148,42 @@ def verifier_listes(compte, dossier):
     compte.verifier("versions of the references rise", "0121" <= versions[0] < versions[1], True)
     changements = json.loads(lancer("comparer", un, deux, "--json").stdout)
     compte.verifier("acts that came", [c["acte"] for c in changements["actesAjoutes"]], ["HHFA001"])
+
+
+ACTE_ENTIER = """[[acte]]
+code = "HHFA016"
+libelle_court = "Appendicectomie"
+libelle_long = "Appendicectomie du cabinet"
+type = "0"
+menu = 1
+creation = 2005-03-25
+frais_deplacement = "N"
+natures_assurance = ["AS"]
+[[acte.historique]]
+effet = 2005-03-25
+admission = "1"
+exonerations = ["1"]
+[[acte.activite]]
+code = "1"
+[[acte.activite.historique]]
+effet = 2005-03-25
+regroupement = "ADC"
+categorie_medicale = "02"
+classes_specialite = ["04"]
+[[acte.activite.phase]]
+code = "0"
+historique = [{ effet = 2010-01-01, prix = 100.0 }, { effet = 2026-07-01, prix = 200.0 }]
+"""
+
+
+def verifier_acte_entier(compte, dossier, reference):
+    """A source that tells a whole act of the listings: its past and its future stay, what it says otherwise is told."""
+    (dossier / "acte.toml").write_text(ACTE_ENTIER, encoding="utf-8")
+    fini = compiler(reference, "--listing", LISTING, "--complement", dossier / "acte.toml", "--verbeux")
+    compte.verifier("a whole act of a source", (fini.returncode, fini.stderr), (0, ""))
+    compte.verifier("what it says otherwise", [dit for dit in ("HHFA016 : ", "libellé", "activité 1, modificateurs", "activité 1, phase 0, prix")
+                                               if dit not in fini.stdout], [])
+    compte.verifier("its prices", [montant(reference, "HHFA016", d) for d in ("2012-01-01", JOUR, "2026-07-01")], [100.0, 195.84, 200.0])
 
 
 def main():

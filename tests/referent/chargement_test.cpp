@@ -175,7 +175,7 @@ TEST_F(Chargement, controlesEntreTables) {
       {[](Reference& r) { r.lignes<Seuil>().clear(); }, 0},
   };
   for (const auto& cas : CAS) {
-    reference_.lignes<Seuil>()[0].dateDebut = debut;
+    reference_ = Reference();
     cas.defaut(reference_);
     EXPECT_EQ(ecrireEtCharger(), cas.cr) << &cas - CAS;
   }
@@ -233,7 +233,7 @@ TEST_F(Chargement, modifications) {
 
   // One that the reference refuses is named; the file can be read all the same, to be mended.
   repertoire_.ecrire("modifref.nox", sauve);
-  const DateBrute debut = std::exchange(reference_.lignes<Seuil>()[0].dateDebut, DateBrute{2027, 1, 1});
+  reference_.lignes<Seuil>()[0].dateDebut = {2027, 1, 1};
   EXPECT_EQ(ecrireEtCharger(), NOX_CR_DATE_EFFET);
   EXPECT_EQ(referentiel_->refus, "table 039, ligne 1, position seuil 1, date d'effet 2026/01/01");
   reference_ = Reference();

