@@ -160,7 +160,8 @@ void direModifications(const std::string& sortie) {
   const std::string misDeCote = direMiseDeCote((dossier / "tablebin.nox").string(), dossier.string());
   OptionsReference reference;
   reference.reference = sortie;
-  const std::string refus = misDeCote.empty() ? direRefus(reference) : misDeCote;
+  std::string refus = misDeCote.empty() ? direRefus(reference) : misDeCote;
+  refus = refus.empty() ? direActesRefuses(reference) : refus;
   std::cout << "à savoir : "
             << (refus.empty() ? (dossier / "modifref.nox").string() +
                                     " est là : ses changements restent, sur cette référence"

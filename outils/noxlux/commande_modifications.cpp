@@ -105,7 +105,8 @@ void listerModifications(const OptionsModifications& options) {
     resultat = lire(chemin, *fichier);
   }
   const std::string misDeCote = present ? direMiseDeCote(options.reference) : "";
-  const std::string refus = present ? direRefus(options.reference) : "";
+  std::string refus = present ? direRefus(options.reference) : "";
+  refus = present && refus.empty() ? direActesRefuses(options.reference) : refus;
   const std::vector<std::string> restes = direRestes(options.reference.repertoireModification());
   if (options.json) {
     resultat.update({{"misDeCote", !misDeCote.empty()}, {"refus", refus}, {"restes", restes}});

@@ -1,12 +1,14 @@
 #include "noxlux/mises_de_cote.h"
 
 #include <filesystem>
+#include <set>
 
 #include "compilateur/transcodage.h"
 #include "fichier/fichier_ouvert.h"
 #include "fichier/lecteur.h"
 #include "noxlux/bibliotheque.h"
 #include "noxlux/changements_sauves.h"
+#include "referent/lecture_donnees.h"
 #include "referent/referentiel.h"
 
 namespace noxlux::commande {
@@ -51,6 +53,36 @@ std::string direRefus(const OptionsReference& options) {
   }
   return "la référence refuse un changement de " + options.repertoireModification() +
          NOM_FICHIER_MODIFICATION + " : " + referentiel.refus;
+}
+
+std::string direActesRefuses(const OptionsReference& options) {
+  Referentiel referentiel;
+  if (chargerSansRefaire(options, referentiel) != NOX_CR_OK ||
+      referentiel.appliquerModifications() != NOX_CR_OK) {
+    return {};
+  }
+  std::set<CodeActe> actes;
+  const auto relever = [&](const auto& lignes) {
+    for (const auto& ligne : lignes) {
+      actes.insert(ligne.acte);
+    }
+  };
+  relever(referentiel.lignes<ModificationPrixUnitaire>());
+  relever(referentiel.lignes<ModificationSupplementCharge>());
+  relever(referentiel.lignes<ModificationMajorationDOM>());
+  relever(referentiel.lignes<ModificationCodeRegroupement>());
+  LectureDonnees lecture(&referentiel);
+  std::string refuses;
+  for (const CodeActe& acte : actes) {
+    Code type;
+    const CodeRetour cr = lecture.rechercherTypeActe(Code(std::string(acte.vue())), type);
+    if (cr != NOX_CR_OK) {
+      refuses += (refuses.empty() ? "" : ", ") + versUtf8(acte.vue()) + " (" + hexadecimal(cr) + ")";
+    }
+  }
+  return refuses.empty() ? refuses
+                         : "la référence refuse les changements d'actes de " +
+                               options.repertoireModification() + NOM_FICHIER_MODIFICATION + " : " + refuses;
 }
 
 Exclusivite::Exclusivite(const std::string& repertoire) : verrou_(repertoire, ATTENTE) {

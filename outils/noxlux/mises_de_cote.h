@@ -19,8 +19,11 @@ struct OptionsReference;
 std::string direMiseDeCote(const std::string& fichierReference, const std::string& repertoireModification);
 std::string direMiseDeCote(const OptionsReference& options);
 
-// Whether both files can be read and a saved change is refused: which one, in a sentence; "" otherwise.
+// Whether both files can be read and a saved change keeps the library from starting: which one, in a sentence
+// without final stop; "" otherwise.
 std::string direRefus(const OptionsReference& options);
+// The same of the acts that their saved changes keep from being answered.
+std::string direActesRefuses(const OptionsReference& options);
 
 // The lock of the modification directory, for the length of a change: what is loaded is what is saved over.
 class Exclusivite {

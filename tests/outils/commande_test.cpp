@@ -125,9 +125,16 @@ TEST(Commande, ReporteLesChangements) {
   verifier(compiler(), 0, "table 040, ligne 1, code modificateur K");
   verifier("consulter TB13_1" + ici, 1, "table 040, ligne 1, code modificateur K");
   verifier("reporter --essai" + ici, 1, "TB11_2 modificateur=K coefficient=1.250 au 01/02/2026 : 0xD004");
+  verifier("reporter --essai" + ici, 1, "refaits : 1 ; inutiles : 2");
   verifier("annuler TB11 modificateur=A" + ici, 1, "0xD005");
   verifier("annuler TB11 modificateur=K" + ici, 0, "accepte maintenant");
   verifier("consulter TB07_1 caisse=971 -d 2026-02-01" + ici, 0, "130,00");
+
+  verifier("modifier CCAM_37 acte=HHFA001 activite=1 phase=0 montant=180 -e 2026-02-01" + ici, 0, "180,00");
+  remplacer("actes_appareil_digestif.toml", "effet = 2024-12-22\nprix = 176.79",
+            "effet = 2026-03-01\nprix = 176.79");
+  verifier(compiler(), 0, "HHFA001 (0xD004)");
+  verifier("annuler CCAM_37 acte=HHFA001 activite=1 phase=0 -d 2026-04-01" + ici, 0, "176,79");
 
   remplacer("entete.toml", "version = \"0121\"", "version = \"0122\"");
   verifier(compiler(), 0, "mis de c");
@@ -138,7 +145,7 @@ TEST(Commande, ReporteLesChangements) {
   dossier.ecrire("modiftmp.nox", "0");
   verifier("modifications" + ici, 0, "modiftmp.nox : reste");
   fs::remove(dossier.chemin() / "modiftmp.nox");
-  verifier("reporter" + ici, 0, "refaits : 1 ; inutiles : 1");
+  verifier("reporter" + ici, 0, "refaits : 1 ; inutiles : 0");
   verifier("consulter TB07_1 caisse=971 -d 2026-02-01" + ici, 0, "130,00");
   EXPECT_TRUE(fs::exists(dossier.chemin() / "modifref-0121.nox"));
 }
