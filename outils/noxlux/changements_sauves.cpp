@@ -17,9 +17,9 @@ namespace {
 
 using namespace noxlux::compilateur;
 
-constexpr ChampSauve ACTE{"acte", "code acte"};
-constexpr ChampSauve ACTIVITE{"activite", "code activite"};
-constexpr ChampSauve PHASE{"phase", "code phase"};
+constexpr ChampSauve ACTE{"acte", "acte"};
+constexpr ChampSauve ACTIVITE{"activite", "activite"};
+constexpr ChampSauve PHASE{"phase", "phase"};
 constexpr const char* CAISSE = "caisse";
 constexpr unsigned CAISSE_POSITION_ZERO = 970;  // 971 names the first position of increases and thresholds
 
@@ -28,47 +28,47 @@ constexpr TableChangements TABLES[] = {
      "nouveau code de regroupement",
      "TB13_1",
      {},
-     {{{"TB13_1", {{{"regroupement", "code regroupement"}, {"libelle", "libelle"}}}}}}},
+     {{{"TB13_1", {{{"regroupement", "code"}, {"libelle", "libelle"}}}}}}},
     {ModificationPrixUnitaire::IDENTIFIANT,
      "prix unitaire",
      "CCAM_37",
      {{ACTE, ACTIVITE, PHASE}},
-     {{{"CCAM_37", {{{"montant", "prix unitaire"}}}}}}},
+     {{{"CCAM_37", {{{"montant", "prix"}}}}}}},
     {ModificationSupplementCharge::IDENTIFIANT,
      "supplément de charges",
      "CCAM_39",
      {{ACTE, ACTIVITE, PHASE}},
-     {{{"CCAM_39", {{{"montant", "supplement de charges"}}}}}}},
+     {{{"CCAM_39", {{{"montant", "supplement"}}}}}}},
     {ModificationMajorationDOM::IDENTIFIANT,
      "majoration d'outre-mer",
      "CCAM_47a",
-     {{{CAISSE, "position DOM"}, ACTE, ACTIVITE, PHASE}},
-     {{{"CCAM_47a", {{{"coefficient", "majoration DOM"}}}}}}},
+     {{{CAISSE, "position"}, ACTE, ACTIVITE, PHASE}},
+     {{{"CCAM_47a", {{{"coefficient", "dom"}}}}}}},
     {ModificationRegleAssociationNonPrevue::IDENTIFIANT,
      "association non prévue",
      "TB02_1",
-     {{{"association", "code association non prevue"}}},
+     {{{"association", "code"}}},
      {{{"TB02_1", {{{"coefficient", "coefficient"}}}}}}},
     {ModificationSeuil::IDENTIFIANT,
      "seuil d'exonération",
      "TB07_1",
-     {{{CAISSE, "position seuil"}}},
+     {{{CAISSE, "position"}}},
      {{{"TB07_1", {{{"montant", "seuil"}}}}}}},
     {ModificationModificateur::IDENTIFIANT,
      "valeur de modificateur",
      "TB11",
-     {{{"modificateur", "code modificateur"}}},
-     {{{"TB11_1", {{{"montant", "forfait"}}}}, {"TB11_2", {{{"coefficient", "taux"}}}}}}},
+     {{{"modificateur", "code"}}},
+     {{{"TB11_1", {{{"montant", "forfait"}}}}, {"TB11_2", {{{"coefficient", "coefficient"}}}}}}},
     {ModificationNonConventionne::IDENTIFIANT,
      "praticien non conventionné",
      "TB12",
      {},
-     {{{"TB12_1", {{{"montant", "forfait"}}}}, {"TB12_2", {{{"coefficient", "taux"}}}}}}},
+     {{{"TB12_1", {{{"montant", "forfait"}}}}, {"TB12_2", {{{"coefficient", "coefficient"}}}}}}},
     {ModificationCodeRegroupement::IDENTIFIANT,
      "code de regroupement d'un acte",
      "CCAM_42",
      {{ACTE, ACTIVITE}},
-     {{{"CCAM_42", {{{"regroupement", "code regroupement"}}}}}}}};
+     {{{"CCAM_42", {{{"regroupement", "regroupement"}}}}}}}};
 
 using Modifications = std::tuple<ModificationPrixUnitaire, ModificationSupplementCharge,
                                  ModificationMajorationDOM, ModificationRegleAssociationNonPrevue,

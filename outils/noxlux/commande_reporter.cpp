@@ -125,7 +125,7 @@ Json refaireTout(const FichierReference& fichier) {
         std::vector<std::string> arguments;
         ajouterArguments(table.cles, ligne, arguments);
         ajouterArguments(demande.valeurs, ligne, arguments);
-        const std::string effet = ligne["date d'effet"].get<std::string>();
+        const std::string effet = ligne["effet"].get<std::string>();
         const auto [issue, raison] = refaire(demande, ligne, arguments, dateReference(effet));
         changements.push_back({{"identifiant", demande.modification},
                                {"champs", arguments},

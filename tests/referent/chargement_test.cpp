@@ -233,7 +233,7 @@ TEST_F(Chargement, modifications) {
 
   // One that the reference refuses is named; the file can be read all the same, to be mended.
   repertoire_.ecrire("modifref.nox", sauve);
-  reference_.lignes<Seuil>()[0].dateDebut = {2027, 1, 1};
+  reference_.lignes<Seuil>()[0].debut = {2027, 1, 1};
   EXPECT_EQ(ecrireEtCharger(), NOX_CR_DATE_EFFET);
   EXPECT_EQ(referentiel_->refus, "table 039, ligne 1, position seuil 1, date d'effet 2026/01/01");
   reference_ = Reference();
