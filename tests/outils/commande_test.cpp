@@ -91,7 +91,7 @@ TEST(Commande, ditCeQuiEstModifie) {
 
 // From one reference to the next: changes set aside are told, not written over, and made again where they
 // still make sense; those that a reference of the same version refuses can be taken back.
-TEST(Commande, ReporteLesChangements) {
+TEST(Commande, reporteLesChangements) {
   const Repertoire dossier;
   const fs::path exemple = dossier.chemin() / "exemple";
   const auto remplacer = [&](const char* fichier, const char* avant, const char* apres) {
