@@ -240,9 +240,26 @@ TEST_F(Memoire, controleComplet) {
     facture.push_back({3530, {numero, "ABC"}});
   }
   facture.push_back({3500, {""}});
+  // Overseas: an association, a modifier, an age, a supplement, a travel.
+  Zone outreMer = {{1110, {"123456789", "01", "", "", "1", "04", "", "", "01", "", "", "", "20200229"}},
+                   {1511, {"N"}}};
+  for (const char* numero : {"1", "2"}) {
+    const bool premiere = *numero == '1';
+    outreMer.push_back({1610, {numero, DATE, "0", "ADC", "", "", "", "", "", "", "20679", "20679", "70"}});
+    outreMer.push_back({2020, {numero, "20679"}});
+    outreMer.push_back({2100,
+                        {numero, premiere ? "HHFA001" : "HHFA002", "", "1", "0", "F", "U", "", "",
+                         premiere ? "1" : "2", "", "0", ""}});
+  }
+  outreMer.push_back({1620, {"3", DATE, "IFD", "", "", "", "", "70", "", "", ""}});
+  outreMer.push_back({3500, {"974"}});
   Bloc bloc(facture);
+  Bloc blocOutreMer(outreMer);
   const Appel appels[] = {
       [&](void** z, unsigned* t) { return NOX_ControleComplet(bloc.adresse(), bloc.taille(), z, t); },
+      [&](void** z, unsigned* t) {
+        return NOX_ControleComplet(blocOutreMer.adresse(), blocOutreMer.taille(), z, t);
+      },
       parSession(facture, [] { return NOX_ControleComplet_S(1); }),
   };
   for (const Appel& appel : appels) {
