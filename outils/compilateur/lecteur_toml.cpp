@@ -7,6 +7,7 @@
 #include <iterator>
 #include <set>
 #include <type_traits>
+#include <utility>
 
 #define TOML_EXCEPTIONS 0
 #define TOML_HEADER_ONLY 1
@@ -406,6 +407,26 @@ std::uint32_t ligneDeCleTropLongue(std::string_view texte) {
   return 0;
 }
 
+// What a fault of the parser, which speaks English, most often is.
+std::string_view raisonToml(std::string_view description) {
+  constexpr std::pair<std::string_view, std::string_view> RAISONS[] = {
+      {"redefin", "cette clé ou cette table est donnée deux fois"},
+      {"end-of-file", "le fichier s'arrête au milieu d'une valeur"},
+      {"utf-8", "ce texte n'est pas de l'UTF-8"},
+      {"line break", "la ligne s'arrête au milieu d'une valeur"},
+      {"string", "ce texte entre guillemets n'est pas écrit comme il le doit"},
+      {"date", "cette date n'est pas écrite comme elle le doit"},
+      {"integer", "ce nombre n'est pas écrit comme il le doit"},
+      {"float", "ce nombre n'est pas écrit comme il le doit"},
+      {"array", "cette liste n'est pas écrite comme elle le doit"},
+      {"table", "ce nom de table n'est pas écrit comme il le doit"},
+      {"key", "une clé, « = » et une valeur sont attendus"}};
+  const auto* const trouvee = std::find_if(std::begin(RAISONS), std::end(RAISONS), [&](const auto& raison) {
+    return description.find(raison.first) != std::string_view::npos;
+  });
+  return trouvee == std::end(RAISONS) ? "ce texte n'est pas du TOML" : trouvee->second;
+}
+
 void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rapport& rapport) {
   const std::size_t invalide = premierOctetInvalide(texte);
   if (invalide != std::string_view::npos) {
@@ -424,8 +445,10 @@ void lireTexte(std::string_view texte, std::uint32_t source, Modele& modele, Rap
   }
   const toml::parse_result resultat = toml::parse(texte);
   if (!resultat) {
-    rapport.signaler({source, resultat.error().source().begin.line},
-                     phrase("TOML mal formé (", resultat.error().description(), ")"));
+    rapport.signaler(
+        {source, resultat.error().source().begin.line},
+        phrase("TOML mal formé, colonne ", std::to_string(resultat.error().source().begin.column), " : ",
+               raisonToml(resultat.error().description())));
     return;
   }
   Contexte contexte{rapport, source, {}};
