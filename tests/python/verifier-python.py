@@ -14,6 +14,9 @@ import sys
 import tempfile
 from pathlib import Path
 
+sys.dont_write_bytecode = True
+from raisons import sans_raisons  # noqa: E402
+
 commande, bibliotheque, exemple, sources = sys.argv[1], sys.argv[2], Path(sys.argv[3]), Path(sys.argv[4])
 sys.path.insert(0, str(sources / "python"))
 os.environ["NOXLUX_BIBLIOTHEQUE"] = bibliotheque
@@ -67,17 +70,6 @@ def gater(facture, pas):
 factures = [json.loads(f.read_text()) for f in sorted((sources / "examples").glob("*.json"))]
 lot = [json.dumps(f, ensure_ascii=False) for f in factures]
 lot += [texte for facture in factures for texte in gater(facture, 7)] + ["[]", "{", "12", "[" * 40, '{"a": NaN}']
-def sans_raisons(texte):
-    """The answer of the command without why: the package asks the library alone."""
-    reponse = json.loads(texte)
-    for erreur in reponse.get("erreurs", []):
-        for cle in ("regle", "detail", "donnees"):
-            del erreur[cle]
-    if cause := reponse.pop("cause", None):
-        reponse["erreur"] = reponse["erreur"].removesuffix(" : " + cause["phrase"])
-    return json.dumps(reponse, ensure_ascii=False, separators=(",", ":"))
-
-
 attendus = commander("controler", "--lot", "--detail", entree="\n".join(lot) + "\n").splitlines()
 with noxlux.Reference(exemple) as reference:
     obtenus = [json.dumps(r, ensure_ascii=False, separators=(",", ":")) for r in reference.controler_lot(lot, detail=True)]
