@@ -278,7 +278,7 @@ def verifier_tailles(compte):
     megas = 1 << (16 if assaini else 20)
     essais = [
         ("a zone of empty groups", ["zone", "decoder", "-"], b"\x0b\xc4\x00" * megas, 0, ""),
-        ("a zone of empty fields", ["zone", "decoder", "-"], b"\x0b\xc4\x84\x00\x10\x00\x00" + b"\x00" * megas, 0, ""),
+        ("a zone of empty fields", ["zone", "decoder", "-"], b"\x0b\xc4\x84" + megas.to_bytes(4, "big") + b"\x00" * megas, 0, ""),
         ("a listing of commas", ["compiler", "--listing", "FICHIER", "-o", "DOSSIER"], b"," * (20 * megas), 2, "tronqué"),
         ("a listing of acts", ["compiler", "--listing", "FICHIER", "-o", "DOSSIER"],
          b"CCAM version 81 applicable 01/01/2026,,,,,,,,,,\r\n" + ENTETE + b"".join(
