@@ -201,8 +201,10 @@ void modifier(const OptionsModifier& options) {
     throw ErreurUsage(misDeCote + " ; « noxlux reporter » les refait, --remplacer les abandonne");
   }
   changer(options, fonction.nom, effet, "modifié, valeurs", [&] {
-    exigerSucces("NOX_ModifierDonnee", NOX_ModifierDonnee(fonction.nom.c_str(), effet.c_str(), zone.data(),
-                                                          static_cast<unsigned int>(zone.size())));
+    appelerOuEchouer("NOX_ModifierDonnee", [&](void** /*sortie*/, unsigned int* /*taille*/) {
+      return NOX_ModifierDonnee(fonction.nom.c_str(), effet.c_str(), zone.data(),
+                                static_cast<unsigned int>(zone.size()));
+    });
   });
 }
 
@@ -238,8 +240,10 @@ void annuler(const OptionsModifier& options) {
     return;
   }
   changer(options, fonction.nom, date, "rétabli, valeurs", [&] {
-    exigerSucces("NOX_AnnulerModification", NOX_AnnulerModification(fonction.nom.c_str(), zone.data(),
-                                                                    static_cast<unsigned int>(zone.size())));
+    appelerOuEchouer("NOX_AnnulerModification", [&](void** /*sortie*/, unsigned int* /*taille*/) {
+      return NOX_AnnulerModification(fonction.nom.c_str(), zone.data(),
+                                     static_cast<unsigned int>(zone.size()));
+    });
   });
 }
 
