@@ -81,6 +81,14 @@ CodeRetour LectureDonnees::lireLigne(const char* methode, const V& cle, T L::*ch
   return requete(methode, corps, Entree{"Code recherche", cle});
 }
 
+// The change of a value that is the last to hold at a date; null when there is none.
+template <class M>
+const M* derniereModification(const std::vector<M>& lignes, const CleModification<M>& cle, const Date& date) {
+  const auto derniere =
+      std::find_if(lignes.rbegin(), lignes.rend(), [&](const M& ligne) { return cle.couvre(ligne, date); });
+  return derniere == lignes.rend() ? nullptr : &*derniere;
+}
+
 template <class M, class... C>
 CodeRetour LectureDonnees::lireDateModification(const char* methode, const Date& date, Date& modification,
                                                 const C&... cles) {
@@ -90,10 +98,8 @@ CodeRetour LectureDonnees::lireDateModification(const char* methode, const Date&
     if (cr != NOX_CR_OK) {
       return cr;
     }
-    const std::vector<M>& lignes = donnees().lignes<M>();
-    const auto derniere =
-        std::find_if(lignes.rbegin(), lignes.rend(), [&](const M& ligne) { return cle.couvre(ligne, date); });
-    return derniere == lignes.rend() ? cr : copier(derniere->dateEffet, modification);
+    const M* const derniere = derniereModification(donnees().lignes<M>(), cle, date);
+    return derniere == nullptr ? cr : copier(derniere->dateEffet, modification);
   };
   return requete(methode, corps, Entree{"Cle recherchee", cles}..., Entree{"Date de reference", date});
 }
@@ -107,10 +113,8 @@ void LectureDonnees::compterModification(CodeRetour cr, const Date& date, const 
   if (cle.composer(cles...) != NOX_CR_OK) {
     return;
   }
-  const std::vector<M>& lignes = donnees().lignes<M>();
-  const auto derniere =
-      std::find_if(lignes.rbegin(), lignes.rend(), [&](const M& ligne) { return cle.couvre(ligne, date); });
-  if (derniere == lignes.rend()) {
+  const M* const derniere = derniereModification(donnees().lignes<M>(), cle, date);
+  if (derniere == nullptr) {
     return;
   }
   compteurModifications_ += verification_ ? 1U : 0U;
