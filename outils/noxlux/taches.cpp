@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "noxlux/erreurs.h"
+#include "noxlux/ligne.h"
 
 namespace noxlux::commande {
 
@@ -62,28 +63,6 @@ std::vector<std::string> deballer(std::string_view message) {
     message.remove_prefix(sizeof taille + taille);
   }
   return textes;
-}
-
-bool envoyer(int ligne, std::string_view octets) {
-  while (!octets.empty()) {
-    const ssize_t n = send(ligne, octets.data(), octets.size(), MSG_NOSIGNAL);
-    if (n < 0 && errno != EINTR) {
-      return false;
-    }
-    octets.remove_prefix(n > 0 ? static_cast<std::size_t>(n) : 0U);
-  }
-  return true;
-}
-
-// False at the end of the line.
-bool lire(int ligne, std::string& recu) {
-  char octets[65536];
-  ssize_t n = 0;
-  do {
-    n = read(ligne, octets, sizeof octets);
-  } while (n < 0 && errno == EINTR);
-  recu.append(octets, n > 0 ? static_cast<std::size_t>(n) : 0U);
-  return n > 0;
 }
 
 std::string direFin(int statut) {
@@ -142,7 +121,7 @@ void Taches::travailler(int ligne) const {
   }
   int statut = STATUT_REPONDU;
   try {
-    for (std::string recu; lire(ligne, recu);) {
+    for (std::string recu; recevoirDeLigne(ligne, recu);) {
       if (!estEntier(recu)) {
         continue;
       }
@@ -151,7 +130,7 @@ void Taches::travailler(int ligne) const {
         reponses.push_back(metier_.repondre(demande));
       }
       recu.clear();
-      if (!envoyer(ligne, emballer(reponses))) {
+      if (!envoyerSurLigne(ligne, emballer(reponses))) {
         break;
       }
     }
@@ -211,7 +190,7 @@ void Taches::confier(Lot lot) {
   Ouvrier& ouvrier = *oisif();
   ouvrier.lot = std::move(lot);
   // One that has just ended is told by the end of its line.
-  envoyer(ouvrier.ligne, emballer(ouvrier.lot.demandes));
+  envoyerSurLigne(ouvrier.ligne, emballer(ouvrier.lot.demandes));
 }
 
 // Takes what comes first. False once nothing is on its way.
@@ -220,7 +199,7 @@ bool Taches::attendre() {
     Ouvrier& ouvrier = *oisif();
     ouvrier.lot = std::move(aReprendre_.front());
     aReprendre_.pop_front();
-    envoyer(ouvrier.ligne, emballer(ouvrier.lot.demandes));
+    envoyerSurLigne(ouvrier.ligne, emballer(ouvrier.lot.demandes));
   }
   std::vector<pollfd> lignes;
   std::vector<Ouvrier*> auTravail;
@@ -244,7 +223,7 @@ bool Taches::attendre() {
 }
 
 void Taches::recevoir(Ouvrier& ouvrier) {
-  if (!lire(ouvrier.ligne, ouvrier.recu)) {
+  if (!recevoirDeLigne(ouvrier.ligne, ouvrier.recu)) {
     perdre(ouvrier);
     return;
   }
