@@ -4,6 +4,7 @@
 
 #include "compilateur/transcodage.h"
 #include "regles/facture.h"
+#include "regles/faits.h"
 
 namespace noxlux::commande {
 
@@ -18,22 +19,24 @@ struct Etape {
 
 const Etape* etapeDe(std::string_view nom) {
   static const std::vector<Etape> ETAPES = {
-      {"prixUnitaire", "prix unitaire de l'acte", {"rechercherPrixUnitaire"}},
-      {"majoration", "majoration d'outre-mer", {"rechercherMajorationDOM"}},
-      {"prixAuCentime", "arrondi au centime", {}},
-      {"prixFacture", "prix facturé", {}},
-      {"tauxModificateurs",
+      {faits::PRIX_UNITAIRE, "prix unitaire de l'acte", {"rechercherPrixUnitaire"}},
+      {faits::MAJORATION, "majoration d'outre-mer", {"rechercherMajorationDOM"}},
+      {faits::PRIX_AU_CENTIME, "arrondi au centime", {}},
+      {faits::PRIX_FACTURE, "prix facturé", {}},
+      {faits::TAUX_MODIFICATEURS,
        "modificateurs à taux",
        {"rechercherNombreModificateursTarifants", "rechercherTauxModificateur"}},
-      {"reductionAssociation",
+      {faits::REDUCTION_ASSOCIATION,
        "coefficient d'association",
        {"rechercherTypeActe", "rechercherCoefficientAssociationNonPrevue", "rechercherRegleAssociation",
         "rechercherCoefficientRegle"}},
-      {"forfaitsModificateurs", "modificateurs à forfait", {"rechercherForfaitModificateur"}},
-      {"supplementCharges", "supplément pour charges", {"rechercherSupplementCharges"}},
-      {"forfaitNonConventionne", "plafond des non-conventionnés", {"rechercherForfaitNonConventionnes"}},
-      {"tauxNonConventionne", "réduction des non-conventionnés", {"rechercherTauxNonConventionnes"}},
-      {"baseAuCentime", "arrondi au centime", {}},
+      {faits::FORFAITS_MODIFICATEURS, "modificateurs à forfait", {"rechercherForfaitModificateur"}},
+      {faits::SUPPLEMENT_CHARGES, "supplément pour charges", {"rechercherSupplementCharges"}},
+      {faits::FORFAIT_NON_CONVENTIONNE,
+       "plafond des non-conventionnés",
+       {"rechercherForfaitNonConventionnes"}},
+      {faits::TAUX_NON_CONVENTIONNE, "réduction des non-conventionnés", {"rechercherTauxNonConventionnes"}},
+      {faits::BASE_AU_CENTIME, "arrondi au centime", {}},
   };
   const auto trouvee =
       std::find_if(ETAPES.begin(), ETAPES.end(), [&](const Etape& e) { return e.nom == nom; });
@@ -63,7 +66,7 @@ bool estCalcul(std::string_view regle) {
   return std::find(std::begin(CALCULS), std::end(CALCULS), regle) != std::end(CALCULS);
 }
 bool estPrix(std::string_view etape) {
-  return etape == "prixUnitaire" || etape == "majoration" || etape == "prixAuCentime";
+  return etape == faits::PRIX_UNITAIRE || etape == faits::MAJORATION || etape == faits::PRIX_AU_CENTIME;
 }
 
 template <class T>
@@ -142,12 +145,12 @@ void Explication::regleFinie() {
 void Explication::faitDit(const char* fait, std::span<const ValeurLue> valeurs) {
   const std::string_view nom = fait;
   const std::vector<ValeurLue> copie(valeurs.begin(), valeurs.end());
-  if (nom == "ligneComptee") {
+  if (nom == faits::LIGNE_COMPTEE.nom) {
     comptees_.push_back({{"numero", static_cast<std::int32_t>(valeur<double>(copie, 0))},
                          {"montant", valeur<double>(copie, 1)}});
     return;
   }
-  if (nom == "sommeSeance" && !sujet_.empty()) {
+  if (nom == faits::SOMME_SEANCE.nom && !sujet_.empty()) {
     seances_.push_back({{"date", jourIso(sujet_.front()->date)},
                         {"lignes", comptees_},
                         {"somme", valeur<double>(copie, 0)},
@@ -155,14 +158,14 @@ void Explication::faitDit(const char* fait, std::span<const ValeurLue> valeurs) 
                         {"donnees", Json::array()}});
     return;
   }
-  if (nom == "seuilSeance" && !seances_.empty()) {
+  if (nom == faits::SEUIL_SEANCE.nom && !seances_.empty()) {
     seances_.back()["seuil"] = valeur<double>(copie, 0);
     seances_.back()["donnees"] = seuilLu(lues_);
     return;
   }
   for (const LigneActe* ligne : sujet_) {
     recits_[ligne].faits.push_back({fait, copie});
-    if (nom == "seuilActe") {
+    if (nom == faits::SEUIL_ACTE.nom) {
       recits_[ligne].seuil = seuilLu(lues_);
     }
   }
@@ -227,7 +230,7 @@ Json Explication::etape(const Recit& recit, const EtapeCalcul& dite) {
   if (connue != nullptr && !connue->questions.empty()) {
     for (Json& donnee : enListe(recit.lues, &connue->questions)) {
       // A flat amount of zero is the mark of a modifier with a rate.
-      if (dite.nom != std::string_view("forfaitsModificateurs") || donnee["valeur"] != 0.0) {
+      if (dite.nom != std::string_view(faits::FORFAITS_MODIFICATEURS) || donnee["valeur"] != 0.0) {
         json["donnees"].push_back(std::move(donnee));
       }
     }
@@ -238,16 +241,16 @@ Json Explication::etape(const Recit& recit, const EtapeCalcul& dite) {
 Json Explication::association(const Recit& recit) {
   Json json = Json::object();
   for (const Dit& dit : recit.faits) {
-    if (dit.fait == "acteLePlusFort") {
+    if (dit.fait == faits::ACTE_LE_PLUS_FORT.nom) {
       json["acteLePlusCher"] = valeur<std::string>(dit.valeurs, 0);
-    } else if (dit.fait == "ligneLaPlusForte") {
+    } else if (dit.fait == faits::LIGNE_LA_PLUS_FORTE.nom) {
       json["ligneLaPlusChere"] = static_cast<std::int32_t>(valeur<double>(dit.valeurs, 0));
       json["prixLePlusCher"] = valeur<double>(dit.valeurs, 1);
-    } else if (dit.fait == "complementaire" || dit.fait == "reduite") {
+    } else if (dit.fait == faits::COMPLEMENTAIRE.nom || dit.fait == faits::REDUITE.nom) {
       json[dit.fait] = valeur<bool>(dit.valeurs, 0);
-    } else if (dit.fait == "codeAssociation" || dit.fait == "regleTarifaire") {
+    } else if (dit.fait == faits::CODE_ASSOCIATION.nom || dit.fait == faits::REGLE_TARIFAIRE.nom) {
       json[dit.fait] = valeur<std::string>(dit.valeurs, 0);
-    } else if (dit.fait == "coefficientAssociation") {
+    } else if (dit.fait == faits::COEFFICIENT.nom) {
       json["coefficient"] = valeur<double>(dit.valeurs, 0);
     }
   }
@@ -257,15 +260,15 @@ Json Explication::association(const Recit& recit) {
 Json Explication::modificateurs(const Recit& recit) {
   Json liste = Json::array();
   for (const Dit& dit : recit.faits) {
-    if (dit.fait == "modificateur") {
+    if (dit.fait == faits::MODIFICATEUR.nom) {
       liste.push_back({{"code", valeur<std::string>(dit.valeurs, 0)}, {"compte", true}});
-    } else if (dit.fait == "modificateurAuDela") {
+    } else if (dit.fait == faits::MODIFICATEUR_AU_DELA.nom) {
       liste.push_back({{"code", valeur<std::string>(dit.valeurs, 0)},
                        {"compte", false},
                        {"nombreQuiComptent", static_cast<std::int32_t>(valeur<double>(dit.valeurs, 1))}});
-    } else if (dit.fait == "forfaitModificateur" && !liste.empty()) {
+    } else if (dit.fait == faits::FORFAIT_MODIFICATEUR.nom && !liste.empty()) {
       liste.back()["forfait"] = valeur<double>(dit.valeurs, 0);
-    } else if (dit.fait == "tauxModificateur" && !liste.empty()) {
+    } else if (dit.fait == faits::TAUX_MODIFICATEUR.nom && !liste.empty()) {
       liste.back()["taux"] = valeur<double>(dit.valeurs, 0) / 100;
     }
   }
@@ -284,11 +287,11 @@ Json Explication::etapes(std::size_t rang) const {
   json["association"] = association(recit);
   json["modificateurs"] = modificateurs(recit);
   for (const Dit& dit : recit.faits) {
-    if (dit.fait == "rembourse") {
+    if (dit.fait == faits::REMBOURSE.nom) {
       json["rembourse"] = valeur<bool>(dit.valeurs, 0);
-    } else if (dit.fait == "convention") {
+    } else if (dit.fait == faits::CONVENTION.nom) {
       json["conventionPS"] = valeur<std::string>(dit.valeurs, 0);
-    } else if (dit.fait == "seuilActe") {
+    } else if (dit.fait == faits::SEUIL_ACTE.nom) {
       json["exoneration"] = {{"seuil", valeur<double>(dit.valeurs, 0)},
                              {"base", valeur<double>(dit.valeurs, 1)},
                              {"atteint", valeur<bool>(dit.valeurs, 2)},
