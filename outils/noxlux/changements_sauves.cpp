@@ -70,11 +70,6 @@ constexpr TableChangements TABLES[] = {
      {{ACTE, ACTIVITE}},
      {{{"CCAM_42", {{{"regroupement", "regroupement"}}}}}}}};
 
-using Modifications = std::tuple<ModificationPrixUnitaire, ModificationSupplementCharge,
-                                 ModificationMajorationDOM, ModificationRegleAssociationNonPrevue,
-                                 ModificationSeuil, ModificationModificateur, ModificationNonConventionne,
-                                 ModificationCodeRegroupement, ModificationNouveauCodeRegroupement>;
-
 // Takes out of a table of changes the lines that are told.
 template <class M>
 void retirerLignes(Referentiel& referentiel, const std::vector<bool>& retirees) {
@@ -151,7 +146,7 @@ std::size_t retirerDuFichier(const OptionsReference& options, const std::string&
   [&]<class... M>(std::type_identity<std::tuple<M...>>) {
     (static_cast<void>(M::IDENTIFIANT == table.table && (retirerLignes<M>(referentiel, retirees), true)),
      ...);
-  }(std::type_identity<Modifications>{});
+  }(std::type_identity<noxlux::Catalogue>{});
   ++referentiel.entete.numeroRevision;
   if (!commentaire.empty()) {
     referentiel.entete.commentaire = commentaire;

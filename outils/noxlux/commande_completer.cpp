@@ -1,7 +1,5 @@
 // noxlux completer: the words that a shell may put where the cursor stands, one a line. The scripts of bash,
 // zsh and fish are this command and little else.
-#include <algorithm>
-#include <cctype>
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
@@ -89,14 +87,6 @@ Mots candidats(const CLI::App& application, const Mots& ligne) {
   return noms;
 }
 
-// Codes are typed in small letters too.
-bool suit(const std::string& candidat, const std::string& mot) {
-  const auto majuscule = [](char c) { return std::toupper(static_cast<unsigned char>(c)); };
-  return candidat.size() >= mot.size() &&
-         std::equal(mot.begin(), mot.end(), candidat.begin(),
-                    [&](char tape, char propose) { return majuscule(tape) == majuscule(propose); });
-}
-
 }  // namespace
 
 void enregistrerCompleter(CLI::App& application) {
@@ -106,8 +96,9 @@ void enregistrerCompleter(CLI::App& application) {
   commande->add_option("ligne", *ligne, "les mots de la ligne, derrière --");
   commande->callback([&application, ligne] {
     const Mots mots = ligne->empty() ? Mots{""} : *ligne;
+    const std::string debut = enCapitales(mots.back());  // codes are typed in small letters too
     for (const std::string& candidat : candidats(application, mots)) {
-      if (suit(candidat, mots.back())) {
+      if (enCapitales(candidat).starts_with(debut)) {
         std::cout << candidat << '\n';
       }
     }

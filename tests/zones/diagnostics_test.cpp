@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <type_traits>
 
 #include "basics/trace.h"
 #include "ctrl_in/controleur_zone.h"
